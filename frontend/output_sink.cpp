@@ -1,0 +1,110 @@
+#include "frontend/output_sink.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <ctime>
+#include <sys/time.h>
+
+namespace {
+
+// A write outside an entry needs this many free bytes, so that a row is not begun that cannot be
+// finished.
+constexpr size_t ROOM_FOR_A_ROW = 201;
+
+// Standard output is sought back to its start once it has passed this position.
+constexpr off_t TRACE_LOG_LIMIT = 0x100000;
+
+constexpr uint32_t DEBUG_WORD_AT_START = 0x87;
+
+// The month, day and time of day within ctime's text.
+constexpr int STAMP_START = 4;
+constexpr int STAMP_LENGTH = 15;
+
+char *buffer_end() {
+    return hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
+}
+
+// Positions are compared as numbers: after a cut write the pointer lies past the buffer.
+bool has_room(uintptr_t position) {
+    const auto end = reinterpret_cast<uintptr_t>(buffer_end());
+    if (position >= end) {
+        return false;
+    }
+    return hmx_rcli_entry_start_ptr != nullptr || end - position >= ROOM_FOR_A_ROW;
+}
+
+void print_stamped(const char *format, va_list arguments) {
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    const time_t seconds = now.tv_sec;
+    char stamp[32] = "";
+    if (ctime_r(&seconds, stamp) == nullptr) {
+        stamp[STAMP_START] = '\0';
+    }
+    printf("%.*s.%06d: ", STAMP_LENGTH, stamp + STAMP_START, static_cast<int>(now.tv_usec));
+    vprintf(format, arguments);
+    if (ftello(stdout) > TRACE_LOG_LIMIT) {
+        fseeko(stdout, 0, SEEK_SET);
+    }
+}
+
+} // namespace
+
+char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
+char *hmx_rcli_buffer_ptr;
+char *hmx_rcli_entry_start_ptr;
+int32_t hmx_rcli_print_len;
+uint32_t hmx_rcli_more_output;
+int32_t hmx_rcli_fromdpa;
+int32_t hmx_rcli_dpa_loga_log;
+
+uint32_t kx_debug_print_kxdump = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_hmx_cmds = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_kxdpa_indirect = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_kxtarncmd_indirect = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_kxcmd = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_kxstrings = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_dpa_platform = DEBUG_WORD_AT_START;
+uint32_t kx_debug_print_dpa_main = DEBUG_WORD_AT_START;
+
+void kx_print(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    if (hmx_rcli_buffer_ptr == nullptr) {
+        // The pointer stays NULL even when a host left a length from an earlier buffered run: a
+        // terminal run never starts buffering by itself.
+        vprintf(format, arguments);
+    } else {
+        const auto position = reinterpret_cast<uintptr_t>(hmx_rcli_buffer_ptr);
+        if (has_room(position)) {
+            hmx_rcli_print_len =
+                vsnprintf(hmx_rcli_buffer_ptr, reinterpret_cast<uintptr_t>(buffer_end()) - position,
+                          format, arguments);
+        }
+        // Dropped writes advance the pointer too; it may run far past the end but must not wrap
+        // around to the buffer again.
+        const auto advance =
+            static_cast<uintptr_t>(hmx_rcli_print_len < 0 ? 0 : hmx_rcli_print_len);
+        if (advance <= UINTPTR_MAX - position) {
+            hmx_rcli_buffer_ptr = reinterpret_cast<char *>(position + advance);
+        }
+    }
+    va_end(arguments);
+}
+
+void kx_print_stamped(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    print_stamped(format, arguments);
+    va_end(arguments);
+}
+
+void kx_trace(uint32_t debug_word, kx_debug_bit bit, const char *format, ...) {
+    if ((debug_word & bit) == 0) {
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    print_stamped(format, arguments);
+    va_end(arguments);
+}
