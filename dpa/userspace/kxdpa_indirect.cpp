@@ -1,0 +1,149 @@
+#include "dpa/userspace/kxdpa_indirect.h"
+
+#include "frontend/output_sink.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char *DEVICE_PATH = "/vmfs/devices/char/vmkdriver/kestrel";
+
+// The driver has one request code; the opcode selects the operation.
+constexpr unsigned long REQUEST_CODE = 0;
+
+// Failure lines name the place in the channel by this path and a number that belongs to the
+// message: operators search for the numbers, so they stay whatever happens to the lines of this
+// file.
+constexpr const char *SOURCE_PATH = "dpa/userspace/kxdpa_indirect.cpp";
+constexpr int PLACE_SIMPLE_IOCTL = 105;
+constexpr int PLACE_ONE_BUFFER_CAPACITY = 134;
+constexpr int PLACE_ONE_BUFFER_IOCTL = 152;
+constexpr int PLACE_TWO_BUFFER_CAPACITY1 = 190;
+constexpr int PLACE_TWO_BUFFER_CAPACITY2 = 204;
+constexpr int PLACE_TWO_BUFFER_IOCTL = 217;
+
+uint32_t user_address(const void *buffer) {
+    return reinterpret_cast<uintptr_t>(buffer);
+}
+
+// A record with everything but buffers and capacities. The status is preset, so that an ioctl that
+// never reached the driver reads as a failure.
+kxdpa_request make_request(int opcode, uint32_t arg, uint8_t flags) {
+    kxdpa_request request{};
+    request.opcode = static_cast<uint16_t>(opcode);
+    request.marker = KXDPA_KERNEL_MARKER;
+    request.version = KXDPA_KERNEL_VERSION;
+    request.flags = flags;
+    request.arg = arg;
+    request.status = KXDPA_STATUS_NO_EXCHANGE;
+    return request;
+}
+
+void trace_request(const char *function, int opcode) {
+    kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE,
+             "%s: Generating ioctl() for opcode %d\n", function, opcode);
+}
+
+uint32_t fail_without_capacity(int place, int opcode) {
+    kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed, opcode %d\n",
+             SOURCE_PATH, place, opcode);
+    return KXDPA_STATUS_NO_CAPACITY;
+}
+
+} // namespace
+
+int kx_dpa_call_fd = -1;
+
+int kx_platform_open() {
+    kx_dpa_call_fd = open(DEVICE_PATH, O_RDONLY);
+    return kx_dpa_call_fd;
+}
+
+int kx_platform_close() {
+    if (kx_dpa_call_fd != -1) {
+        close(kx_dpa_call_fd);
+    }
+    return 0;
+}
+
+int kx_dpa_api_init() {
+    return kx_platform_open() == -1 ? -1 : 0;
+}
+
+int kx_dpa_api_exit() {
+    return kx_platform_close();
+}
+
+uint32_t kx_dpa_call_indirect1(int opcode, uint32_t arg, uint8_t flags, void *buf, uint32_t len,
+                               uint32_t *max_ref) {
+    trace_request("kx_dpa_call_indirect1", opcode);
+    kxdpa_request request = make_request(opcode, arg, flags);
+    request.buf1 = user_address(buf);
+    request.len1 = len;
+    if ((flags & KXDPA_FLAG_MAX) != 0) {
+        if (max_ref == nullptr) {
+            return fail_without_capacity(PLACE_ONE_BUFFER_CAPACITY, opcode);
+        }
+        request.max1 = *max_ref;
+        request.max1_valid = 1;
+    }
+    const int result = ioctl(kx_dpa_call_fd, REQUEST_CODE, &request);
+    if (result == -1) {
+        kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed: %d, opcode %d\n",
+                 SOURCE_PATH, PLACE_ONE_BUFFER_IOCTL, result, opcode);
+        kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "di status %d\n",
+                 static_cast<int>(request.status));
+    }
+    if ((flags & KXDPA_FLAG_MAX) != 0) {
+        *max_ref = request.max1;
+    }
+    return request.status;
+}
+
+uint32_t kx_dpa_call_indirect2(int opcode, uint32_t arg, uint8_t flags, void *buf1, uint32_t len1,
+                               uint32_t *max1_ref, void *buf2, uint32_t len2, uint32_t *max2_ref) {
+    trace_request("kx_dpa_call_indirect2", opcode);
+    kxdpa_request request = make_request(opcode, arg, flags);
+    request.buf1 = user_address(buf1);
+    request.len1 = len1;
+    request.buf2 = user_address(buf2);
+    request.len2 = len2;
+    if ((flags & KXDPA_FLAG_MAX) != 0) {
+        if (max1_ref == nullptr) {
+            return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY1, opcode);
+        }
+        if (max2_ref == nullptr) {
+            return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY2, opcode);
+        }
+        request.max1 = *max1_ref;
+        request.max1_valid = 1;
+        request.max2 = *max2_ref;
+        request.max2_valid = 1;
+    }
+    if (ioctl(kx_dpa_call_fd, REQUEST_CODE, &request) == -1) {
+        kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed, opcode %d\n",
+                 SOURCE_PATH, PLACE_TWO_BUFFER_IOCTL, opcode);
+        kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "di status %d\n",
+                 static_cast<int>(request.status));
+    }
+    if ((flags & KXDPA_FLAG_MAX) != 0) {
+        *max1_ref = request.max1;
+        *max2_ref = request.max2;
+    }
+    return request.status;
+}
+
+int kx_dpa_call_indirect_simple(uint16_t opcode, uint32_t arg, uint8_t flags, void *buf,
+                                uint32_t len) {
+    trace_request("kx_dpa_call_indirect_simple", opcode);
+    kxdpa_request request = make_request(opcode, arg, flags);
+    request.buf1 = user_address(buf);
+    request.len1 = len;
+    if (ioctl(kx_dpa_call_fd, REQUEST_CODE, &request) == -1) {
+        kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed\n", SOURCE_PATH,
+                 PLACE_SIMPLE_IOCTL);
+    }
+    return static_cast<int>(request.status);
+}
