@@ -1,0 +1,89 @@
+#include "infra/utils/kxassert.h"
+#include "infra/utils/kxstrings.h"
+
+#include <cctype>
+#include <cstring>
+
+namespace {
+
+bool is_space(char c) {
+    return isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+bool ends_word(char c) {
+    return c == '\0' || c == ';' || is_space(c);
+}
+
+int lower(char c) {
+    return tolower(static_cast<unsigned char>(c));
+}
+
+} // namespace
+
+const char *kx_find_next_arg(const char *word) {
+    if (word == nullptr) {
+        return nullptr;
+    }
+    while (*word != '\0' && !is_space(*word)) {
+        ++word;
+    }
+    while (is_space(*word)) {
+        ++word;
+    }
+    return *word == '\0' ? nullptr : word;
+}
+
+int stris(const char *word, const char *keyword) {
+    if (!kx_assert(word != nullptr && keyword != nullptr, __func__,
+                   "str != NULL && cmpstr != NULL")) {
+        return 1;
+    }
+    for (; *keyword != '\0'; ++keyword, ++word) {
+        if (ends_word(*word) || lower(*word) != lower(*keyword)) {
+            return 1;
+        }
+    }
+    return ends_word(*word) ? 0 : 1;
+}
+
+int kx_strncasecmp(const char *a, const char *b, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        if (lower(a[i]) != lower(b[i])) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+// A NUL is no separator here: copying on past it would yield the same text, but from bytes that are
+// not the source's. The copy therefore stops at the source's end.
+int strncpy_until_space(char *destination, size_t size, const char *source) {
+    if (size == 0) {
+        return 0;
+    }
+    size_t length = 0;
+    while (length < size - 1 && source[length] != '\0' && !is_space(source[length])) {
+        destination[length] = source[length];
+        ++length;
+    }
+    destination[length] = '\0';
+    return 0;
+}
+
+int kx_split_words(char *work, size_t size, const char *text, char *words[], int max_words) {
+    if (text == nullptr || size == 0) {
+        return 0;
+    }
+    const size_t length = strnlen(text, size - 1);
+    memcpy(work, text, length);
+    work[length] = '\0';
+
+    int count = 0;
+    char *rest = nullptr;
+    char *word = strtok_r(work, " ", &rest);
+    while (word != nullptr && count < max_words) {
+        words[count++] = word;
+        word = strtok_r(nullptr, " ", &rest);
+    }
+    return count;
+}

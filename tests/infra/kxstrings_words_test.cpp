@@ -1,0 +1,121 @@
+#include "infra/utils/kxstrings.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(Words, NextWordSkipsWordAndWhiteSpace) {
+    const struct {
+        const char *text;
+        const char *next;
+    } rows[] = {
+        {nullptr, nullptr},  {"", nullptr},         {"show", nullptr},
+        {"show  ", nullptr}, {"show port", "port"}, {"show \t\n\v\f\r port x", "port x"},
+        {" port", "port"},   {"a; b", "b"},         {"a;b", nullptr},
+    };
+    for (const auto &row : rows) {
+        EXPECT_STREQ(kx_find_next_arg(row.text), row.next) << (row.text ? row.text : "NULL");
+    }
+}
+
+TEST(Words, WordEqualsWholeKeywordOnly) {
+    const struct {
+        const char *word;
+        const char *keyword;
+        int result;
+    } rows[] = {
+        {"show", "show", 0},
+        {"ShOw", "sHoW", 0},
+        {"show port", "show", 0},
+        {"show;x", "show", 0},
+        {"show\tx", "show", 0},
+        {"sho", "show", 1},
+        {"shows", "show", 1},
+        {"show", "sho", 1},
+        {"", "", 0},
+        {";", "", 0},
+        {" x", "", 0},
+        {"x", "", 1},
+        {"", "x", 1},
+        {"a b", "a b", 1},
+        {"a;b", "a;b", 1},
+        {"[vlan]", "[VLAN]", 0},
+        {"100", "[vlan]", 1},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(stris(row.word, row.keyword), row.result)
+            << row.word << " against " << row.keyword;
+    }
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(stris(nullptr, nullptr), 1);
+    EXPECT_EQ(stris("show", nullptr), 1);
+    fflush(stdout);
+    const std::string line = "ASSERT  stris:  str != NULL && cmpstr != NULL\n";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
+}
+
+TEST(Words, CaselessComparisonCountsCharacters) {
+    EXPECT_EQ(kx_strncasecmp("TRUNK vlan", "trunk", 5), 0);
+    EXPECT_EQ(kx_strncasecmp("TRUNK vlan", "trunk", 6), 1);
+    EXPECT_EQ(kx_strncasecmp("tr", "trunk", 5), 1);
+    EXPECT_EQ(kx_strncasecmp("a\0B", "A\0b", 3), 0);
+    EXPECT_EQ(kx_strncasecmp("a\0b", "a\0c", 3), 1);
+    EXPECT_EQ(kx_strncasecmp("a", "b", 0), 0);
+}
+
+TEST(Words, CopyStopsAtWhiteSpaceSizeAndEnd) {
+    const struct {
+        const char *source;
+        size_t size;
+        const char *text;
+    } rows[] = {
+        {"trunk vlan", 12, "trunk"},
+        {"trunk\tvlan", 12, "trunk"},
+        {"trunk", 6, "trunk"},
+        {"trunk", 5, "trun"},
+        {"trunk", 1, ""},
+        {" trunk", 12, ""},
+        {"", 12, ""},
+    };
+    for (const auto &row : rows) {
+        // Exact allocations, so that the sanitizer sees every byte read or written too far.
+        std::vector<char> source(row.source, row.source + strlen(row.source) + 1);
+        std::vector<char> destination(row.size, '#');
+        EXPECT_EQ(strncpy_until_space(destination.data(), row.size, source.data()), 0);
+        EXPECT_STREQ(destination.data(), row.text) << row.source;
+    }
+    char untouched = '#';
+    EXPECT_EQ(strncpy_until_space(&untouched, 0, "x"), 0);
+    EXPECT_EQ(untouched, '#');
+}
+
+TEST(Words, SplitAtBlanksOnly) {
+    const struct {
+        const char *text;
+        size_t size;
+        int max_words;
+        std::vector<std::string> words;
+    } rows[] = {
+        {"trunk  native-vlan 5 ", 64, 8, {"trunk", "native-vlan", "5"}},
+        {" a\tb c", 64, 8, {"a\tb", "c"}},
+        {"a b c d", 64, 2, {"a", "b"}},
+        {"abc def", 6, 8, {"abc", "d"}},
+        {"abc", 1, 8, {}},
+        {"abc", 0, 8, {}},
+        {"  ", 64, 8, {}},
+        {nullptr, 64, 8, {}},
+    };
+    for (const auto &row : rows) {
+        std::vector<char> work(row.size, '#');
+        std::vector<char *> words(static_cast<size_t>(row.max_words));
+        const int count =
+            kx_split_words(work.data(), row.size, row.text, words.data(), row.max_words);
+        ASSERT_EQ(count, static_cast<int>(row.words.size()));
+        EXPECT_EQ(std::vector<std::string>(words.begin(), words.begin() + count), row.words);
+    }
+}
+
+} // namespace
