@@ -1,0 +1,33 @@
+// Interface names: the text under which an interface index is displayed.
+//
+// Every function writes into the caller's buffer, never beyond `size` bytes, always with a NUL
+// (when size is not 0), and returns the length that the whole name needs, as snprintf does; it may
+// exceed `size`. An index without a valid type yields the empty string and 0.
+#ifndef IF_INDEX_IF_INDEX_NAME_H
+#define IF_INDEX_IF_INDEX_NAME_H
+
+#include <cstddef>
+#include <cstdint>
+
+// Bytes of the buffer that the sprintf_ forms require.
+constexpr size_t IF_INDEX_NAME_SIZE = 32;
+
+// The short name (Eth3/1, Veth12, Po5): from the interface database when it knows the index, else
+// by the index's own bits. Types without a form of their own print as 0x%08x.
+int snprintf_if_index_short(char *buffer, size_t size, uint32_t if_index);
+
+// The short name by the index's own bits alone.
+int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index);
+
+// The name in the interface database: empty and 0 while there is no database. Only Fibre Channel
+// ports are asked for.
+int snprintf_if_index_from_if_db(char *buffer, size_t size, uint32_t if_index);
+
+// The seam for an interface database: write the name it holds for the index. Answers
+// IF_INDEX_NO_DATABASE and leaves the buffer alone.
+int if_db_ifindex2str_wrapper(uint32_t if_index, char *buffer, size_t size);
+
+// The short name into a buffer of IF_INDEX_NAME_SIZE bytes.
+int sprintf_if_index_short(char *buffer, uint32_t if_index);
+
+#endif
