@@ -1,3 +1,73 @@
-int main() {
-    return 0;
+// tarncmd: one command line against the HMX of this host.
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "frontend/hmx_cmd.h"
+#include "frontend/output_sink.h"
+#include "frontend/run_state.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// Holds the joined command line, or the help text; a run never needs both.
+char cmdbuffer[20480];
+
+constexpr const char *TRUNCATED_HELP = "***WARNING*** Help text has been truncated.";
+
+// Ask for the card domain, which the driver refuses to a tool of another version. The domain itself
+// is not used. Returns the request's status.
+uint32_t check_version() {
+    uint32_t domain = 0;
+    uint32_t unused_capacity = 1;
+    return kx_dpa_call_indirect1(KXDPA_OP_CARD_DOMAIN, 0, KXDPA_FLAG_OUT, &domain, sizeof domain,
+                                 &unused_capacity);
+}
+
+// Join the words with single blanks into cmdbuffer, cut at its end.
+void join_arguments(int count, char *const words[]) {
+    size_t length = 0;
+    for (int i = 0; i < count && length < sizeof cmdbuffer; ++i) {
+        const int written = snprintf(cmdbuffer + length, sizeof cmdbuffer - length, "%s%s",
+                                     i == 0 ? "" : " ", words[i]);
+        length += static_cast<size_t>(written < 0 ? 0 : written);
+    }
+}
+
+void print_help() {
+    const int length = hmx_cmd_help(cmdbuffer, sizeof cmdbuffer);
+    const bool truncated = length >= static_cast<int>(sizeof cmdbuffer);
+    if (truncated) {
+        puts(TRUNCATED_HELP);
+    }
+    printf("%s", cmdbuffer);
+    if (truncated) {
+        puts(TRUNCATED_HELP);
+    }
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+    if (kx_dpa_api_init() != 0) {
+        puts("Error initializing kx_dpa_api_init()");
+        return -1;
+    }
+    const uint32_t status = check_version();
+    if (status == KXDPA_STATUS_VERSION_MISMATCH) {
+        puts("Cannot execute tarncmd: tarncmd utility version does not match the running HMX "
+             "version.");
+        return -1;
+    }
+    if (status != KXDPA_STATUS_SUCCESS) {
+        kx_print("Failed to get card domain - returned error %d\n", static_cast<int>(status));
+    }
+    hmx_cmd_init();
+    if (argc <= 1 || (argc == 2 && strcmp(argv[1], "help") == 0)) {
+        print_help();
+    } else {
+        join_arguments(argc - 1, argv + 1);
+        hmx_cmd_run(cmdbuffer, static_cast<int>(strlen(cmdbuffer)), 0);
+    }
+    hmx_cmd_exit();
+    return kx_run_broken ? -1 : 0;
 }

@@ -40,6 +40,8 @@ enum kx_leaf_wait_state : uint16_t {
     KX_LEAF_WAIT_POLICY = 229,
 };
 
+constexpr uint8_t KX_VLAN_MODE = 1; // of vlan_mode: forwards per VLAN
+
 constexpr uint8_t KX_PORT_UP = 1; // of link_state and admin_state; anything else is down
 
 // Reply of KXDPA_OP_PORT_RECORD, as the driver fills it.
@@ -50,7 +52,7 @@ struct kx_port_record {
     uint8_t reserved12[4];
     uint32_t pc_ltl; // port channel that the port is a member of, 0 for none
     uint8_t reserved20[4];
-    uint8_t vlan_mode;         // 1: the port forwards per VLAN
+    uint8_t vlan_mode;         // KX_VLAN_MODE or as a whole
     uint8_t port_mode;         // kx_port_mode
     uint8_t link_state;        // KX_PORT_UP or down
     uint8_t admin_state;       // KX_PORT_UP or down

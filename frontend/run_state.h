@@ -1,0 +1,12 @@
+#ifndef FRONTEND_RUN_STATE_H
+#define FRONTEND_RUN_STATE_H
+
+// True once a broken invariant has ended the run; the tool then exits with -1. It is never cleared.
+extern bool kx_run_broken;
+
+// What a handler returns after a broken invariant has been reported. A run from a shell ends there:
+// the commands behind are not run, and the tool exits with -1. Driven by the agent it is this
+// command alone that fails, since a diagnostic must not take its host process down.
+int kx_give_up();
+
+#endif

@@ -1,0 +1,47 @@
+// What the port views share: the walk over the LTLs, the port's record, the rule for empty entries
+// and the name columns.
+#ifndef HANDLERS_PORT_PORT_H
+#define HANDLERS_PORT_PORT_H
+
+#include "handlers/port/port_record.h"
+
+// Step `ltl` to the next LTL that the DPA has; start from KX_LTL_BEFORE_FIRST. False at the end of
+// the walk, which is a failed request.
+bool kx_next_ltl(uint32_t *ltl);
+
+// Ask for a port's record, cleared before. False when the request fails.
+bool kx_get_port(uint32_t ltl, kx_port_view view, kx_port_record *record);
+
+inline bool kx_is_internal_ltl(uint32_t ltl) {
+    return ltl < KX_LTL_FIRST_EXTERNAL;
+}
+
+// True for an entry that nothing was ever configured on.
+bool kx_port_is_empty(const kx_port_record &record);
+
+// True for an empty entry that port tables leave out: port channels are shown even when empty.
+bool kx_port_is_hidden(uint32_t ltl, const kx_port_record &record);
+
+// Bytes of the interface name column, its NUL included.
+constexpr size_t KX_PORT_NAME_SIZE = 16;
+
+struct kx_port_name {
+    char text[KX_PORT_NAME_SIZE];
+};
+
+// The port's interface name: the short name of its interface index, which may be empty; without an
+// index "Internal" for an internal LTL and empty for every other.
+kx_port_name kx_get_port_name(uint32_t ltl, const kx_port_record &record);
+
+// The LTL that a page goes on after: the number behind the word "cookie" in the argument. Only
+// agent-driven runs page; every other starts from KX_LTL_BEFORE_FIRST.
+uint32_t kx_get_first_ltl(const char *arg);
+
+// True when the argument begins with `word`, compared with case.
+bool kx_begins_with(const char *arg, const char *word);
+
+inline const char *kx_up_or_down(uint8_t state) {
+    return state == KX_PORT_UP ? "UP" : "DOWN";
+}
+
+#endif

@@ -1,0 +1,225 @@
+#include "frontend/kxcmd.h"
+
+#include "frontend/hmx_cmd.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What the handlers of the little table below were called with: "name" or "name(argument)".
+std::vector<std::string> calls;
+
+int record(const char *name, const char *arg, int result) {
+    calls.push_back(arg == nullptr ? name : std::string(name) + "(" + arg + ")");
+    return result;
+}
+
+int handle_show(const char *arg) {
+    return record("show", arg, -1);
+}
+int handle_card(const char *arg) {
+    return record("card", arg, 0);
+}
+int handle_version(const char *arg) {
+    return record("version", arg, -1);
+}
+int handle_vlan(const char *arg) {
+    return record("vlan", arg, 0);
+}
+int handle_later_vlan(const char *arg) {
+    return record("later vlan", arg, 0);
+}
+int handle_stop(const char *arg) {
+    return record("stop", arg, KXCMD_STOP);
+}
+
+kestrel_cmd_row row(kestrel_cmd_handler handler, std::initializer_list<const char *> keywords,
+                    uint32_t from_agent = 1) {
+    kestrel_cmd_row made{KESTREL_CMD_COMMAND, handler, nullptr, "help", nullptr, {}, 0, from_agent};
+    std::copy(keywords.begin(), keywords.end(), made.keywords);
+    return made;
+}
+
+class Matcher : public testing::Test {
+protected:
+    kestrel_cmd_row table[8] = {
+        {KESTREL_CMD_HEADING, nullptr, nullptr, "heading", nullptr, {"show", "card"}, 0, 0},
+        row(handle_show, {"show"}),
+        row(handle_card, {"show", "card"}),
+        row(handle_version, {"show", "version"}, 0),
+        row(handle_vlan, {"show", "vlan", "[vlan]", "cookie"}),
+        row(handle_later_vlan, {"show", "vlan", "[other]"}),
+        row(handle_stop, {"stop"}),
+        {},
+    };
+
+    // The calls that a text makes and what is printed, with the time stamps cut off.
+    std::string run(const std::string &text, int from_agent = 0) {
+        calls.clear();
+        testing::internal::CaptureStdout();
+        kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
+        fflush(stdout);
+        printed =
+            std::regex_replace(testing::internal::GetCapturedStdout(),
+                               std::regex("(^|\n)\\w{3} [ \\d]\\d [\\d:]{8}\\.\\d{6}: "), "$1");
+        std::string joined;
+        for (const std::string &call : calls) {
+            joined += joined.empty() ? call : ", " + call;
+        }
+        return joined;
+    }
+
+    std::string printed;
+};
+
+TEST_F(Matcher, CallsTheDeepestEarliestRowWithTheRest) {
+    const struct {
+        std::string text;
+        std::string calls;
+    } rows[] = {
+        {"show card", "card"},
+        {"SHOW  \tCard", "show"}, // the tab ends the command
+        {"SHOW   Card", "card"},
+        {"show cards", "show(cards)"},
+        {"show car", "show(car)"},
+        {"show card extra  words ", "card(extra  words )"},
+        {"show vlan 100", "vlan(100)"},
+        {"show vlan [vlan] cookie 7", "vlan(7)"},
+        {"show vlan [other] 7", "later vlan(7)"},
+        {"show card;;show version", "card, version"},
+        {" ; show card ;\n\x01show version\n", "card, version"},
+        {std::string("show card\0show card", 19), "card, card"},
+        {"stop; show card; show version", "stop"},
+        {"show version; show card", "version, card"},
+        {"show \xc3\xa9; show card", "show, card"},
+        {"", ""},
+        {"  ;\t; ", ""},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(run(row.text), row.calls) << row.text;
+    }
+}
+
+TEST_F(Matcher, ReportsWhatItDoesNotRun) {
+    const struct {
+        std::string text;
+        int from_agent;
+        std::string calls;
+        std::string printed;
+    } rows[] = {
+        {"bogus 1; show card", 0, "card", "No match found for bogus 1\n"},
+        {"help show", 0, "", "No match found for help show\n"},
+        {"show card", 1, "card", ""},
+        {std::string(255, 'x'), 0, "", "No match found for " + std::string(255, 'x') + "\n"},
+        {std::string(256, 'x'), 0, "", "Max command length reached; discarding\n"},
+        {"show card;" + std::string(300, 'x') + ";show card", 0, "card",
+         "Max command length reached; discarding\n"},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(run(row.text, row.from_agent), row.calls) << row.text;
+        EXPECT_EQ(printed, row.printed) << row.text;
+    }
+    char refused[64];
+    snprintf(refused, sizeof refused, "Cmd not permitted from DPA %p\n",
+             reinterpret_cast<void *>(handle_version));
+    EXPECT_EQ(run("show version", 1), "");
+    EXPECT_EQ(printed, refused);
+}
+
+TEST_F(Matcher, TracesTheMatchUnderItsBit) {
+    kx_debug_print_kxcmd |= 16;
+    run("show vlan 5");
+    EXPECT_EQ(printed.substr(0, printed.find("Calling")),
+              "Match found for show vlan 5: index 4 depth 1, show vlan [vlan] cookie\n");
+    run("bogus");
+    EXPECT_EQ(printed, "No match found for bogus\nNo match found for bogus\n");
+    kx_debug_print_kxcmd &= ~16u;
+}
+
+TEST(CommandTable, HoldsTheCatalogueRowForRow) {
+    std::ifstream file(TESTS_DIR "/golden/catalogue.tsv");
+    std::string line;
+    int index = 0;
+    for (; std::getline(file, line); ++index) {
+        ASSERT_LT(index, KESTREL_CMD_ROWS);
+        const kestrel_cmd_row &row = kestrel_cmd_list[index];
+        std::ostringstream text;
+        text << row.kind << '\t';
+        for (int k = 0; k < KESTREL_CMD_KEYWORDS && row.keywords[k] != nullptr; ++k) {
+            text << (k == 0 ? "" : "#") << row.keywords[k];
+        }
+        text << '\t' << (row.argument_hint == nullptr ? "-" : row.argument_hint) << '\t'
+             << (row.help_text == nullptr ? "-" : row.help_text) << '\t' << row.allowed_from_agent;
+        EXPECT_EQ(text.str(), line) << "row " << index;
+        EXPECT_EQ(row.handler != nullptr, row.kind == KESTREL_CMD_COMMAND) << "row " << index;
+        EXPECT_EQ(row.reserved, 0u);
+    }
+    EXPECT_EQ(index, KESTREL_CMD_ROWS);
+}
+
+TEST(Help, PrintsTheCatalogueSortedWithinItsSections) {
+    std::ifstream file(TESTS_DIR "/golden/help.txt");
+    const std::string golden((std::istreambuf_iterator<char>(file)), {});
+    ASSERT_FALSE(golden.empty());
+    std::vector<kestrel_cmd_row> table(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
+    std::vector<char> buffer(20480);
+    const int size = static_cast<int>(buffer.size());
+    EXPECT_EQ(kxcmd_snprintf_help(table.data(), buffer.data(), size),
+              static_cast<int>(golden.size()));
+    EXPECT_EQ(std::string(buffer.data()), golden);
+    // Sorting once more changes nothing.
+    kxcmd_snprintf_help(table.data(), buffer.data(), size);
+    EXPECT_EQ(std::string(buffer.data()), golden);
+}
+
+TEST(Help, StopsAtTheBuffersEnd) {
+    std::vector<kestrel_cmd_row> table(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
+    testing::internal::CaptureStdout();
+    for (const int size : {1, 2, 15, 16, 40, 1000, 17000}) {
+        // The allocation ends where the buffer does, so that the sanitizer sees a byte too many.
+        std::vector<char> buffer(static_cast<size_t>(size));
+        EXPECT_EQ(kxcmd_snprintf_help(table.data(), buffer.data(), size), size);
+        EXPECT_LT(strnlen(buffer.data(), buffer.size()), buffer.size()) << size;
+    }
+    fflush(stdout);
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("Help text length exceeds maxlen."),
+              std::string::npos);
+}
+
+TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
+    const struct {
+        std::string keyword; // the column is one blank longer
+        std::string printed;
+    } rows[] = {
+        {std::string(30, 'k'), std::string(30, 'k') + "   help\n"},
+        {std::string(31, 'k'), std::string(31, 'k') + " \n" + std::string(33, ' ') + "help\n"},
+        {std::string(77, 'k'), std::string(77, 'k') + " \n" + std::string(33, ' ') + "help\n"},
+        {std::string(90, 'k'), std::string(78, 'k') + "\n" + std::string(33, ' ') + "help\n"},
+    };
+    for (const auto &expected : rows) {
+        kestrel_cmd_row table[] = {row(handle_show, {expected.keyword.c_str()}), {}};
+        char buffer[512];
+        kxcmd_snprintf_help(table, buffer, sizeof buffer);
+        EXPECT_EQ(std::string(buffer), expected.printed);
+    }
+}
+
+TEST(DataCheck, CountsAndComplains) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(kxcmd_validate_data("", 0), 0);
+    EXPECT_EQ(kxcmd_validate_data("", 5), 0);
+    EXPECT_EQ(kxcmd_validate_data("show\r\n", 10), 6);
+    EXPECT_EQ(kxcmd_validate_data("a\x01", 10), 2);
+    EXPECT_EQ(kxcmd_validate_data("abcdef", 3), -1);
+    fflush(stdout);
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_NE(printed.find("kxcmd invalid character 01\n"), std::string::npos);
+    EXPECT_NE(printed.find("Data length > 3\n"), std::string::npos);
+}
+
+} // namespace
