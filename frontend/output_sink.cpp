@@ -33,7 +33,7 @@ bool has_room(uintptr_t position) {
     return hmx_rcli_entry_start_ptr != nullptr || end - position >= ROOM_FOR_A_ROW;
 }
 
-void print_stamped(const char *format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) void print_stamped(const char *format, va_list arguments) {
     timeval now{};
     gettimeofday(&now, nullptr);
     const time_t seconds = now.tv_sec;

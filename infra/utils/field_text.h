@@ -5,9 +5,7 @@
 #include <cstddef>
 #include <cstring>
 
-template <size_t SIZE> struct kx_text {
-    char text[SIZE + 1];
-};
+template <size_t SIZE> struct kx_text { char text[SIZE + 1]; };
 
 // The text of a field of SIZE bytes, up to its NUL or the whole field when it has none.
 template <size_t SIZE> kx_text<SIZE> kx_field_text(const char (&field)[SIZE]) {
