@@ -1,0 +1,28 @@
+// The described host: one member for each part that a family parses and answers for.
+#ifndef SIM_HOST_H
+#define SIM_HOST_H
+
+#include "sim/bridge_domain/bridge_domains.h"
+#include "sim/card/card.h"
+#include "sim/overrides.h"
+#include "sim/port/ports.h"
+
+#include <string>
+#include <string_view>
+
+struct host {
+    card_state card;
+    bridge_domain_table bridge_domains;
+    port_table ports;
+    std::vector<override_rule> overrides;
+};
+
+// Read a host description. On failure returns false and sets `error` to one line "NAME:LINE:
+// reason"; line 0 says that the file could not be read at all.
+bool parse_host(std::string_view text, const std::string &name, host &into, std::string &error);
+bool load_host(const std::string &path, host &into, std::string &error);
+
+// The host that stands in when no file is named.
+std::string_view builtin_host_text();
+
+#endif

@@ -1,0 +1,277 @@
+#include "sim/model.h"
+
+#include "sim/answer.h"
+#include "sim/hex.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr uint32_t LOWEST_ADDRESS = 4096;
+constexpr uint32_t TRANSFER_LIMIT = 1U << 24; // bytes; no request comes near it
+
+std::string format(const char *text, ...) __attribute__((format(printf, 1, 2)));
+
+std::string format(const char *text, ...) {
+    char line[256];
+    va_list values;
+    va_start(values, text);
+    std::vsnprintf(line, sizeof line, text, values);
+    va_end(values);
+    return line;
+}
+
+bool has(const kxdpa_request &request, kxdpa_flag flag) {
+    return (request.flags & flag) != 0;
+}
+
+std::string wrong(const char *field, uint32_t found, uint32_t expected) {
+    return format("%s is %u, expected %u", field, found, expected);
+}
+
+// The fields that have one right value, whatever the opcode.
+std::string check_head(const kxdpa_request &request) {
+    if (request.marker != KXDPA_KERNEL_MARKER) {
+        return wrong("marker", request.marker, KXDPA_KERNEL_MARKER);
+    }
+    if (request.version != KXDPA_KERNEL_VERSION) {
+        return wrong("version", request.version, KXDPA_KERNEL_VERSION);
+    }
+    for (const uint8_t byte : request.reserved) {
+        if (byte != 0)
+            return wrong("reserved", byte, 0);
+    }
+    for (const uint32_t length : {request.len1, request.len2}) {
+        if (length > TRANSFER_LIMIT) {
+            return format("length is %u, expected at most %u", length, TRANSFER_LIMIT);
+        }
+    }
+    return "";
+}
+
+std::string check_capacity(const kxdpa_request &request, const answer &expected) {
+    const uint32_t one = has(request, KXDPA_FLAG_MAX) ? 1 : 0;
+    const uint32_t two = has(request, KXDPA_FLAG_TWO) ? one : 0;
+    if (request.max1_valid != one)
+        return wrong("max1_valid", request.max1_valid, one);
+    if (request.max2_valid != two)
+        return wrong("max2_valid", request.max2_valid, two);
+    if (one == 0 && request.max1 != 0)
+        return wrong("max1", request.max1, 0);
+    if (two == 0 && request.max2 != 0)
+        return wrong("max2", request.max2, 0);
+    if (one != 0 && request.max1 < expected.capacity) {
+        return format("max1 is %u, expected at least %u", request.max1, expected.capacity);
+    }
+    return "";
+}
+
+std::string check_buffers(const kxdpa_request &request) {
+    const bool one = !has(request, KXDPA_FLAG_NODATA);
+    const bool two = has(request, KXDPA_FLAG_TWO);
+    if ((request.buf1 != 0) != one)
+        return one ? "buf1 is 0, expected a buffer" : "buf1 is set, expected 0";
+    if ((request.buf2 != 0) != two)
+        return two ? "buf2 is 0, expected a buffer" : "buf2 is set, expected 0";
+    return "";
+}
+
+std::string check_form(const kxdpa_request &request, const answer &expected) {
+    if (request.flags != expected.flags)
+        return wrong("flags", request.flags, expected.flags);
+    if (expected.len1 != ANY_LENGTH && request.len1 != expected.len1) {
+        return wrong("len1", request.len1, expected.len1);
+    }
+    if (expected.len2 != ANY_LENGTH && request.len2 != expected.len2) {
+        return wrong("len2", request.len2, expected.len2);
+    }
+    const std::string complaint = check_capacity(request, expected);
+    return complaint.empty() ? check_buffers(request) : complaint;
+}
+
+// The opcode's answer: the one of this form, else any, so that the difference can be named.
+const answer *find_answer(const kxdpa_request &request) {
+    const answer *found = nullptr;
+    for (const family *part : all_families()) {
+        for (const answer &candidate : part->answers) {
+            if (candidate.opcode != request.opcode)
+                continue;
+            if (candidate.flags == request.flags)
+                return &candidate;
+            if (found == nullptr)
+                found = &candidate;
+        }
+    }
+    return found;
+}
+
+bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector<uint8_t> &input) {
+    if (!has(request, KXDPA_FLAG_IN) && !has(request, KXDPA_FLAG_TWO))
+        return true;
+    input.resize(std::min(request.len1, TRANSFER_LIMIT));
+    if (!input.empty()) {
+        return memory.read(request.buf1, input.data(), static_cast<uint32_t>(input.size()));
+    }
+    // A string: its length is its terminator's, and the caller's text may be shorter than max1.
+    for (uint32_t i = 0; request.buf1 != 0 && i < std::min(request.max1, TRANSFER_LIMIT); i++) {
+        uint8_t byte = 0;
+        if (!memory.read(request.buf1 + i, &byte, 1))
+            return false;
+        if (byte == 0)
+            break;
+        input.push_back(byte);
+    }
+    return true;
+}
+
+// Where a reply goes, and what the caller has room for.
+struct destination {
+    uint32_t address;
+    uint32_t room;
+    uint32_t *returned; // nullptr for a fixed-size reply
+};
+
+destination reply_destination(kxdpa_request &record) {
+    const bool variable = has(record, KXDPA_FLAG_MAX);
+    if (has(record, KXDPA_FLAG_TWO)) {
+        return {record.buf2, variable ? record.max2 : record.len2,
+                variable ? &record.max2 : nullptr};
+    }
+    return {record.buf1, variable ? record.max1 : record.len1, variable ? &record.max1 : nullptr};
+}
+
+// Never writes past the room that the caller gave, whatever an override says.
+bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk, bool forced) {
+    if (!has(record, KXDPA_FLAG_OUT))
+        return true;
+    const destination to = reply_destination(record);
+    std::vector<uint8_t> bytes = talk.reply;
+    if (to.returned == nullptr && !forced && talk.status == KXDPA_STATUS_SUCCESS) {
+        bytes.resize(std::min(to.room, TRANSFER_LIMIT));
+    }
+    const auto count = static_cast<uint32_t>(std::min<size_t>(bytes.size(), to.room));
+    if (to.returned != nullptr) {
+        const auto full = static_cast<uint32_t>(bytes.size());
+        const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;
+        if (talk.returned)
+            *to.returned = *talk.returned;
+        else if (replied)
+            *to.returned = forced ? full : count;
+    }
+    return count == 0 || (to.address != 0 && memory.write(to.address, bytes.data(), count));
+}
+
+std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &input) {
+    std::string line =
+        format("op %u arg 0x%x flags %u", request.opcode, request.arg, request.flags);
+    if (request.len1 != 0)
+        line += format(" len %u", request.len1);
+    if (request.len2 != 0)
+        line += format(" len2 %u", request.len2);
+    if (request.max1_valid != 0)
+        line += format(" max %u", request.max1);
+    if (request.max2_valid != 0)
+        line += format(" max2 %u", request.max2);
+    if (!input.empty())
+        line += " in " + bytes_to_hex(input);
+    return line;
+}
+
+std::string describe_outcome(const kxdpa_request &record) {
+    std::string line = format(" -> %u", record.status);
+    if (record.max1_valid != 0)
+        line += format(" max %u", record.max1);
+    if (record.max2_valid != 0)
+        line += format(" max2 %u", record.max2);
+    return line;
+}
+
+// What is wrong with the record, empty for nothing. An opcode that nobody answers has no form.
+std::string check_request(const kxdpa_request &request, const answer *known) {
+    const std::string complaint = check_head(request);
+    return complaint.empty() && known != nullptr ? check_form(request, *known) : complaint;
+}
+
+// Fill the exchange. `rule` replaces what it names and leaves the rest to the host.
+void answer_request(host &state, exchange &talk, const answer *known, const override_rule *rule) {
+    if (rule != nullptr && (rule->reply || rule->status)) {
+        talk.status = rule->status.value_or(KXDPA_STATUS_SUCCESS);
+        talk.reply = rule->reply.value_or(std::vector<uint8_t>());
+    } else if (known == nullptr) {
+        talk.fail(SIM_STATUS_UNKNOWN_OPCODE);
+    } else {
+        known->reply(state, talk);
+    }
+    if (rule != nullptr && rule->length)
+        talk.reply.resize(*rule->length);
+    if (rule != nullptr)
+        talk.returned = rule->returned;
+}
+
+int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
+                std::vector<uint8_t> &input) {
+    const answer *known = find_answer(record);
+    const override_rule *rule = find_override(driver.state.overrides, record);
+    const std::string complaint = check_request(record, known);
+    const bool readable = read_input(record, memory, input);
+    if (!complaint.empty()) {
+        model_complain(driver, format("op %u: %s", record.opcode, complaint.c_str()));
+        record.status = SIM_STATUS_MALFORMED;
+        return 0;
+    }
+    if (!readable)
+        return EFAULT;
+    if (rule != nullptr && rule->error != 0)
+        return rule->error;
+    const kxdpa_request asked = record;
+    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}};
+    answer_request(driver.state, talk, known, rule);
+    const bool forced = rule != nullptr && (rule->reply || rule->length);
+    if (!write_reply(record, memory, talk, forced))
+        return EFAULT;
+    record.status = talk.status;
+    return 0;
+}
+
+} // namespace
+
+caller_memory::~caller_memory() = default;
+
+bool own_memory::read(uint32_t address, void *to, uint32_t length) {
+    if (address < LOWEST_ADDRESS)
+        return false;
+    std::memcpy(to, reinterpret_cast<const void *>(address), length);
+    return true;
+}
+
+bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
+    if (address < LOWEST_ADDRESS)
+        return false;
+    std::memcpy(reinterpret_cast<void *>(address), from, length);
+    return true;
+}
+
+void model_complain(const model &driver, const std::string &line) {
+    if (driver.complain)
+        driver.complain(line);
+    else
+        std::fprintf(stderr, "kestrel: %s\n", line.c_str());
+}
+
+int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
+    std::vector<uint8_t> input;
+    const kxdpa_request asked = record;
+    const int error = run_request(driver, record, memory, input);
+    if (error != 0)
+        record = asked;
+    if (driver.trace) {
+        driver.trace(describe(asked, input) + (error == 0
+                                                   ? describe_outcome(record)
+                                                   : " -> " + std::string(strerrorname_np(error))));
+    }
+    return error;
+}

@@ -1,0 +1,46 @@
+// The driver's side of the request channel, over a described host.
+//
+// The model knows nothing of descriptors and processes: whoever receives the ioctl (the interposed
+// calls of interpose.h, or a device file) hands it the record and a way into the caller's memory.
+#ifndef SIM_MODEL_H
+#define SIM_MODEL_H
+
+#include "dpa/userspace/kxdpa_request.h"
+#include "sim/host.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+// The calling process's memory, by 32-bit user address. Both return false for a bad address.
+class caller_memory {
+public:
+    virtual ~caller_memory();
+    virtual bool read(uint32_t address, void *to, uint32_t length) = 0;
+    virtual bool write(uint32_t address, const void *from, uint32_t length) = 0;
+};
+
+// A caller in this very process; only the lowest page counts as a bad address.
+class own_memory : public caller_memory {
+public:
+    bool read(uint32_t address, void *to, uint32_t length) override;
+    bool write(uint32_t address, const void *from, uint32_t length) override;
+};
+
+struct model {
+    host state;
+    // One line for every request, without its newline; see docs/simulated-host.md.
+    std::function<void(const std::string &line)> trace;
+    // One line for every malformed record; nullptr writes to standard error.
+    std::function<void(const std::string &line)> complain;
+};
+
+// Answer one record in place. Returns 0, or the errno that the ioctl fails with; the record is then
+// as the caller left it. A malformed record is complained about and answered with
+// SIM_STATUS_MALFORMED.
+int model_request(model &driver, kxdpa_request &record, caller_memory &memory);
+
+// A complaint of the seam that receives the ioctl.
+void model_complain(const model &driver, const std::string &line);
+
+#endif

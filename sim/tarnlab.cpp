@@ -1,0 +1,159 @@
+// Runs a command on a simulated host.
+#include "sim/host.h"
+#include "sim/preload_variables.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <getopt.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int EXIT_USAGE = 2;
+constexpr int EXIT_CANNOT_RUN = 126;
+constexpr int EXIT_NOT_FOUND = 127;
+constexpr int EXIT_SIGNAL_BASE = 128;
+
+constexpr const char *HELP =
+    "Usage: tarnlab [--host FILE] [--trace FILE] COMMAND [ARGS...]\n"
+    "\n"
+    "Runs COMMAND, a 32-bit program, on a simulated host: its kestrel driver device is answered\n"
+    "from a description of the host, no driver is needed.\n"
+    "\n"
+    "  --host FILE   describe the host by FILE (JSON); the built-in host without it\n"
+    "  --trace FILE  write one line for every request to the driver into FILE\n"
+    "  --help        print this text\n"
+    "\n"
+    "The exit value is the command's, or 128 and the number of the signal that ended it. It is 2\n"
+    "when the arguments or the host description are wrong, 127 when COMMAND is not found.\n";
+
+struct lab_options {
+    std::string host;  // empty for the built-in one
+    std::string trace; // empty for none
+    char **command = nullptr;
+};
+
+// Returns false when the program is to end with `exit_value`.
+bool read_options(int argc, char **argv, lab_options &options, int &exit_value) {
+    static const option known[] = {{"host", required_argument, nullptr, 'h'},
+                                   {"trace", required_argument, nullptr, 't'},
+                                   {"help", no_argument, nullptr, 'H'},
+                                   {nullptr, 0, nullptr, 0}};
+    int letter = 0;
+    // The options end at the first word that is none: the rest is the command's.
+    while ((letter = getopt_long(argc, argv, "+", known, nullptr)) != -1) {
+        if (letter == 'h') {
+            options.host = optarg;
+        } else if (letter == 't') {
+            options.trace = optarg;
+        } else if (letter == 'H') {
+            std::fputs(HELP, stdout);
+            exit_value = 0;
+            return false;
+        } else {
+            exit_value = EXIT_USAGE;
+            return false;
+        }
+    }
+    options.command = argv + optind;
+    if (*options.command == nullptr) {
+        std::fputs("tarnlab: no command given; see tarnlab --help\n", stderr);
+        exit_value = EXIT_USAGE;
+        return false;
+    }
+    return true;
+}
+
+// The library is installed beside this program, in ../lib.
+std::string library_path() {
+    char self[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
+    std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);
+    for (int i = 0; i < 2; i++)
+        path.erase(std::min(path.rfind('/'), path.size()));
+    return path + "/lib/" + PRELOAD_LIBRARY;
+}
+
+bool check_host(const lab_options &options) {
+    host ignored;
+    std::string error;
+    if (options.host.empty() || load_host(options.host, ignored, error))
+        return true;
+    std::fprintf(stderr, "tarnlab: %s\n", error.c_str());
+    return false;
+}
+
+bool start_trace(const lab_options &options) {
+    if (options.trace.empty())
+        return true;
+    const int file = open(options.trace.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file != -1) {
+        close(file);
+        return true;
+    }
+    std::fprintf(stderr, "tarnlab: %s: cannot be written: %s\n", options.trace.c_str(),
+                 std::strerror(errno));
+    return false;
+}
+
+void set_variables(const lab_options &options) {
+    std::string preload = library_path();
+    const char *others = std::getenv("LD_PRELOAD");
+    if (others != nullptr && *others != '\0')
+        preload += std::string(":") + others;
+    setenv("LD_PRELOAD", preload.c_str(), 1);
+    if (options.host.empty())
+        unsetenv(HOST_VARIABLE);
+    else
+        setenv(HOST_VARIABLE, options.host.c_str(), 1);
+    if (options.trace.empty())
+        unsetenv(TRACE_VARIABLE);
+    else
+        setenv(TRACE_VARIABLE, options.trace.c_str(), 1);
+}
+
+[[noreturn]] void become_command(const lab_options &options) {
+    set_variables(options);
+    execvp(options.command[0], options.command);
+    const int reason = errno;
+    std::fprintf(stderr, "tarnlab: %s: %s\n", options.command[0], std::strerror(reason));
+    _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
+}
+
+int run_command(const lab_options &options) {
+    const pid_t child = fork();
+    if (child == 0)
+        become_command(options);
+    if (child == -1) {
+        std::perror("tarnlab: fork");
+        return EXIT_CANNOT_RUN;
+    }
+    // An interrupt from the terminal is the command's to handle.
+    std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGQUIT, SIG_IGN);
+    int status = 0;
+    while (waitpid(child, &status, 0) == -1 && errno == EINTR) {
+    }
+    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    lab_options options;
+    int exit_value = 0;
+    if (!read_options(argc, argv, options, exit_value))
+        return exit_value;
+    if (!check_host(options) || !start_trace(options))
+        return EXIT_USAGE;
+    return run_command(options);
+}
