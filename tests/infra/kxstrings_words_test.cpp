@@ -1,4 +1,5 @@
 #include "infra/utils/kxstrings.h"
+#include "tests/infra/printed_by.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -26,35 +27,21 @@ TEST(Words, WordEqualsWholeKeywordOnly) {
         const char *word;
         const char *keyword;
         int result;
-    } rows[] = {
-        {"show", "show", 0},
-        {"ShOw", "sHoW", 0},
-        {"show port", "show", 0},
-        {"show;x", "show", 0},
-        {"show\tx", "show", 0},
-        {"sho", "show", 1},
-        {"shows", "show", 1},
-        {"show", "sho", 1},
-        {"", "", 0},
-        {";", "", 0},
-        {" x", "", 0},
-        {"x", "", 1},
-        {"", "x", 1},
-        {"a b", "a b", 1},
-        {"a;b", "a;b", 1},
-        {"[vlan]", "[VLAN]", 0},
-        {"100", "[vlan]", 1},
-    };
+    } rows[] = {{"ShOw", "sHoW", 0},   {"show port", "show", 0},
+                {"show;x", "show", 0}, {"show\tx", "show", 0},
+                {"sho", "show", 1},    {"shows", "show", 1},
+                {"", "", 0},           {";", "", 0},
+                {" x", "", 0},         {"x", "", 1},
+                {"", "x", 1},          {"a b", "a b", 1},
+                {"a;b", "a;b", 1},     {"[vlan]", "[VLAN]", 0},
+                {"100", "[vlan]", 1}};
     for (const auto &row : rows) {
         EXPECT_EQ(stris(row.word, row.keyword), row.result)
             << row.word << " against " << row.keyword;
     }
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(stris(nullptr, nullptr), 1);
-    EXPECT_EQ(stris("show", nullptr), 1);
-    fflush(stdout);
-    const std::string line = "ASSERT  stris:  str != NULL && cmpstr != NULL\n";
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
+    const char *const line = "ASSERT  stris:  str != NULL && cmpstr != NULL\n";
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(stris(nullptr, nullptr), 1); }), line);
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(stris("show", nullptr), 1); }), line);
 }
 
 TEST(Words, CaselessComparisonCountsCharacters) {

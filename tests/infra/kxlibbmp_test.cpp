@@ -1,0 +1,368 @@
+#include "infra/utils/kxlibbmp.h"
+#include "tests/infra/printed_by.h"
+
+#include <bitset>
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int BITS = 256;
+using Set = kxbmp_template<BITS>;
+using Model = std::bitset<BITS>;
+
+Set set_of(const Model &model) {
+    Set set{};
+    set.size = sizeof set.bits;
+    for (size_t bit = 0; bit < BITS; ++bit) {
+        if (model[bit]) {
+            bitset_set_bit(&set, static_cast<int32_t>(bit));
+        }
+    }
+    return set;
+}
+
+Set set_of(std::initializer_list<int32_t> bits) {
+    Model model;
+    for (const int32_t bit : bits) {
+        model.set(static_cast<size_t>(bit));
+    }
+    return set_of(model);
+}
+
+Model model_of(const Set &set) {
+    Model model;
+    for (int32_t bit = 0; bit < BITS; ++bit) {
+        model[static_cast<size_t>(bit)] = bitset_is_bit_set(&set, bit) == 1;
+    }
+    return model;
+}
+
+int32_t find(const Model &model, bool value, int32_t from, int32_t step) {
+    for (int32_t bit = from; bit >= 0 && bit < BITS; bit += step) {
+        if (model[static_cast<size_t>(bit)] == value) {
+            return bit;
+        }
+    }
+    return -1;
+}
+
+std::vector<std::pair<int32_t, int32_t>> runs(const Model &model, bool value) {
+    std::vector<std::pair<int32_t, int32_t>> found;
+    for (int32_t lower = find(model, value, 0, 1); lower >= 0;) {
+        const int32_t end = find(model, !value, lower, 1);
+        found.emplace_back(lower, end < 0 ? BITS - 1 : end - 1);
+        lower = end < 0 ? -1 : find(model, value, end, 1);
+    }
+    return found;
+}
+
+std::string list_of(const Model &model) {
+    std::string text;
+    for (const auto &[lower, upper] : runs(model, true)) {
+        text += (text.empty() ? "" : ",") + std::to_string(lower);
+        text += lower == upper ? "" : "-" + std::to_string(upper);
+    }
+    return text;
+}
+
+// Sets of every density, with long and short runs, the empty and the full one among them.
+class BitSets : public testing::Test {
+protected:
+    Model random_model() {
+        Model model;
+        const uint32_t density = random() % 9;
+        const uint32_t run = 1 + random() % 40;
+        for (size_t bit = 0; bit < BITS;) {
+            const bool value = random() % 8 < density;
+            for (const size_t end = bit + 1 + random() % run; bit < end && bit < BITS; ++bit) {
+                model[bit] = value;
+            }
+        }
+        return model;
+    }
+
+    std::mt19937 random{7};
+};
+
+TEST(BitSetLayout, BitZeroIsTheTopOfTheFirstByte) {
+    bmp4096 vlans;
+    memset(&vlans, 0xff, sizeof vlans);
+    bmp4096_init(&vlans);
+    EXPECT_EQ(vlans.size, 512u);
+    EXPECT_EQ(bitset_numbits(&vlans), 4096);
+    EXPECT_EQ(bitset_size(&vlans), 516u);
+    EXPECT_EQ(bmp4096_bitcount(&vlans), 0);
+    for (const int32_t bit : {0, 9, 4095}) {
+        bitset_set_bit(&vlans, bit);
+    }
+    EXPECT_EQ(vlans.bits[0], 0x80);
+    EXPECT_EQ(vlans.bits[1], 0x40);
+    EXPECT_EQ(vlans.bits[511], 0x01);
+    EXPECT_EQ(bmp4096_bitcount(&vlans), 3);
+    bitset_fill(&vlans);
+    EXPECT_EQ(bmp4096_bitcount(&vlans), 4096);
+}
+
+TEST_F(BitSets, SearchesAgreeWithTheModel) {
+    for (int round = 0; round < 50; ++round) {
+        const Model model = random_model();
+        const Set set = set_of(model);
+        ASSERT_EQ(bitset_bitcount(&set), static_cast<int32_t>(model.count()));
+        int32_t set_bits = 0;
+        int32_t free_bits = 0;
+        for (int32_t bit = 0; bit < BITS; ++bit) {
+            ASSERT_EQ(bitset_find_bit(&set, bit), find(model, true, bit, 1));
+            ASSERT_EQ(bitset_next_bit(&set, bit), find(model, true, bit + 1, 1));
+            ASSERT_EQ(bitset_find_free_bit(&set, bit), find(model, false, bit, 1));
+            ASSERT_EQ(bitset_next_free_bit(&set, bit), find(model, false, bit + 1, 1));
+            ASSERT_EQ(bitset_find_prev_bit(&set, bit), find(model, true, bit, -1));
+            if (model[static_cast<size_t>(bit)]) {
+                ASSERT_EQ(bitset_nth_bit(&set, set_bits++), bit);
+            } else {
+                ASSERT_EQ(bitset_nth_free_bit(&set, free_bits++), bit);
+            }
+        }
+        ASSERT_EQ(bitset_nth_bit(&set, set_bits), -1);
+        ASSERT_EQ(bitset_nth_free_bit(&set, free_bits), -1);
+        ASSERT_EQ(bitset_first_bit(&set), find(model, true, 0, 1));
+        ASSERT_EQ(bitset_first_free_bit(&set), find(model, false, 0, 1));
+        ASSERT_EQ(bitset_find_bit(&set, BITS), -1);
+        ASSERT_EQ(bitset_find_bit(&set, INT32_MAX), -1);
+    }
+}
+
+TEST_F(BitSets, SetAlgebraAgreesWithTheModel) {
+    for (int round = 0; round < 200; ++round) {
+        const Model model = random_model();
+        const Model other_model = random_model();
+        const Model mask_model = random_model();
+        const Set set = set_of(model);
+        const Set other = set_of(other_model);
+        const Set mask = set_of(mask_model);
+        const auto result_of = [&](void (*operation)(bitset *, const bitset *)) {
+            Set result = set;
+            operation(&result, &other);
+            return model_of(result);
+        };
+        ASSERT_EQ(result_of(bitset_union), model | other_model);
+        ASSERT_EQ(result_of(bitset_intersection), model & other_model);
+        ASSERT_EQ(result_of(bitset_subtract), model & ~other_model);
+        ASSERT_EQ(result_of(bitset_copy), other_model);
+
+        Set merged = set;
+        bitset_maskcopy(&merged, &other, &mask);
+        ASSERT_EQ(model_of(merged), (model & ~mask_model) | (other_model & mask_model));
+        ASSERT_EQ(bitset_maskequal(&merged, &other, &mask), 1);
+        ASSERT_EQ(bitset_maskequal(&set, &other, &mask),
+                  ((model ^ other_model) & mask_model).none() ? 1 : 0);
+        ASSERT_EQ(bitset_equal(&set, &other), model == other_model ? 1 : 0);
+        ASSERT_EQ(bitset_equal(&set, &set), 1);
+        ASSERT_EQ(bitset_subset(&set, &other), (model & ~other_model).none() ? 1 : 0);
+        Set both = set;
+        bitset_union(&both, &other);
+        ASSERT_EQ(bitset_subset(&set, &both), 1);
+    }
+}
+
+TEST_F(BitSets, RangesAgreeWithTheModel) {
+    for (int round = 0; round < 500; ++round) {
+        Model model = random_model();
+        Set set = set_of(model);
+        const auto first = static_cast<int32_t>(random() % BITS);
+        const auto count = static_cast<int32_t>(random() % static_cast<uint32_t>(BITS - first + 1));
+        const bool value = random() % 2 == 0;
+        (value ? bitset_set_range : bitset_clear_range)(&set, first, count);
+        for (int32_t bit = first; bit < first + count; ++bit) {
+            model[static_cast<size_t>(bit)] = value;
+        }
+        ASSERT_EQ(model_of(set), model) << first << "+" << count;
+
+        const bitset_range range = {
+            first, first + static_cast<int32_t>(random() % static_cast<uint32_t>(BITS - first))};
+        const int32_t bit = find(model, true, first, 1);
+        ASSERT_EQ(bitset_is_range_free(&set, &range), bit < 0 || bit > range.upper ? 1 : 0);
+    }
+}
+
+TEST_F(BitSets, WalksVisitEveryRun) {
+    const auto walked = [](const Set &set, int (*next)(const bitset *, bitset_range *)) {
+        std::vector<std::pair<int32_t, int32_t>> found;
+        for (bitset_range range = BITSET_RANGE_START; next(&set, &range) == 0;) {
+            found.emplace_back(range.lower, range.upper);
+        }
+        return found;
+    };
+    for (int round = 0; round < 500; ++round) {
+        const Model model = random_model();
+        const Set set = set_of(model);
+        ASSERT_EQ(walked(set, bitset_next_range), runs(model, true));
+        ASSERT_EQ(walked(set, bitset_next_free_range), runs(model, false));
+    }
+    // A run that ends on the last bit but one leaves no room for another.
+    Set last = set_of({BITS - 2});
+    bitset_range range = {BITS - 2, BITS - 2};
+    EXPECT_EQ(bitset_next_range(&last, &range), -1);
+    EXPECT_EQ(range.lower, BITS - 2);
+}
+
+TEST_F(BitSets, PiecesOfAListAreTheListInAnyBuffer) {
+    constexpr size_t LONGEST_ITEM = sizeof "254-255";
+    for (size_t size = LONGEST_ITEM; size < 200; ++size) {
+        const Model model = random_model();
+        const Set set = set_of(model);
+        char whole[4 * BITS];
+        bitset_sprintf(whole, &set);
+        ASSERT_EQ(whole, list_of(model));
+
+        std::string rest = whole;
+        int done = 0;
+        for (int first = 1; done == 0; first = 0) {
+            std::vector<char> buffer(size, '#'); // exact, for the sanitizer
+            const int length = bitset_snprintf(buffer.data(), size, &set, first, &done);
+            const std::string piece = buffer.data();
+            ASSERT_EQ(length, static_cast<int>(piece.size()));
+            ASSERT_EQ(rest.substr(0, piece.size()), piece);
+            // A piece ends where an item does; the next one would not have fitted.
+            const size_t next = std::min(piece.size() + 1, rest.size());
+            const size_t next_end = std::min(rest.find(',', next), rest.size());
+            ASSERT_TRUE(rest[piece.size()] == ',' || next == piece.size()) << piece;
+            ASSERT_TRUE(next == piece.size() ? done == 1 : next_end >= size) << piece;
+            rest.erase(0, next);
+        }
+        ASSERT_EQ(rest, "") << size;
+    }
+}
+
+TEST(BitSetList, BufferTooSmallForAnyItem) {
+    const Set set = set_of({100, 101});
+    char text[8] = "#######";
+    int done = 7;
+    EXPECT_EQ(bitset_snprintf(text, sizeof text - 1, &set, 1, &done), 0);
+    EXPECT_STREQ(text, "");
+    EXPECT_EQ(done, 0);
+    EXPECT_EQ(bitset_snprintf(text, 0, &set, 1, &done), 0);
+}
+
+TEST(BitSetArrays, BitOrderIsReversedAndLengthsAreCut) {
+    const Set set = set_of({0, 9, 15, 30, 40});
+    const std::vector<uint8_t> expected = {0x01, 0x82, 0x00, 0x40, 0x00, 0x01};
+    for (size_t length = 0; length < 40; ++length) {
+        std::vector<uint8_t> array(length, 0xff);
+        bitset_to_bitarray(&set, array.data(), static_cast<uint32_t>(length));
+        std::vector<uint8_t> cut(expected);
+        cut.resize(length);
+        EXPECT_EQ(array, cut);
+
+        Set back = set_of({200});
+        bitset_from_bitarray(&back, array.data(), static_cast<uint32_t>(length));
+        Set front = set;
+        const auto kept = static_cast<int32_t>(std::min<size_t>(length * 8, BITS));
+        bitset_clear_range(&front, kept, BITS - kept);
+        EXPECT_EQ(bitset_equal(&back, &front), 1) << length;
+    }
+}
+
+TEST(BitSetSizes, SearchesSeeWholeWordsOnly) {
+    kxbmp_template<48> set{};
+    set.size = sizeof set.bits;
+    bitset_set_range(&set, 31, 17);
+    EXPECT_EQ(bitset_bitcount(&set), 17);
+    EXPECT_EQ(bitset_is_bit_set(&set, 47), 1);
+    EXPECT_EQ(bitset_first_bit(&set), 31);
+    EXPECT_EQ(bitset_next_bit(&set, 31), -1);
+    EXPECT_EQ(bitset_find_prev_bit(&set, 47), 31);
+    EXPECT_EQ(bitset_nth_bit(&set, 1), -1);
+    const bitset_range tail = {32, 47};
+    EXPECT_EQ(bitset_is_range_free(&set, &tail), 1);
+    char text[16];
+    bitset_sprintf(text, &set);
+    EXPECT_STREQ(text, "31");
+
+    bitset empty = {0};
+    bitset_range range = BITSET_RANGE_START;
+    EXPECT_EQ(bitset_next_range(&empty, &range), -1);
+    EXPECT_EQ(bitset_equal(&empty, &empty), 1);
+    EXPECT_EQ(bitset_subset(&empty, &set), 1);
+    EXPECT_EQ(bitset_subset(&set, &empty), 0);
+}
+
+TEST(BitSetAssertions, AreReportedWithoutEffect) {
+    const Set sample = set_of({3, 200});
+    Set set = sample;
+    kxbmp_template<128> small{};
+    small.size = sizeof small.bits;
+    bitset_fill(&small);
+    bmp4096 vlans;
+    bmp4096_init(&vlans);
+    vlans.size = 511;
+    alignas(4) char storage[sizeof(Set) + 4] = {};
+    // Never dereferenced: a misaligned record is refused by its address.
+    const auto *const crooked = reinterpret_cast<const bitset *>(storage + 1);
+    const bitset_range backwards = {5, 4};
+    const bitset_range outside = {0, BITS};
+
+    const std::string one_bit = "bNo >= 0 && bNo < bitset_numbits( b )";
+    const std::string many_bits = "bNo >= 0 && bNo+len <= bitset_numbits( b )";
+    const std::string sizes = "b->size == b1->size";
+    const std::string alignment = "!((uint32_t)bp & 0x3)";
+    const std::string order = "range->lower <= range->upper";
+    const std::string inside = "range->lower >= 0 && range->upper < bitset_numbits( b )";
+    int32_t got = 0; // stays so where the operation has no result
+    const struct {
+        std::string line;
+        std::function<void()> call;
+        int32_t result;
+    } rows[] = {
+        {"clear:  b", [&] { bitset_clear(nullptr); }, 0},
+        {"fill:  b", [&] { bitset_fill(nullptr); }, 0},
+        {"size:  b", [&] { bitset_size(nullptr); }, 0},
+        {"is_bit_set:  b", [&] { got = bitset_is_bit_set(nullptr, 0); }, 0},
+        {"copy:  dst->size == src->size", [&] { bitset_copy(&set, &small); }, 0},
+        {"union:  b && b1", [&] { bitset_union(&set, nullptr); }, 0},
+        {"union:  " + sizes, [&] { bitset_union(&set, &small); }, 0},
+        {"intersection:  " + sizes, [&] { bitset_intersection(&set, &small); }, 0},
+        {"subtract:  " + sizes, [&] { bitset_subtract(&set, &small); }, 0},
+        {"equal:  b && b1", [&] { got = bitset_equal(nullptr, &set); }, 0},
+        {"equal:  " + sizes, [&] { got = bitset_equal(&set, &small); }, 0},
+        {"subset:  b && b1", [&] { got = bitset_subset(&set, nullptr); }, 0},
+        {"maskcopy:  b && b1 && mask", [&] { bitset_maskcopy(&set, &set, nullptr); }, 0},
+        {"maskcopy:  " + sizes, [&] { bitset_maskcopy(&set, &small, &small); }, 0},
+        {"maskequal:  b1->size == mask->size", [&] { got = bitset_maskequal(&set, &set, &small); },
+         0},
+        {"set_bit:  " + one_bit, [&] { bitset_set_bit(&set, BITS); }, 0},
+        {"clear_bit:  " + one_bit, [&] { bitset_clear_bit(&set, -1); }, 0},
+        {"is_bit_set:  " + one_bit, [&] { got = bitset_is_bit_set(&set, BITS); }, 0},
+        {"set_range_value:  " + many_bits, [&] { bitset_set_range(&set, BITS - 1, 2); }, 0},
+        {"set_range_value:  " + many_bits, [&] { bitset_clear_range(&set, -1, 9); }, 0},
+        {"set_range_value:  " + many_bits, [&] { bitset_set_range(&set, 1, INT32_MAX); }, 0},
+        {"find_bit:  bNo >= 0", [&] { got = bitset_find_bit(&set, -1); }, -1},
+        {"find_bit:  bNo >= 0", [&] { got = bitset_next_bit(&set, INT32_MAX); }, -1},
+        {"find_free_bit:  bNo >= 0", [&] { got = bitset_next_free_bit(&set, -2); }, -1},
+        {"find_prev_bit:  bNo >= 0", [&] { got = bitset_find_prev_bit(&set, -1); }, -1},
+        {"find_prev_bit:  bNo < (b->size * 8)", [&] { got = bitset_find_prev_bit(&set, BITS); },
+         -1},
+        {"find_bit:  " + alignment, [&] { got = bitset_first_bit(crooked); }, -1},
+        {"find_prev_bit:  " + alignment, [&] { got = bitset_find_prev_bit(crooked, 0); }, -1},
+        {"nth_bit:  0", [&] { got = bitset_nth_bit(&set, -1); }, -1},
+        {"nth_free_bit:  0", [&] { got = bitset_nth_free_bit(&set, -1); }, -1},
+        {"is_range_free:  " + order, [&] { got = bitset_is_range_free(&set, &backwards); }, 0},
+        {"is_range_free:  " + inside, [&] { got = bitset_is_range_free(&set, &outside); }, 0}};
+    for (const auto &row : rows) {
+        got = 0;
+        EXPECT_EQ(printed_by(row.call), "ASSERT  bitset_" + row.line + "\n");
+        EXPECT_EQ(got, row.result) << row.line;
+        EXPECT_EQ(memcmp(&set, &sample, sizeof set), 0) << row.line;
+    }
+    EXPECT_EQ(printed_by([&] { got = bmp4096_bitcount(&vlans); }),
+              "ASSERT  bmp4096_bitcount:  b->size == BITBYTES(BITSIZE)\n");
+    EXPECT_EQ(got, -1);
+    // An empty range is no failure.
+    EXPECT_EQ(printed_by([&] { bitset_set_range(&set, -5, 0); }), "");
+}
+
+} // namespace

@@ -1,0 +1,113 @@
+#include "infra/utils/kxstrings.h"
+#include "tests/infra/printed_by.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+TEST(AddressText, Forms) {
+    const uint8_t bytes[16] = {0x00, 0x1a, 10, 0xff, 0x02, 0xb0};
+    char text[64];
+    EXPECT_EQ(snprintf_mac_address(text, sizeof text, bytes), 17);
+    EXPECT_STREQ(text, "00:1a:0a:ff:02:b0");
+    EXPECT_EQ(snprintf_ipv6_address(text, sizeof text, bytes), 39);
+    EXPECT_STREQ(text, "001a:0aff:02b0:0000:0000:0000:0000:0000");
+    EXPECT_EQ(snprintf_ipv6_address(text, 6, bytes), 39);
+    EXPECT_STREQ(text, "001a:");
+
+    uint32_t address = 0;
+    memcpy(&address, bytes, sizeof address);
+    EXPECT_EQ(snprintf_ip_address(text, sizeof text, address), 11);
+    EXPECT_STREQ(text, "0.26.10.255");
+    EXPECT_EQ(ipv4_to_a(0x001a0aff, text, sizeof text), 0);
+    EXPECT_STREQ(text, "0.26.10.255");
+    EXPECT_EQ(ipv4_to_a(0xffffffff, text, 16), 0);
+    EXPECT_STREQ(text, "255.255.255.255");
+    EXPECT_EQ(ipv4_to_a(1, text, 15), -1);
+    EXPECT_STREQ(text, "255.255.255.255");
+    EXPECT_EQ(ipv4_to_a(1, nullptr, 16), -1);
+}
+
+TEST(TimeText, IsCutBehindTheSeconds) {
+    setenv("TZ", "UTC0", 1);
+    tzset();
+    char buffer[33];
+    memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(kx_local_ctime(1709164799, buffer), buffer);
+    EXPECT_STREQ(buffer, "Wed Feb 28 23:59:59");
+    EXPECT_EQ(buffer[31], '\0');
+    EXPECT_EQ(buffer[32], '#');
+    EXPECT_EQ(kx_local_ctime(0, nullptr), nullptr);
+}
+
+TEST(Dumps, PrintLinesUnderATitle) {
+    using namespace std::string_literals;
+    const std::string x(200, 'x');
+    const struct {
+        std::string bytes;
+        std::string lines; // of od_dump
+        std::string extra; // of dump_extra_ascii
+    } rows[] = {{"", "", ""},
+                {"ab\ncd", "ab\n", "ab\ncd\n"},
+                {"\r\n\0ab\0cd"s, "\n\n\nab\n", "ab\n"},
+                {"\x01\xff\x1f", "", ""},
+                {"\x80\x7fz\xff\n", "\x80\x7fz\xff\n", "\x7fz\xff\n\n"},
+                {x.substr(0, 80), "", x.substr(0, 80) + "\n"},
+                {x.substr(0, 80) + "\nq", x.substr(0, 80) + "\n", x.substr(0, 80) + "\nq\n"},
+                {x.substr(0, 100), x.substr(0, 80) + "\n", x.substr(0, 84) + "\n"},
+                {x.substr(0, 162), x.substr(0, 80) + "\n" + x.substr(0, 80) + "\n",
+                 x.substr(0, 84) + "\n"}};
+    for (const auto &row : rows) {
+        // Exact allocations, so that the sanitizer sees a read behind the length.
+        const std::vector<uint8_t> bytes(row.bytes.begin(), row.bytes.end());
+        const int length = static_cast<int>(bytes.size());
+        EXPECT_EQ(printed_by([&] { od_dump("title", bytes.data(), length); }),
+                  "title\n" + row.lines);
+        EXPECT_EQ(printed_by([&] { dump_extra_ascii("title", bytes.data(), length); }),
+                  "title\n" + row.extra);
+    }
+    EXPECT_EQ(printed_by([] { od_dump("t", nullptr, -1); }), "t\n");
+    EXPECT_EQ(printed_by([] { dump_extra_ascii("t", nullptr, -1); }), "t\n");
+}
+
+TEST(Enumerations, Edges) {
+    const struct {
+        const char *(*text_of)(uint32_t);
+        uint32_t value;
+        const char *text;
+    } rows[] = {{get_str_cache_type, 0, "INVALID"},
+                {get_str_cache_type, 1, "normal"},
+                {get_str_cache_type, 5, "MAX"},
+                {get_str_cache_type, 6, "INVALID"},
+                {get_upgrade_str, 3, "Aborted"},
+                {get_upgrade_str, 4, "Unknown"},
+                {op_to_str, 0xffffff02, "op_AND"},
+                {op_to_str, 3, "unknown"},
+                {filter_type_to_str, 0x10b, "protocol"},
+                {filter_type_to_str, 12, "protocol"},
+                {filter_type_to_str, 13, "unknown"},
+                {set_to_str, 6, "q-len"},
+                {set_to_str, 7, "default"},
+                {set_to_str, 0x100, "default"},
+                {kx_print_protocol, 10, "unknown"},
+                {kx_print_protocol, 0x1000b, "zvx_cntrl"},
+                {kx_print_protocol, 18, "vmw vmotion"},
+                {kx_print_protocol, 19, "unknown"},
+                {kx_print_ip_protocol, 0x10006, "TCP"},
+                {kx_print_ip_protocol, 17, "UDP"},
+                {kx_print_ip_protocol, 0, "unknown"},
+                {kx_storm_status_int_to_string, 0, "Allowed"},
+                {kx_storm_status_int_to_string, UINT32_MAX, "Dropped"},
+                {get_str_fnf_status, 12, "FNF_STATUS_COUNLDNT_SEND"},
+                {get_str_fnf_status, 40, "FNF_STATUS_INV_FEAT_POINT"},
+                {get_str_fnf_status, 41, "Invalid status"}};
+    for (const auto &row : rows) {
+        EXPECT_STREQ(row.text_of(row.value), row.text) << row.value;
+    }
+    EXPECT_STREQ(pvlan_type_string[5], "COMMUNITY");
+    EXPECT_EQ(rpool_status_to_str[2], nullptr);
+}
+
+} // namespace
