@@ -386,8 +386,11 @@ int bitset_next_free_range(const bitset *b, bitset_range *range) {
 }
 
 void bitset_to_bitarray(const bitset *b, uint8_t *array, uint32_t length) {
-    memset(array, 0, length);
-    copy_reversed(array, bits_of(b), b->size < length ? b->size : length);
+    const uint32_t copied = b->size < length ? b->size : length;
+    copy_reversed(array, bits_of(b), copied);
+    if (copied < length) {
+        memset(array + copied, 0, length - copied);
+    }
 }
 
 void bitset_from_bitarray(bitset *b, const uint8_t *array, uint32_t length) {
