@@ -1,0 +1,259 @@
+// "show port": one row for each port, with its forwarding state and what causes it.
+#include "frontend/handlers.h"
+#include "frontend/output_sink.h"
+#include "frontend/run_state.h"
+#include "handlers/leaf_mode.h"
+#include "handlers/paging.h"
+#include "handlers/port/bridge_domain.h"
+#include "handlers/port/port.h"
+#include "handlers/port/port_vlans.h"
+#include "infra/utils/field_text.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr const char *FORWARDING = "FWD";
+constexpr const char *BLOCKED = "BLK";
+constexpr const char *PARTLY_BLOCKED = "F/B";
+
+constexpr uint32_t MAX_SUB_GROUP_SHOWN = 31;
+
+// What the state and the cause column show.
+struct port_state {
+    const char *state;
+    const char *cause;
+};
+
+constexpr const char *NO_CAUSE = " - ";
+
+struct selection {
+    kx_port_view view;
+    bool internal; // internal LTLs are shown
+};
+
+selection select_ports(const char *arg) {
+    if (kx_begins_with(arg, "internal")) {
+        return {KX_VIEW_HMX, true};
+    }
+    if (kx_begins_with(arg, "system")) {
+        return {KX_VIEW_SYSTEM, true};
+    }
+    if (kx_begins_with(arg, "krt")) {
+        return {KX_VIEW_KRT, true};
+    }
+    return {KX_VIEW_HMX, false};
+}
+
+const char *errdis_event_short_str(uint8_t event) {
+    switch (event) {
+    case 0:
+        return "LnkFlpEr";
+    case 1:
+        return "UdldEr";
+    case 2:
+        return "BpduEr";
+    case 3:
+        return "LpbckEr";
+    case 4:
+        return "StmCtlEr";
+    case 5:
+        return "DhcpEr";
+    case 6:
+        return "ArpEr";
+    case 7:
+        return "SecEr";
+    case 8:
+        return "PsecEr";
+    case 9:
+        return "VpcEr";
+    case 10:
+        return "StpEr";
+    case 12:
+        return "VicEr";
+    case 13:
+        return "DcbxEr";
+    case 14:
+        return "RtLmEr";
+    case 19:
+        return "IpAdEr";
+    case 22:
+        return "QosEr";
+    case 23:
+        return "SoftEr";
+    case 24:
+        return "InLnPwEr";
+    case 253:
+        return "HmxCfgEr";
+    case 254:
+        return "HmxEr";
+    case 255:
+        return "none";
+    default:
+        return "";
+    }
+}
+
+const char *leaf_block_cause(const kx_port_record &record) {
+    switch (record.leaf_block_reason) {
+    case KX_LEAF_BLOCK_BPDU:
+        return "BPDU Viol";
+    case KX_LEAF_BLOCK_ZERO_MAC:
+        return "Zero Mac";
+    default:
+        break;
+    }
+    switch (record.leaf_wait_state) {
+    case KX_LEAF_WAIT_ACK:
+        return "WAIT ACK";
+    case KX_LEAF_WAIT_POLICY:
+        return "WAIT EPP";
+    default:
+        return NO_CAUSE;
+    }
+}
+
+// The state of a port that forwards as a whole.
+port_state whole_port_state(const kx_port_record &record, bool leaf_mode) {
+    if (record.forwarding != 0) {
+        return {FORWARDING, NO_CAUSE};
+    }
+    return {BLOCKED,
+            leaf_mode ? leaf_block_cause(record) : errdis_event_short_str(record.errdis_event)};
+}
+
+// True when the port forwards on some VLAN, as far as the walk looks: a port whose forwarding byte
+// is clear is settled by the first bridge domain after which something forwards.
+bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &record,
+                        int vlan_count) {
+    const bool stop_at_first = record.forwarding == 0;
+    bool forwards = vlan_count != 0 || record.forwarding != 0;
+    for (uint32_t index = 0; kx_next_bd(&index);) {
+        kx_bd_record bd;
+        if (!kx_get_bd(index, &bd) || kx_bd_is_vxlan_segment(bd)) {
+            continue;
+        }
+        forwards |= kx_port_forwards_on_vlan(ltl, view, bd.vlan);
+        if (forwards && stop_at_first) {
+            break;
+        }
+    }
+    return forwards;
+}
+
+// The state of a port that forwards per VLAN, which has `vlan_count` VLANs configured. A partly
+// blocked one makes the footnote due.
+const char *vlan_port_state(uint32_t ltl, kx_port_view view, const kx_port_record &record,
+                            bool leaf_mode, int vlan_count, bool *footnote_due) {
+    const int expected_count = kx_get_usable_vlan_count();
+    const bool forwards = forwards_somewhere(ltl, view, record, vlan_count);
+    if (leaf_mode && (record.port_mode == KX_PORT_MODE_SUB_GROUP_A ||
+                      record.port_mode == KX_PORT_MODE_LEAF_VLANS)) {
+        // Deliberate: the flag belongs to the whole walk, so such a port also takes back a footnote
+        // that an earlier row made due.
+        *footnote_due = false;
+        return vlan_count != 0 ? FORWARDING : BLOCKED;
+    }
+    if (!forwards) {
+        return BLOCKED;
+    }
+    if (vlan_count == expected_count && record.forwarding != 0) {
+        return FORWARDING;
+    }
+    *footnote_due = true;
+    return PARTLY_BLOCKED;
+}
+
+// Deliberate: the column is eight wide and its text seven long, so "L3VNSERVICE" is always cut.
+const char *port_type(const kx_port_record &record) {
+    if (record.vxlan != 0) {
+        return "VXLAN";
+    }
+    if (record.vmotion != 0) {
+        return "VMOTION";
+    }
+    return record.l3_service != 0 ? "L3VNSER" : "";
+}
+
+struct sub_group_text {
+    char text[12];
+};
+
+sub_group_text sub_group(const kx_port_record &record, bool leaf_mode) {
+    sub_group_text column{};
+    const bool in_group_b = record.port_mode == KX_PORT_MODE_SUB_GROUP_B &&
+                            (!leaf_mode || record.leaf_sub_group_valid == 1);
+    if (record.port_mode == KX_PORT_MODE_SUB_GROUP_A && record.sub_group_a <= MAX_SUB_GROUP_SHOWN) {
+        snprintf(column.text, sizeof column.text, "%u", record.sub_group_a);
+    } else if (in_group_b && record.sub_group_b <= MAX_SUB_GROUP_SHOWN) {
+        snprintf(column.text, sizeof column.text, "%u", record.sub_group_b);
+    }
+    return column;
+}
+
+void print_row(uint32_t ltl, const kx_port_record &record, const port_state &shown,
+               bool leaf_mode) {
+    const bool partly_blocked = shown.state == PARTLY_BLOCKED;
+    kx_print("%5u   %8s   %4s %4s  %5s%s %8s %6u  %4s  %3u  %7u  %-8s    %8s\n", ltl,
+             kx_get_port_name(ltl, record).text, kx_up_or_down(record.admin_state),
+             kx_up_or_down(record.link_state), shown.state, partly_blocked ? "*" : " ", shown.cause,
+             record.pc_ltl, sub_group(record, leaf_mode).text, record.org, record.service_path,
+             port_type(record), kx_field_text(record.hmx_port_name).text);
+}
+
+void print_footnote() {
+    kx_print("\n* %s: Port is BLOCKED on some of the vlans.\n"
+             "       One or more vlans are either not created or\n"
+             "       not in the list of allowed vlans for this port.\n"
+             " Please run \"tarncmd show port vlans\" to see the details. \n",
+             PARTLY_BLOCKED);
+}
+
+} // namespace
+
+int kx_port_table_dump(const char *arg) {
+    const bool leaf_mode = kx_hmx_is_leaf_mode();
+    const selection shown = select_ports(arg);
+    uint32_t ltl = kx_get_first_ltl(arg);
+    if (ltl == KX_LTL_BEFORE_FIRST) {
+        kx_print(
+            "  LTL   KRT Port  Admin Link  State    Cause  PC-LTL  SGID  ORG  svcpath  Type    "
+            "Hmx Port\n");
+    }
+    bool footnote_due = false;
+    while (kx_next_ltl(&ltl)) {
+        kx_port_record record;
+        if (!kx_get_port(ltl, shown.view, &record)) {
+            if (kx_is_agent_driven()) {
+                kx_end_page(ltl);
+                return 0;
+            }
+            continue;
+        }
+        if (kx_port_is_hidden(ltl, record) || (kx_is_internal_ltl(ltl) && !shown.internal)) {
+            continue;
+        }
+        port_state state{};
+        if (record.vlan_mode == KX_VLAN_MODE) {
+            bmp4096 vlans;
+            const int32_t vlan_count = kx_get_port_vlans(ltl, shown.view, &vlans);
+            if (vlan_count < 0) {
+                return kx_give_up();
+            }
+            state = {vlan_port_state(ltl, shown.view, record, leaf_mode, vlan_count, &footnote_due),
+                     NO_CAUSE};
+        } else {
+            state = whole_port_state(record, leaf_mode);
+        }
+        print_row(ltl, record, state, leaf_mode);
+        if (kx_is_agent_driven()) {
+            kx_end_page(ltl);
+            return 0;
+        }
+    }
+    kx_end_table();
+    if (kx_is_agent_driven() || footnote_due) {
+        print_footnote();
+    }
+    return 0;
+}
