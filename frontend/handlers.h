@@ -74,6 +74,7 @@ int kx_bvl_set_propagate(const char *arg);
 int kx_show_acl(const char *arg);
 int kx_show_acl_policy(const char *arg);
 int kx_acl_show_pacl_entry(const char *arg);
+int kx_acl_clean_pacl_table(const char *arg); // no row of the table runs it
 int kx_clear_acl_dbgstats(const char *arg);
 int kx_flush_aclflows(const char *arg);
 int kx_clear_aclflow_dbgstats(const char *arg);

@@ -1,6 +1,8 @@
+#include "sim/acl/acls.h"
 #include "sim/answer.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/lacp/lacp_state.h"
 #include "sim/port/ports.h"
 
 namespace {
@@ -10,6 +12,8 @@ constexpr const family *FAMILIES[] = {
     &card_family,
     &bridge_domain_family,
     &port_family,
+    &acl_family,
+    &lacp_family,
 };
 
 } // namespace

@@ -2,8 +2,10 @@
 #ifndef SIM_HOST_H
 #define SIM_HOST_H
 
+#include "sim/acl/acls.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/lacp/lacp_state.h"
 #include "sim/overrides.h"
 #include "sim/port/ports.h"
 
@@ -14,6 +16,8 @@ struct host {
     card_state card;
     bridge_domain_table bridge_domains;
     port_table ports;
+    acl_table acls;
+    lacp_state lacp;
     std::vector<override_rule> overrides;
 };
 
