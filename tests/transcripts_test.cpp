@@ -1,0 +1,332 @@
+// Runs the transcripts of tests/transcripts: a described host, a command, the exact text that it
+// prints and the exact requests that it makes. The format is told in tests/transcripts/README.md.
+//
+// Without TARN_COMMAND in the environment every case runs the tool's own code in a child of this
+// process, on the model. With it the shell cases run that command instead, with "{host}" and
+// "{trace}" in it replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without
+// "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
+// have to be written for the results that were seen.
+#include "frontend/hmx_cmd.h"
+#include "sim/interpose.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iomanip>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+int tarncmd_main(int argc, char *argv[]);
+
+namespace {
+
+namespace fs = std::filesystem;
+using lines = std::vector<std::string>;
+
+constexpr unsigned CASE_SECONDS = 60;
+constexpr int PAGES_LIMIT = 5000;
+
+struct transcript_case {
+    std::string name;
+    std::string mode; // "shell", "agent" (a whole walk) or "page" (one page of it)
+    lines words;
+    nlohmann::json patch = nlohmann::json::object();
+    bool mask_stamps = false;
+    bool compare_requests = false;
+    lines head; // the lines above the results, as they stand
+    lines results;
+};
+
+struct transcript {
+    std::string host; // path of the host file
+    lines head;
+    std::vector<transcript_case> cases;
+};
+
+std::string read_file(const fs::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path;
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Blank-separated words; double quotes keep blanks.
+lines split_words(const std::string &text) {
+    lines words;
+    std::istringstream in(text);
+    for (std::string word; in >> std::ws && !in.eof();) {
+        if (in.peek() == '"')
+            in >> std::quoted(word, '"', '\0');
+        else
+            in >> word;
+        words.push_back(word);
+    }
+    return words;
+}
+
+// One line of a case above its results. False when it is a result already.
+bool read_directive(const std::string &line, transcript_case &into) {
+    const std::string key = line.substr(0, line.find(' '));
+    const std::string rest = key.size() == line.size() ? "" : line.substr(key.size() + 1);
+    if (key == "shell" || key == "agent" || key == "page") {
+        into.mode = key;
+        into.words = split_words(rest);
+    } else if (key == "patch") {
+        into.patch = nlohmann::json::parse(rest, nullptr, false);
+        EXPECT_TRUE(into.patch.is_object()) << line;
+    } else if (key == "mask-stamps") {
+        into.mask_stamps = true;
+    } else {
+        return key.empty() || key[0] == '#';
+    }
+    return true;
+}
+
+transcript read_transcript(const fs::path &path) {
+    transcript read;
+    std::istringstream text(read_file(path));
+    for (std::string line; std::getline(text, line);) {
+        if (line.starts_with("case ")) {
+            read.cases.emplace_back().name = line.substr(5);
+        }
+        lines &head = read.cases.empty() ? read.head : read.cases.back().head;
+        if (line.starts_with("case ")) {
+            head.push_back(line);
+        } else if (read.cases.empty()) {
+            if (line.starts_with("host "))
+                read.host = line.substr(5);
+            head.push_back(line);
+        } else if (read.cases.back().results.empty() && read_directive(line, read.cases.back())) {
+            head.push_back(line);
+        } else if (!line.empty()) {
+            read.cases.back().results.push_back(line);
+            if (line == "requests")
+                read.cases.back().compare_requests = true;
+        }
+    }
+    const fs::path tests(TESTS_DIR);
+    read.host = read.host.empty() ? tests.parent_path() / "sim" / "builtin_host.json"
+                                  : tests / "hosts" / read.host;
+    return read;
+}
+
+// A private folder for the files of one run, removed with its object.
+struct scratch_folder {
+    fs::path path;
+    scratch_folder() {
+        std::string name = fs::temp_directory_path() / "transcript-XXXXXX";
+        path = mkdtemp(name.data());
+    }
+    ~scratch_folder() {
+        fs::remove_all(path);
+    }
+    scratch_folder(const scratch_folder &) = delete;
+    scratch_folder &operator=(const scratch_folder &) = delete;
+};
+
+// The command as the agent runs it, page by page through the remote-CLI buffer.
+void run_agent(const transcript_case &asked) {
+    std::string command;
+    for (const std::string &word : asked.words)
+        command += (command.empty() ? "" : " ") + word;
+    std::string text = command;
+    hmx_rcli_fromdpa = 1;
+    kx_dpa_api_init();
+    hmx_cmd_init();
+    for (int page = 0; page < PAGES_LIMIT; page++) {
+        hmx_rcli_buffer_ptr = hmx_rcli_buffer;
+        hmx_rcli_entry_start_ptr = nullptr;
+        hmx_rcli_print_len = 0;
+        hmx_rcli_more_output = 0;
+        hmx_cmd_run(text.c_str(), static_cast<int>(text.size()), 1);
+        const auto used = static_cast<size_t>(hmx_rcli_buffer_ptr - hmx_rcli_buffer);
+        fwrite(hmx_rcli_buffer, 1, std::min<size_t>(used, HMX_RCLI_BUFFER_SIZE), stdout);
+        if (hmx_rcli_more_output == 0)
+            break;
+        // A control character, so that no output of a command reads like it.
+        printf("\001more %u\n", hmx_rcli_more_output);
+        if (asked.mode == "page")
+            break;
+        text = command + " cookie " + std::to_string(hmx_rcli_more_output);
+    }
+    hmx_cmd_exit();
+}
+
+// In the child: the tool's own code on the model. Returns its exit value.
+int run_in_process(const transcript_case &asked, const fs::path &folder) {
+    static model driver;
+    std::string error;
+    if (!load_host(folder / "host", driver.state, error)) {
+        fprintf(stderr, "%s\n", error.c_str());
+        return 2;
+    }
+    const int trace = open((folder / "trace").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
+    driver.trace = [trace](const std::string &line) { dprintf(trace, "%s\n", line.c_str()); };
+    interpose_model(&driver);
+    if (asked.mode != "shell") {
+        run_agent(asked);
+        return 0;
+    }
+    std::string name = "tarncmd";
+    lines words = asked.words;
+    std::vector<char *> arguments = {name.data()};
+    for (std::string &word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    return tarncmd_main(static_cast<int>(arguments.size()) - 1, arguments.data());
+}
+
+[[noreturn]] void run_external(const char *command, const transcript_case &asked,
+                               const fs::path &folder) {
+    std::string text = command;
+    text = std::regex_replace(text, std::regex("\\{host\\}"), (folder / "host").string());
+    text = std::regex_replace(text, std::regex("\\{trace\\}"), (folder / "trace").string());
+    lines words = split_words(text);
+    words.insert(words.end(), asked.words.begin(), asked.words.end());
+    std::vector<char *> arguments;
+    for (std::string &word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    perror(arguments[0]);
+    _exit(127);
+}
+
+// Runs the case in a child process. Returns the exit value; output, complaints and requests are
+// left in the folder.
+int run_case(const transcript_case &asked, const char *command, const fs::path &folder) {
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(CASE_SECONDS);
+        for (const auto &[descriptor, name] : {std::pair{1, "out"}, std::pair{2, "err"}}) {
+            dup2(open((folder / name).c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666), descriptor);
+        }
+        if (command != nullptr)
+            run_external(command, asked, folder);
+        const int value = run_in_process(asked, folder);
+        fflush(stdout);
+        _exit(value);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// A stretch of output as result lines: a mark in front, "|" behind where a newline was.
+void show_output(lines &results, char mark, std::string text, bool mask_stamps) {
+    if (mask_stamps) {
+        static const std::regex stamp(
+            "[A-Z][a-z]{2} [ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{6}: ");
+        text = std::regex_replace(text, stamp, "STAMP: ");
+    }
+    std::string line(1, mark);
+    for (const char byte : text) {
+        if (byte == '\n') {
+            const bool more = line.starts_with("|\\x01more ");
+            results.push_back(more ? line.substr(5) : line + '|');
+            line = mark;
+        } else if (byte == '\\') {
+            line += "\\\\";
+        } else if (byte < ' ' || byte > '~') {
+            char escaped[8];
+            snprintf(escaped, sizeof escaped, "\\x%02x", static_cast<uint8_t>(byte));
+            line += escaped;
+        } else {
+            line += byte;
+        }
+    }
+    if (line.size() > 1)
+        results.push_back(line);
+}
+
+lines collect_results(const transcript_case &asked, int exit_value, const fs::path &folder) {
+    lines results;
+    show_output(results, '|', read_file(folder / "out"), asked.mask_stamps);
+    show_output(results, '!', read_file(folder / "err"), asked.mask_stamps);
+    if (exit_value != 0)
+        results.push_back("exit " + std::to_string(exit_value));
+    if (!asked.compare_requests)
+        return results;
+    results.emplace_back("requests");
+    std::ifstream trace(folder / "trace");
+    for (std::string line; std::getline(trace, line);)
+        results.push_back(line);
+    return results;
+}
+
+void write_host(const transcript &file, const transcript_case &asked, const fs::path &folder) {
+    nlohmann::json description = nlohmann::json::parse(read_file(file.host), nullptr, false);
+    ASSERT_TRUE(description.is_object()) << file.host;
+    description.merge_patch(asked.patch);
+    std::ofstream(folder / "host") << description.dump(1);
+}
+
+std::string joined(const lines &of) {
+    std::string text;
+    for (const std::string &line : of)
+        text += line + "\n";
+    return text;
+}
+
+std::vector<fs::path> transcript_files() {
+    std::vector<fs::path> files;
+    for (const auto &entry : fs::directory_iterator(fs::path(TESTS_DIR) / "transcripts")) {
+        if (entry.path().extension() == ".txt")
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+class Transcript : public testing::TestWithParam<fs::path> {};
+
+TEST_P(Transcript, PrintsAndAsksWhatItSays) {
+    const char *command = getenv("TARN_COMMAND");
+    const bool print = getenv("TARN_TRANSCRIPT_PRINT") != nullptr;
+    const bool traced = command == nullptr || strstr(command, "{trace}") != nullptr;
+    transcript file = read_transcript(GetParam());
+    ASSERT_FALSE(file.cases.empty());
+    if (print)
+        fputs(joined(file.head).c_str(), stdout);
+    for (transcript_case &asked : file.cases) {
+        SCOPED_TRACE(asked.name);
+        ASSERT_FALSE(asked.mode.empty()) << "no shell, agent or page line";
+        if (command != nullptr && asked.mode != "shell")
+            continue;
+        const scratch_folder folder;
+        write_host(file, asked, folder.path);
+        if (!traced && asked.compare_requests) {
+            asked.compare_requests = false;
+            asked.results.erase(std::find(asked.results.begin(), asked.results.end(), "requests"),
+                                asked.results.end());
+        }
+        const int exit_value = run_case(asked, command, folder.path);
+        const lines results = collect_results(asked, exit_value, folder.path);
+        if (print)
+            printf("%s%s\n", joined(asked.head).c_str(), joined(results).c_str());
+        else
+            EXPECT_EQ(joined(asked.results), joined(results));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Transcript, testing::ValuesIn(transcript_files()),
+                         [](const auto &file) {
+                             std::string name = file.param.stem().string();
+                             std::replace_if(
+                                 name.begin(), name.end(), [](char c) { return !isalnum(c); }, '_');
+                             return name;
+                         });
+
+} // namespace
