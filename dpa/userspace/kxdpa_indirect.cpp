@@ -24,21 +24,8 @@ constexpr int PLACE_TWO_BUFFER_CAPACITY1 = 190;
 constexpr int PLACE_TWO_BUFFER_CAPACITY2 = 204;
 constexpr int PLACE_TWO_BUFFER_IOCTL = 217;
 
-uint32_t user_address(const void *buffer) {
-    return reinterpret_cast<uintptr_t>(buffer);
-}
-
-// A record with everything but buffers and capacities. The status is preset, so that an ioctl that
-// never reached the driver reads as a failure.
 kxdpa_request make_request(int opcode, uint32_t arg, uint8_t flags) {
-    kxdpa_request request{};
-    request.opcode = static_cast<uint16_t>(opcode);
-    request.marker = KXDPA_KERNEL_MARKER;
-    request.version = KXDPA_KERNEL_VERSION;
-    request.flags = flags;
-    request.arg = arg;
-    request.status = KXDPA_STATUS_NO_EXCHANGE;
-    return request;
+    return kxdpa_make_request(KXDPA_KERNEL_MARKER, KXDPA_KERNEL_VERSION, opcode, arg, flags);
 }
 
 void trace_request(const char *function, int opcode) {
@@ -80,14 +67,9 @@ uint32_t kx_dpa_call_indirect1(int opcode, uint32_t arg, uint8_t flags, void *bu
                                uint32_t *max_ref) {
     trace_request("kx_dpa_call_indirect1", opcode);
     kxdpa_request request = make_request(opcode, arg, flags);
-    request.buf1 = user_address(buf);
-    request.len1 = len;
-    if ((flags & KXDPA_FLAG_MAX) != 0) {
-        if (max_ref == nullptr) {
-            return fail_without_capacity(PLACE_ONE_BUFFER_CAPACITY, opcode);
-        }
-        request.max1 = *max_ref;
-        request.max1_valid = 1;
+    kxdpa_attach(buf, len, &request.buf1, &request.len1);
+    if (!kxdpa_give_capacity(flags, max_ref, &request.max1, &request.max1_valid)) {
+        return fail_without_capacity(PLACE_ONE_BUFFER_CAPACITY, opcode);
     }
     const int result = ioctl(kx_dpa_call_fd, REQUEST_CODE, &request);
     if (result == -1) {
@@ -106,21 +88,13 @@ uint32_t kx_dpa_call_indirect2(int opcode, uint32_t arg, uint8_t flags, void *bu
                                uint32_t *max1_ref, void *buf2, uint32_t len2, uint32_t *max2_ref) {
     trace_request("kx_dpa_call_indirect2", opcode);
     kxdpa_request request = make_request(opcode, arg, flags);
-    request.buf1 = user_address(buf1);
-    request.len1 = len1;
-    request.buf2 = user_address(buf2);
-    request.len2 = len2;
-    if ((flags & KXDPA_FLAG_MAX) != 0) {
-        if (max1_ref == nullptr) {
-            return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY1, opcode);
-        }
-        if (max2_ref == nullptr) {
-            return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY2, opcode);
-        }
-        request.max1 = *max1_ref;
-        request.max1_valid = 1;
-        request.max2 = *max2_ref;
-        request.max2_valid = 1;
+    kxdpa_attach(buf1, len1, &request.buf1, &request.len1);
+    kxdpa_attach(buf2, len2, &request.buf2, &request.len2);
+    if (!kxdpa_give_capacity(flags, max1_ref, &request.max1, &request.max1_valid)) {
+        return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY1, opcode);
+    }
+    if (!kxdpa_give_capacity(flags, max2_ref, &request.max2, &request.max2_valid)) {
+        return fail_without_capacity(PLACE_TWO_BUFFER_CAPACITY2, opcode);
     }
     if (ioctl(kx_dpa_call_fd, REQUEST_CODE, &request) == -1) {
         kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed, opcode %d\n",
@@ -139,8 +113,7 @@ int kx_dpa_call_indirect_simple(uint16_t opcode, uint32_t arg, uint8_t flags, vo
                                 uint32_t len) {
     trace_request("kx_dpa_call_indirect_simple", opcode);
     kxdpa_request request = make_request(opcode, arg, flags);
-    request.buf1 = user_address(buf);
-    request.len1 = len;
+    kxdpa_attach(buf, len, &request.buf1, &request.len1);
     if (ioctl(kx_dpa_call_fd, REQUEST_CODE, &request) == -1) {
         kx_trace(kx_debug_print_kxdpa_indirect, KX_DEBUG_TRACE, "%s/%d: Failed\n", SOURCE_PATH,
                  PLACE_SIMPLE_IOCTL);

@@ -69,4 +69,19 @@ constexpr uint32_t KXDPA_STATUS_NO_EXCHANGE = 1;      // the request never reach
 constexpr uint32_t KXDPA_STATUS_NO_CAPACITY = 2;      // KXDPA_FLAG_MAX without a capacity
 constexpr uint32_t KXDPA_STATUS_VERSION_MISMATCH = 6; // tool and running HMX differ
 
+// How the call forms of both channels fill their record.
+
+// A record without buffers and capacities; the opcode is cut to its field. The status is preset, so
+// that a request that never reached its peer reads as a failure.
+kxdpa_request kxdpa_make_request(uint8_t marker, uint8_t version, int opcode, uint32_t arg,
+                                 uint8_t flags);
+
+// Point one of the record's buffers at `len` bytes.
+void kxdpa_attach(void *buf, uint32_t len, uint32_t *buf_field, uint32_t *len_field);
+
+// With KXDPA_FLAG_MAX, take over the capacity that `max_ref` points at; without it, leave both
+// words alone. Returns false when the flag asks for a capacity that is not there.
+bool kxdpa_give_capacity(uint8_t flags, const uint32_t *max_ref, uint32_t *max_field,
+                         uint32_t *valid_field);
+
 #endif
