@@ -3,6 +3,7 @@
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
 #include "sim/lacp/lacp_state.h"
+#include "sim/counters/counters.h"
 #include "sim/port/ports.h"
 
 namespace {
@@ -12,6 +13,7 @@ constexpr const family *FAMILIES[] = {
     &card_family,
     &bridge_domain_family,
     &port_family,
+    &counter_family,
     &acl_family,
     &lacp_family,
 };

@@ -6,6 +6,7 @@
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
 #include "sim/lacp/lacp_state.h"
+#include "sim/counters/counters.h"
 #include "sim/overrides.h"
 #include "sim/port/ports.h"
 
@@ -16,6 +17,7 @@ struct host {
     card_state card;
     bridge_domain_table bridge_domains;
     port_table ports;
+    counter_table counters;
     acl_table acls;
     lacp_state lacp;
     std::vector<override_rule> overrides;

@@ -5,20 +5,27 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace {
 
-// A whole text as a number in C notation, negative for anything else.
-int64_t number_in(const std::string &text) {
-    if (text.empty() || text[0] < '0' || text[0] > '9')
-        return -1;
+// A whole text as a number in C notation.
+std::optional<uint64_t> number_in(const std::string &text) {
+    if (text.empty() || text[0] < '0' || text[0] > '9') {
+        return std::nullopt;
+    }
     char *end = nullptr;
+    errno = 0;
     const unsigned long long value = std::strtoull(text.c_str(), &end, 0);
-    return *end != '\0' || value > UINT32_MAX ? -1 : static_cast<int64_t>(value);
+    if (*end != '\0' || errno != 0) {
+        return std::nullopt;
+    }
+    return value;
 }
 
 // Match a whole text against a pattern in which "#" stands for a decimal and "@" for a hexadecimal
@@ -111,23 +118,23 @@ void object_reader::finish() const {
     }
 }
 
-uint32_t object_reader::number_of(std::string_view key, const json_value &value, uint32_t least,
-                                  uint32_t most) const {
-    int64_t number = -1;
-    if (value.type == json_value::kind::number && value.number <= UINT32_MAX) {
-        number = static_cast<int64_t>(value.number);
+uint64_t object_reader::number_of(std::string_view key, const json_value &value, uint64_t least,
+                                  uint64_t most) const {
+    std::optional<uint64_t> number;
+    if (value.type == json_value::kind::number) {
+        number = value.number;
     } else if (value.type == json_value::kind::text) {
         number = number_in(value.text);
     }
-    if (number < least || number > most) {
+    if (!number || *number < least || *number > most) {
         fail(key,
              "expected a number from " + std::to_string(least) + " to " + std::to_string(most));
     }
-    return static_cast<uint32_t>(number);
+    return *number;
 }
 
-uint32_t object_reader::number_or(std::string_view key, uint32_t otherwise, uint32_t least,
-                                  uint32_t most) {
+uint64_t object_reader::number_or(std::string_view key, uint64_t otherwise, uint64_t least,
+                                  uint64_t most) {
     taken_.emplace(key);
     const json_value *value = find(key);
     return value == nullptr ? otherwise : number_of(key, *value, least, most);
@@ -145,7 +152,7 @@ uint32_t object_reader::choice_or(std::string_view key, uint32_t otherwise,
     if (value == nullptr)
         return otherwise;
     if (value->type == json_value::kind::number)
-        return number_of(key, *value, 0, most);
+        return static_cast<uint32_t>(number_of(key, *value, 0, most));
     std::string expected;
     for (const named_number &choice : names) {
         if (value->type == json_value::kind::text && value->text == choice.name) {
@@ -214,7 +221,7 @@ void object_reader::interface(std::string_view key, uint32_t &field) {
     if (named == 0 && value->type == json_value::kind::text && number_in(value->text) < 0) {
         fail(key, "expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or a number");
     }
-    field = named != 0 ? named : number_of(key, *value, 0, UINT32_MAX);
+    field = named != 0 ? named : static_cast<uint32_t>(number_of(key, *value, 0, UINT32_MAX));
 }
 
 void object_reader::numbers(std::string_view key, std::set<uint32_t> &field, uint32_t least,
@@ -226,7 +233,7 @@ void object_reader::numbers(std::string_view key, std::set<uint32_t> &field, uin
     field.clear();
     if (value->type == json_value::kind::list) {
         for (const json_value &item : value->items)
-            field.insert(number_of(key, item, least, most));
+            field.insert(static_cast<uint32_t>(number_of(key, item, least, most)));
         return;
     }
     const std::string expected = "expected numbers from " + std::to_string(least) + " to " +

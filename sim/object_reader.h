@@ -35,8 +35,8 @@ public:
 
     // A number, or a text with one in C notation ("0x1c").
     template <std::unsigned_integral T>
-    void number(std::string_view key, T &field, uint32_t least = 0,
-                uint32_t most = std::numeric_limits<T>::max()) {
+    void number(std::string_view key, T &field, uint64_t least = 0,
+                uint64_t most = std::numeric_limits<T>::max()) {
         field = static_cast<T>(number_or(key, field, least, most));
     }
 
@@ -79,9 +79,9 @@ private:
     const json_value *find(std::string_view key) const;
     const json_value *take(std::string_view key, json_value::kind type, const char *expected);
     std::string path_of(std::string_view key) const;
-    uint32_t number_or(std::string_view key, uint32_t otherwise, uint32_t least, uint32_t most);
-    uint32_t number_of(std::string_view key, const json_value &value, uint32_t least,
-                       uint32_t most) const;
+    uint64_t number_or(std::string_view key, uint64_t otherwise, uint64_t least, uint64_t most);
+    uint64_t number_of(std::string_view key, const json_value &value, uint64_t least,
+                       uint64_t most) const;
     bool flag_or(std::string_view key, bool otherwise);
     uint32_t choice_or(std::string_view key, uint32_t otherwise,
                        std::initializer_list<named_number> names, uint32_t most);

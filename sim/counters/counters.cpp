@@ -1,0 +1,151 @@
+#include "sim/counters/counters.h"
+
+#include "sim/host.h"
+#include "sim/object_reader.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+uint32_t parse_ltl(object_reader &keys) {
+    uint32_t ltl = 0;
+    keys.require("ltl");
+    keys.number("ltl", ltl);
+    return ltl;
+}
+
+kx_port_statistics parse_traffic(object_reader &keys) {
+    kx_port_statistics counters{};
+    keys.number("received", counters.received_packets);
+    keys.number("received_bytes", counters.received_bytes);
+    keys.number("receive_drops", counters.receive_drops);
+    keys.number("sent", counters.sent_packets);
+    keys.number("sent_bytes", counters.sent_bytes);
+    keys.number("transmit_drops", counters.transmit_drops);
+    keys.number("transmit_floods", counters.transmit_floods);
+    return counters;
+}
+
+// Stages that are not named are unused.
+kx_drop_counters parse_drops(object_reader &keys) {
+    kx_drop_counters counters{};
+    for (uint32_t i = 0; i < KX_STAGES; ++i) {
+        const std::string stage = std::to_string(i);
+        if (keys.has(stage)) {
+            counters.stages[i].valid = 1;
+            keys.number(stage, counters.stages[i].drops);
+        }
+    }
+    return counters;
+}
+
+void parse_counters(object_reader &file, host &into) {
+    counter_table &table = into.counters;
+    file.each("traffic", [&](object_reader &keys) {
+        const uint32_t ltl = parse_ltl(keys);
+        table.traffic[ltl] = parse_traffic(keys);
+    });
+    file.each("drops", [&](object_reader &keys) {
+        const uint32_t ltl = parse_ltl(keys);
+        table.drops[ltl] = parse_drops(keys);
+    });
+    file.object("multicast_drops",
+                [&](object_reader &keys) { table.multicast_drops = parse_drops(keys); });
+    file.object("flood_drops", [&](object_reader &keys) { table.flood_drops = parse_drops(keys); });
+    file.each("stages", [&](object_reader &keys) {
+        kx_stage_descriptor stage{};
+        stage.number = static_cast<uint8_t>(table.stages.size());
+        stage.present = 1;
+        keys.number("number", stage.number);
+        keys.flag("present", stage.present);
+        keys.text("name", stage.name);
+        table.stages.push_back(stage);
+    });
+}
+
+void answer_traffic(host &state, exchange &talk) {
+    const auto found = state.counters.traffic.find(talk.request.arg);
+    talk.reply_with(found == state.counters.traffic.end() ? kx_port_statistics{} : found->second);
+}
+
+void answer_clear_traffic(host &state, exchange &talk) {
+    state.counters.traffic.erase(talk.request.arg);
+}
+
+void answer_clear_all_traffic(host &state, exchange & /*talk*/) {
+    state.counters.traffic.clear();
+}
+
+void answer_stage(host &state, exchange &talk) {
+    if (talk.request.arg < state.counters.stages.size()) {
+        talk.reply_with(state.counters.stages[talk.request.arg]);
+    } else {
+        talk.fail();
+    }
+}
+
+// A port of which nothing is said has dropped nothing at any stage.
+kx_drop_counters no_drops(const counter_table &table) {
+    kx_drop_counters counters{};
+    for (size_t i = 0; i < std::min<size_t>(table.stages.size(), KX_STAGES); ++i) {
+        counters.stages[i].valid = table.stages[i].present;
+    }
+    return counters;
+}
+
+void answer_drops(host &state, exchange &talk) {
+    const counter_table &table = state.counters;
+    const auto found = table.drops.find(talk.request.arg);
+    talk.reply_with(found == table.drops.end() ? no_drops(table) : found->second);
+}
+
+void answer_optional(const std::optional<kx_drop_counters> &counters, exchange &talk) {
+    if (counters) {
+        talk.reply_with(*counters);
+    } else {
+        talk.fail();
+    }
+}
+
+void answer_multicast_drops(host &state, exchange &talk) {
+    answer_optional(state.counters.multicast_drops, talk);
+}
+
+void answer_flood_drops(host &state, exchange &talk) {
+    answer_optional(state.counters.flood_drops, talk);
+}
+
+constexpr answer ANSWERS[] = {
+    {.opcode = KXDPA_OP_PORT_STATISTICS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_port_statistics),
+     .reply = answer_traffic},
+    {.opcode = KXDPA_OP_CLEAR_PORT_STATISTICS,
+     .flags = KXDPA_FLAG_IN,
+     .len1 = 4,
+     .reply = answer_clear_traffic},
+    {.opcode = KXDPA_OP_CLEAR_ALL_PORT_STATISTICS,
+     .flags = KXDPA_FLAG_NODATA,
+     .reply = answer_clear_all_traffic},
+    {.opcode = KXDPA_OP_STAGE_DESCRIPTOR,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_stage_descriptor),
+     .reply = answer_stage},
+    {.opcode = KXDPA_OP_DROP_COUNTERS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_drop_counters),
+     .reply = answer_drops},
+    {.opcode = KXDPA_OP_MULTICAST_DROPS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_drop_counters),
+     .reply = answer_multicast_drops},
+    {.opcode = KXDPA_OP_FLOOD_DROPS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_drop_counters),
+     .reply = answer_flood_drops},
+};
+
+} // namespace
+
+constinit const family counter_family = {parse_counters, ANSWERS};
