@@ -1,12 +1,30 @@
-// What the views over bridge domains share: the walk and the record.
+// What the views over bridge domains share: the walks, the lookups, the record, the list of member
+// ports and the paged list of all bridge domains.
 #ifndef HANDLERS_PORT_BRIDGE_DOMAIN_H
 #define HANDLERS_PORT_BRIDGE_DOMAIN_H
 
+#include "dpa/userspace/kxdpa_opcodes.h"
+#include "handlers/list_page.h"
 #include "handlers/port/bridge_domain_record.h"
+
+// What the number means that a dump of one bridge domain is given.
+enum kx_bd_selector : uint8_t {
+    KX_BD_BY_VLAN = 0,
+    KX_BD_BY_INDEX = 1,
+};
+
+// False, with a complaint, for a VLAN of 4095 or more.
+bool kx_check_vlan(uint32_t vlan);
+
+// False, with a complaint, for a bridge-domain index of 9300 or more.
+bool kx_check_bd_index(uint32_t index);
 
 // Step `index` to the next bridge domain of the DPA; start from 0. False when the request fails,
 // which ends the walk.
 bool kx_next_bd(uint32_t *index);
+
+// The same step for the lists, whose walk also ends at index 0.
+bool kx_next_listed_bd(uint32_t *index);
 
 // Ask for a bridge domain's record, cleared before. False when the request fails.
 bool kx_get_bd(uint32_t index, kx_bd_record *record);
@@ -14,5 +32,37 @@ bool kx_get_bd(uint32_t index, kx_bd_record *record);
 // True for a segment that is carried in VXLAN rather than natively: its VLAN number says nothing
 // about the ports.
 bool kx_bd_is_vxlan_segment(const kx_bd_record &record);
+
+// The lookups return a bridge-domain index, 0 when there is none: a failed request or the index 0.
+// The VLAN and the L2 views each have their own opcode for a VLAN.
+uint32_t kx_find_bd_by_vlan(kxdpa_opcode opcode, uint16_t vlan);
+uint32_t kx_find_bd_by_segment(uint32_t segment);
+uint32_t kx_find_bd_by_swbd(uint32_t swbd);
+
+struct kx_named_bd {
+    char name[sizeof(kx_bd_record::name)]; // as it was asked for, cut to fit with its NUL
+    uint32_t index;                        // 0 for none of this name
+};
+
+// The bridge domain that the argument's first word names. Complains of a missing argument and
+// returns -1; complains of an unknown name and returns 0, as for a known one.
+int kx_find_named_bd(const char *arg, kx_named_bd *bd);
+
+// Member ports of a bridge domain, -1 when they cannot be counted.
+int32_t kx_get_bd_port_count(uint32_t index);
+
+// Print the member ports, one a row with the HMX port name and a blank line behind every tenth.
+// With a designated receiver, its row is marked.
+void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl);
+
+// Prints one bridge domain of a list; false when the list leaves it out.
+using kx_print_listed_bd = bool(uint32_t index);
+
+// Print how many bridge domains there are, where that can be asked, and then the list of them.
+void kx_print_bd_list(kx_print_listed_bd *print);
+
+// Print one page of that list, which holds one bridge domain, and leave the cookie of the next.
+// The first page carries the count. Returns the handler's result.
+int kx_print_bd_page(const kx_list_page &page, kx_print_listed_bd *print);
 
 #endif

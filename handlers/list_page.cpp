@@ -1,0 +1,22 @@
+#include "handlers/list_page.h"
+
+#include "frontend/output_sink.h"
+#include "infra/utils/kxstrings.h"
+
+int kx_read_list_page(const char *arg, kx_list_page *page) {
+    if (arg == nullptr) {
+        *page = {KX_PAGE_FIRST, 0};
+        return 0;
+    }
+    const char *const second = kx_find_next_arg(arg);
+    if (second != nullptr) {
+        *page = {KX_PAGE_CONTINUED, kx_parse_number(second)};
+        return 0;
+    }
+    if (stris(arg, "cookie") == 0) {
+        kx_print("Error : no cookie param received \n");
+        return -1;
+    }
+    *page = {KX_PAGE_KEY, kx_parse_number(arg)};
+    return 0;
+}

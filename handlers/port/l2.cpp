@@ -1,0 +1,281 @@
+// "show l2": the L2 table, one bridge domain at a time.
+#include "handlers/port/l2.h"
+
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "frontend/handlers.h"
+#include "frontend/output_sink.h"
+#include "handlers/leaf_mode.h"
+#include "handlers/paging.h"
+#include "handlers/port/bridge_domain.h"
+#include "handlers/port/port_security_record.h"
+#include "infra/utils/field_text.h"
+#include "infra/utils/kxstrings.h"
+
+#include <arpa/inet.h>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// Bridge domains of one page of "show l2 all".
+constexpr int BDS_OF_A_PAGE = 2;
+
+constexpr size_t REMOTE_IP_SIZE = 20;
+
+struct l2_limits {
+    int32_t table_limit = -1; // entries
+    int32_t entry_count = -1;
+    int32_t aging_time = -1; // in the DPA's own unit
+};
+
+bool get_limits(uint32_t index, l2_limits *limits) {
+    return kx_dpa_get(KXDPA_OP_L2_TABLE_LIMIT, index, &limits->table_limit) ==
+               KXDPA_STATUS_SUCCESS &&
+           kx_dpa_get(KXDPA_OP_L2_ENTRY_COUNT, index, &limits->entry_count) ==
+               KXDPA_STATUS_SUCCESS &&
+           kx_dpa_get(KXDPA_OP_L2_AGING_TIME, index, &limits->aging_time) == KXDPA_STATUS_SUCCESS;
+}
+
+// The entry behind the MAC address `cursor`, all zero to start. False at the end of the table.
+bool next_entry(uint32_t index, uint8_t cursor[KX_MAC_SIZE], kx_l2_entry *entry) {
+    *entry = {};
+    return kx_dpa_call_indirect2(
+               KXDPA_OP_NEXT_L2_ENTRY, index, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO,
+               cursor, KX_MAC_SIZE, nullptr, entry, sizeof *entry, nullptr) == KXDPA_STATUS_SUCCESS;
+}
+
+bool is_segment(const kx_bd_record &bd) {
+    return bd.kind == KX_BD_KIND_SEGMENT;
+}
+
+// Deliberate: here only the value 1 says that a segment is carried natively.
+bool has_remote_endpoints(const kx_bd_record &bd) {
+    return is_segment(bd) && bd.native_encap != 1;
+}
+
+// `learning` holds the port's kx_secure_learning flags.
+bool secure_entry_ages(uint32_t ltl, uint8_t learning) {
+    uint32_t state = 0; // only that the port has one counts
+    return kx_dpa_get(KXDPA_OP_SECURE_PORT_STATE, ltl, &state) == KXDPA_STATUS_SUCCESS &&
+           (learning & KX_SECURE_NEVER_AGES) == 0 &&
+           (learning & (KX_SECURE_AGES_ABSOLUTE | KX_SECURE_AGES_INACTIVITY)) != 0;
+}
+
+void print_heading(uint32_t index, const kx_bd_record &bd, const l2_limits &limits) {
+    kx_print("Bridge domain %4d brtmax %d, brtcnt %d, timeout %d\n", index, limits.table_limit,
+             limits.entry_count, limits.aging_time);
+    if (is_segment(bd)) {
+        kx_print("Segment ID %d, swbd %d, \"%s\"\n", bd.segment_id, bd.swbd,
+                 kx_field_text(bd.name).text);
+    } else {
+        kx_print("VLAN %d, swbd %d, \"%s\"\n", bd.vlan, bd.swbd, kx_field_text(bd.name).text);
+    }
+}
+
+void print_header(const kx_bd_record &bd) {
+    kx_print_l2_flags_legend();
+    if (has_remote_endpoints(bd)) {
+        kx_print("       Type         MAC Address   LTL   timeout   Flags    PVLAN    Remote IP    "
+                 "DSN    Slot\n");
+    } else if (kx_hmx_is_leaf_mode()) {
+        kx_print("       Type         MAC Address   LTL   timeout   Flags    PVLAN              "
+                 "Encapid\n");
+    } else {
+        kx_print("       Type         MAC Address   LTL   timeout   Flags    PVLAN\n");
+    }
+}
+
+void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_time) {
+    const uint8_t *mac = entry.mac;
+    const uint32_t age = kx_get_mac_age(entry.ltl, entry.flags, entry.seen_time, entry.now,
+                                        static_cast<uint32_t>(aging_time));
+    char remote_ip[REMOTE_IP_SIZE] = "";
+    if (has_remote_endpoints(bd)) {
+        ipv4_to_a(ntohl(entry.remote_ip), remote_ip, sizeof remote_ip);
+    }
+    kx_print("    %7.7s   %02x:%02x:%02x:%02x:%02x:%02x %5d %9d   %10s   %15s",
+             kx_l2_type(entry.flags), mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], entry.ltl,
+             age, kx_l2_flags(entry).text, remote_ip);
+    // Deliberate: a natively carried segment has no DSN in its header, but in its rows.
+    if (is_segment(bd)) {
+        kx_print("   %3d ", entry.dsn);
+    }
+    if ((entry.flags & KX_L2_SOFTWARE) != 0) {
+        kx_print("   %3d ", entry.slot);
+        kx_print("\n");
+    } else if ((entry.flags & KX_L2_STATIC) != 0 && kx_hmx_is_leaf_mode()) {
+        kx_print("0x%x\n", entry.encap);
+    } else {
+        kx_print("\n");
+    }
+}
+
+void print_entries(uint32_t index, const kx_bd_record &bd, int32_t aging_time) {
+    uint8_t cursor[KX_MAC_SIZE] = {};
+    bool header_due = true;
+    kx_l2_entry entry;
+    while (next_entry(index, cursor, &entry)) {
+        if (header_due) {
+            print_header(bd);
+            header_due = false;
+        }
+        print_row(bd, entry, aging_time);
+        memcpy(cursor, entry.mac, sizeof cursor);
+    }
+}
+
+// Deliberate: the dump takes 16 bits of the index, which all bridge domains of a DPA fit.
+void dump_bd(uint32_t index) {
+    kx_l2_table_dump(static_cast<uint16_t>(index), KX_BD_BY_INDEX);
+}
+
+int dump_page(uint32_t index) {
+    if (!kx_check_bd_index(index)) {
+        return 0;
+    }
+    for (int dumped = 0; kx_next_listed_bd(&index);) {
+        dump_bd(index);
+        if (++dumped == BDS_OF_A_PAGE) {
+            kx_end_page(index);
+            return 0;
+        }
+    }
+    kx_end_table();
+    return 0;
+}
+
+} // namespace
+
+const char *kx_l2_type(uint8_t flags) {
+    if ((flags & KX_L2_SOFTWARE) != 0) {
+        return "SwInstall";
+    }
+    return (flags & KX_L2_STATIC) != 0 ? "Static" : "Dynamic";
+}
+
+kx_l2_flags_text kx_l2_flags(const kx_l2_entry &entry) {
+    char letters[4] = "";
+    size_t count = 0;
+    if ((entry.flags & KX_L2_PVLAN) != 0) {
+        letters[count++] = 'P';
+    }
+    if ((entry.flags & KX_L2_SECURE) != 0) {
+        letters[count++] = 'S';
+    }
+    if ((entry.flags & KX_L2_DROP) != 0) {
+        letters[count++] = 'D';
+    }
+    letters[count] = '\0';
+    kx_l2_flags_text column;
+    if ((entry.flags & KX_L2_PVLAN) != 0) {
+        snprintf(column.text, sizeof column.text, "%-10s%4d", letters,
+                 static_cast<int32_t>(entry.pvlan));
+    } else {
+        snprintf(column.text, sizeof column.text, "%-10s", letters);
+    }
+    return column;
+}
+
+void kx_print_l2_flags_legend() {
+    kx_print("Flags:  P - PVLAN  S - Secure  D - Drop\n");
+}
+
+uint32_t kx_get_mac_age(uint32_t ltl, uint8_t flags, uint32_t seen_time, uint32_t now,
+                        uint32_t /*aging_time*/) {
+    if ((flags & KX_L2_STATIC) != 0) {
+        return 0;
+    }
+    kx_port_security_record port{};
+    if (kx_dpa_get(KXDPA_OP_PORT_SECURITY, ltl, &port) != KXDPA_STATUS_SUCCESS) {
+        port.learning = 0;
+    }
+    if ((flags & KX_L2_SECURE) != 0 && !secure_entry_ages(ltl, port.learning)) {
+        return 0;
+    }
+    return now - seen_time;
+}
+
+void kx_l2_table_dump(uint16_t number, int selector) {
+    uint32_t index = number;
+    if (selector == KX_BD_BY_VLAN) {
+        index = kx_find_bd_by_vlan(KXDPA_OP_BD_BY_VLAN_L2, number);
+        if (index == 0) {
+            kx_print("Can't find BD for VLAN %d\n", number);
+            return;
+        }
+    }
+    l2_limits limits;
+    kx_bd_record bd;
+    if (!get_limits(index, &limits) || !kx_get_bd(index, &bd)) {
+        return;
+    }
+    print_heading(index, bd, limits);
+    kx_trace(kx_debug_print_kxdump, KX_DEBUG_TRACE, "kx_l2_table_dump\n");
+    print_entries(index, bd, limits.aging_time);
+    kx_print("\n");
+}
+
+int kx_l2_table_dump_all(const char *arg) {
+    if (kx_is_agent_driven()) {
+        return dump_page(kx_parse_number(arg));
+    }
+    for (uint32_t index = 0; kx_next_listed_bd(&index);) {
+        dump_bd(index);
+    }
+    return 0;
+}
+
+int kx_l2_table_dump_vlan(const char *arg) {
+    if (arg == nullptr) {
+        return -1;
+    }
+    const uint32_t vlan = kx_parse_number(arg);
+    if (kx_check_vlan(vlan)) {
+        kx_l2_table_dump(static_cast<uint16_t>(vlan), KX_BD_BY_VLAN);
+    }
+    return 0;
+}
+
+int kx_l2_table_dump_bdname(const char *arg) {
+    kx_named_bd bd;
+    if (kx_find_named_bd(arg, &bd) != 0) {
+        return -1;
+    }
+    if (bd.index != 0) {
+        dump_bd(bd.index);
+    }
+    return 0;
+}
+
+int kx_l2_table_dump_segid(const char *arg) {
+    if (arg == nullptr) {
+        kx_print("Syntax: tarncmd show l2 segment <seg-id>\n");
+        return 0;
+    }
+    const uint32_t segment = kx_parse_number(arg);
+    if (segment == 0) {
+        kx_print("Invalid Segment ID\n");
+        return 0;
+    }
+    const uint32_t index = kx_find_bd_by_segment(segment);
+    if (index != 0) {
+        dump_bd(index);
+    } else {
+        kx_print("No BD found for Segment ID %d\n", segment);
+    }
+    return 0;
+}
+
+int kx_l2_table_num_entries_dump(const char * /*arg*/) {
+    kx_l2_totals totals{};
+    if (kx_dpa_get(KXDPA_OP_L2_ENTRY_TOTALS, 0, &totals) == KXDPA_STATUS_SUCCESS) {
+        kx_print("VNIC Entries %u Total FT Entries %llu\n", totals.vnic_entries,
+                 totals.flow_entries);
+    }
+    kx_l2_aging_statistics aging{};
+    if (kx_dpa_get(KXDPA_OP_L2_AGING_STATISTICS, 0, &aging) == KXDPA_STATUS_SUCCESS) {
+        kx_print("Aged entries %u\n", aging.aged);
+        kx_print("Rejected entries %u\n", aging.rejected);
+    }
+    return 0;
+}

@@ -1,0 +1,96 @@
+// "show l2-slotwise": the L2 table of every bridge domain, slot by slot.
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "frontend/handlers.h"
+#include "frontend/output_sink.h"
+#include "handlers/port/bridge_domain.h"
+#include "handlers/port/l2.h"
+
+namespace {
+
+// The bridge domain that the entries at hand belong to.
+struct slot_bd {
+    uint32_t index = 0;
+    bool known = false; // its aging time and its record could be read
+    uint32_t aging_time = 0;
+    kx_bd_record record{};
+};
+
+// Step to the slot's next entry; a cleared step starts. False when the request fails.
+bool next_in_slot(uint32_t slot, kx_l2_slot_step *step) {
+    return kx_dpa_exchange(KXDPA_OP_L2_SLOTS, slot, step) == KXDPA_STATUS_SUCCESS;
+}
+
+bool is_segment(const slot_bd &bd) {
+    return bd.record.kind == KX_BD_KIND_SEGMENT;
+}
+
+void read_bd(uint32_t index, slot_bd *bd) {
+    bd->index = index;
+    bd->known =
+        kx_dpa_get(KXDPA_OP_L2_AGING_TIME, index, &bd->aging_time) == KXDPA_STATUS_SUCCESS &&
+        kx_get_bd(index, &bd->record);
+}
+
+void print_header(bool segments) {
+    if (segments) {
+        kx_print("SegID      Type         MAC Address   LTL   timeout   Flags    PVLAN\n");
+    } else {
+        kx_print("VLAN       Type         MAC Address   LTL   timeout   Flags    PVLAN\n");
+    }
+}
+
+void print_row(const slot_bd &bd, const kx_l2_entry &entry) {
+    const uint8_t *mac = entry.mac;
+    const uint32_t age =
+        kx_get_mac_age(entry.ltl, entry.flags, entry.seen_time, entry.now, bd.aging_time);
+    kx_print("%4d    %7.7s   %02x:%02x:%02x:%02x:%02x:%02x %5d %9d   %10s\n",
+             is_segment(bd) ? bd.record.segment_id : bd.record.vlan, kx_l2_type(entry.flags),
+             mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], entry.ltl, age,
+             kx_l2_flags(entry).text);
+}
+
+// Print the rows of a slot from the entry in `step` on, with a header wherever segments follow
+// VLANs or VLANs segments. False when the walk broke off.
+bool print_slot(uint32_t slot, kx_l2_slot_step *step) {
+    kx_print("\nL2 Table Slot::%d\n", slot);
+    kx_print_l2_flags_legend();
+    slot_bd bd;
+    bool has_header = false;
+    bool header_of_segments = false;
+    while (step->bd_index != 0) {
+        if (step->bd_index != bd.index) {
+            read_bd(step->bd_index, &bd);
+        }
+        if (bd.known) {
+            if (!has_header || header_of_segments != is_segment(bd)) {
+                has_header = true;
+                header_of_segments = is_segment(bd);
+                print_header(header_of_segments);
+            }
+            print_row(bd, step->entry);
+        }
+        if (!next_in_slot(slot, step)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int kx_l2_table_dump_slotwise(const char * /*arg*/) {
+    kx_trace(kx_debug_print_kxdump, KX_DEBUG_TRACE, "kx_l2_table_dump_slotwise:\n");
+    kx_l2_slot_step step{};
+    if (!next_in_slot(0, &step)) {
+        return 0;
+    }
+    const uint32_t slot_count = step.slot_count;
+    kx_print("Slot count:%d\n", slot_count);
+    for (uint32_t slot = 0; slot < slot_count; ++slot) {
+        step = {};
+        if (!next_in_slot(slot, &step) || !print_slot(slot, &step)) {
+            break;
+        }
+    }
+    return 0;
+}
