@@ -79,4 +79,17 @@ TEST(OutputSinkBuffer, DroppedWritesNeverWrapTheAddressSpace) {
     hmx_rcli_print_len = 0;
 }
 
+TEST(TraceLines, WrapALogFileOnceItHasPassedOneMebibyte) {
+    const std::string text(999, 'x');
+    testing::internal::CaptureStdout();
+    for (int line = 0; line < 1500; ++line) {
+        kx_trace(16, KX_DEBUG_TRACE, "%s\n", text.c_str());
+        kx_trace(0x87, KX_DEBUG_TRACE, "%s\n", text.c_str());
+    }
+    fflush(stdout);
+    const size_t size = testing::internal::GetCapturedStdout().size();
+    EXPECT_GT(size, 1u << 20);
+    EXPECT_LT(size, (1u << 20) + 1100);
+}
+
 } // namespace
