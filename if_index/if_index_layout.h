@@ -153,6 +153,10 @@ namespace if_layout {
     IF_INDEX_FIELD(kind, type, f, h, l, b)                                                         \
     IF_INDEX_FIELDS_3(kind, type, __VA_ARGS__)
 IF_INDEX_LAYOUT(IF_INDEX_FIELDS_1, IF_INDEX_FIELDS_2, IF_INDEX_FIELDS_3, IF_INDEX_FIELDS_4)
+#undef IF_INDEX_FIELDS_1
+#undef IF_INDEX_FIELDS_2
+#undef IF_INDEX_FIELDS_3
+#undef IF_INDEX_FIELDS_4
 #undef IF_INDEX_FIELD
 } // namespace if_layout
 
@@ -162,23 +166,27 @@ constexpr uint32_t if_field_max(if_index_field field) {
     return (1U << width) - 1;
 }
 
+// The body bits of an index whose field stores `value`, which must fit.
+constexpr uint32_t if_field_bits(if_index_field field, uint32_t value) {
+    const uint32_t wrapped = value >> (IF_INDEX_BODY_BITS - field.low);
+    return ((value << field.low) | wrapped) & IF_INDEX_BODY_MASK;
+}
+
+namespace if_layout {
+
 // The field as the index stores it. The type is not looked at.
-constexpr uint32_t if_field_stored(uint32_t if_index, if_index_field field) {
+constexpr uint32_t stored(uint32_t if_index, if_index_field field) {
     const uint32_t body = if_index & IF_INDEX_BODY_MASK;
     const uint32_t wrapped = body << (IF_INDEX_BODY_BITS - field.low);
     return ((body >> field.low) | wrapped) & if_field_max(field);
 }
 
 // The field as names show it.
-constexpr int if_field_shown(uint32_t if_index, if_index_field field) {
-    return (int)(if_field_stored(if_index, field) + field.base);
+constexpr int shown(uint32_t if_index, if_index_field field) {
+    return (int)(stored(if_index, field) + field.base);
 }
 
-// The body bits of an index whose field stores `value`, which must fit.
-constexpr uint32_t if_field_bits(if_index_field field, uint32_t value) {
-    const uint32_t wrapped = value >> (IF_INDEX_BODY_BITS - field.low);
-    return ((value << field.low) | wrapped) & IF_INDEX_BODY_MASK;
-}
+} // namespace if_layout
 
 // The type number in the index, valid or not.
 constexpr uint8_t if_index_type_bits(uint32_t if_index) {

@@ -8,14 +8,6 @@
 
 using namespace if_layout;
 
-static uint32_t stored(uint32_t if_index, if_index_field field) {
-    return if_field_stored(if_index, field);
-}
-
-static int shown(uint32_t if_index, if_index_field field) {
-    return if_field_shown(if_index, field);
-}
-
 static void clear_buffer(char *buffer, size_t size) {
     if (size > 0)
         buffer[0] = '\0';
@@ -94,16 +86,18 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
     switch (type) {
     case IF_TYPE_PHY_FC:
         sub_intf = shown(if_index, phy_fc_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "fc%d/%d", shown(if_index, phy_fc_slot),
                             shown(if_index, phy_fc_port));
+        }
         return snprintf(buffer, size, "fc%d/%d.%d", shown(if_index, phy_fc_slot),
                         shown(if_index, phy_fc_port), sub_intf);
     case IF_TYPE_PHY_ETH:
         sub_intf = shown(if_index, phy_eth_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "GigE%d/%d", shown(if_index, phy_eth_slot),
                             shown(if_index, phy_eth_port));
+        }
         return snprintf(buffer, size, "GigE%d/%d.%d", shown(if_index, phy_eth_slot),
                         shown(if_index, phy_eth_port), sub_intf);
     case IF_TYPE_PORT_CHANNEL:
@@ -162,9 +156,10 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
         return snprintf(buffer, size, "sup-eth%d", shown(if_index, eth_inband_num));
     case IF_TYPE_ETH_PORT_CHANNEL:
         sub_intf = shown(if_index, eth_port_channel_subtype_arg);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "%s%d", eth_port_channel_prefix(),
                             shown(if_index, eth_port_channel_channel_num));
+        }
         return snprintf(buffer, size, "%s%d.%d", eth_port_channel_prefix(),
                         shown(if_index, eth_port_channel_channel_num), sub_intf);
     case IF_TYPE_NULL:
@@ -175,17 +170,19 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
         return snprintf(buffer, size, "sup-diag0");
     case IF_TYPE_PHY_ETHERNET:
         sub_intf = shown(if_index, phy_ethernet_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "Eth%d/%d", shown(if_index, phy_ethernet_slot),
                             shown(if_index, phy_ethernet_port));
+        }
         return snprintf(buffer, size, "Eth%d/%d.%d", shown(if_index, phy_ethernet_slot),
                         shown(if_index, phy_ethernet_port), sub_intf);
     case IF_TYPE_LVETH:
         // Deliberate: the sub-interface is shown where it stands in the index, as 4, 8 or 12.
         sub_intf = (int)if_field_bits(lveth_sub_intf, stored(if_index, lveth_sub_intf));
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "lveth%d/%d", shown(if_index, lveth_slot),
                             shown(if_index, lveth_port));
+        }
         return snprintf(buffer, size, "lveth%d/%d.%d", shown(if_index, lveth_slot),
                         shown(if_index, lveth_port), sub_intf);
     case IF_TYPE_VETH:
@@ -202,9 +199,10 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
         return snprintf(buffer, size, "Eth%d/%d/%d", shown(if_index, sat_sat_num),
                         shown(if_index, sat_slot), shown(if_index, sat_port));
     case IF_TYPE_SAT_FIF:
-        if (stored(if_index, sat_fif_internal) != 0)
+        if (stored(if_index, sat_fif_internal) != 0) {
             return snprintf(buffer, size, "fif_int%d/%d", shown(if_index, sat_fif_slot),
                             shown(if_index, sat_fif_port));
+        }
         return snprintf(buffer, size, "fif%d/%d", shown(if_index, sat_fif_slot),
                         shown(if_index, sat_fif_port));
     case IF_TYPE_IOA:
@@ -213,9 +211,10 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
     case IF_TYPE_OVERLAY:
         return print_overlay(buffer, size, if_index, 0);
     case IF_TYPE_VL3:
-        if (stored(if_index, vl3_subtype) != 0)
+        if (stored(if_index, vl3_subtype) != 0) {
             return snprintf(buffer, size, "repl%d/%d/%d", shown(if_index, vl3_slot),
                             shown(if_index, vl3_intf_num), shown(if_index, vl3_port));
+        }
         return snprintf(buffer, size, "vl3");
     case IF_TYPE_GPC:
         return snprintf(buffer, size, "gpc%d:%d", shown(if_index, gpc_switch_id),

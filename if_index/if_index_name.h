@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "if_index/if_index.h"
+
 // Bytes of the buffer that the sprintf_ forms require.
 constexpr size_t IF_INDEX_NAME_SIZE = 32;
 
@@ -29,5 +31,23 @@ int if_db_ifindex2str_wrapper(uint32_t if_index, char *buffer, size_t size);
 
 // The short name into a buffer of IF_INDEX_NAME_SIZE bytes.
 int sprintf_if_index_short(char *buffer, uint32_t if_index);
+
+// The long name (Ethernet3/1, Vethernet12, port-channel5), in the same order of sources. Supervisor
+// inband ports have none and print as 0x%08x.
+int snprintf_if_index(char *buffer, size_t size, uint32_t if_index);
+int snprintf_if_index_native(char *buffer, size_t size, uint32_t if_index);
+int sprintf_if_index(char *buffer, uint32_t if_index);
+
+// The name that tells inband queues, internal port-channels and internal Fibre Channel ports
+// apart; the short name for everything else.
+int snprintf_if_index_internal(char *buffer, size_t size, uint32_t if_index);
+int sprintf_if_index_internal(char *buffer, uint32_t if_index);
+
+// The name of a range, as the first index's short or long name and the last number of the second
+// (Eth3/1-4); of two equal indexes, their name. Returns 0 with the buffer as it was when the two
+// are not of one valid type, 0 with an empty buffer when the first name does not fit. Types that
+// have no range form leave the first name and return twice its length, deliberately.
+int snprintf_if_index_range_short(char *buffer, size_t size, const if_index_range *range);
+int snprintf_if_index_range(char *buffer, size_t size, const if_index_range *range);
 
 #endif

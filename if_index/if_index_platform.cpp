@@ -3,10 +3,11 @@
 uint32_t g_cli_platform = 0;
 
 void cli_set_platform(int first_flag, int second_flag) {
-    if (first_flag != 0)
+    if (first_flag != 0) {
         g_cli_platform = CLI_PLATFORM_FIRST_FLAG;
-    else
+    } else {
         g_cli_platform = second_flag != 0 ? CLI_PLATFORM_SECOND_FLAG : CLI_PLATFORM_DEFAULT;
+    }
 }
 
 bool cli_platform_probe() {
