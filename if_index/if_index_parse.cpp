@@ -42,12 +42,12 @@ int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbe
     // Deliberate: keywords are told apart by six bits, so 65 and above come round to 1.
     keyword = ((keyword - 1) & 63) + 1;
     const number_counts counts = keyword_counts[keyword];
-    if (count < counts.least || count > counts.most)
+    if (numbers == nullptr || count < counts.least || count > counts.most)
         return 0;
 
     uint32_t n[IF_NAME_MAX_NUMBERS] = {}; // sub-interfaces that are not given are 0
-    if (count > 0)
-        memcpy(n, numbers, (size_t)count * sizeof n[0]);
+    for (int i = 0; i < count; i++)
+        n[i] = numbers[i];
     char database_name[32];
     switch (keyword) {
     case IF_KEYWORD_FC:

@@ -96,8 +96,8 @@ extern const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYW
 constexpr int IF_NAME_MAX_NUMBERS = 10;
 
 // Turn a name into an index: leading blanks, a keyword in any case, then its numbers with anything
-// but digits between them; a number followed by "," or "-" is the last one read. Returns 1 when
-// the name has a keyword that builds an index and the right count of numbers, else 0.
+// but digits between them, up to a "," or "-" right before a number. Returns 1 when the keyword
+// builds an index and the count of numbers is right, else 0.
 //
 // 1 does not say that the numbers are in range: when they are not, *if_index is left as it was, so
 // preset it.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -97,122 +98,70 @@ TEST(if_index, constructors) {
         std::function<int(uint32_t *)> build;
         uint32_t if_index; // UNTOUCHED: out of range
     } rows[] = {
-#define ROW(call, if_index) {#call, [](uint32_t *out) { return if_index_##call; }, if_index},
-        ROW(phy_fc_port_init(out, 31, 127, 4095), 0x01FFFFFF) ROW(
-            phy_fc_port_init(out, 32, 0, 0),
-            UNTOUCHED) ROW(phy_fc_port_cli_init(out, 32, 128, 4095),
-                           0x01FFFFFF) ROW(phy_fc_port_cli_init(out, 0, 1, 0),
-                                           UNTOUCHED) ROW(phy_fc_port_cli_init(out, 33, 1, 0),
-                                                          UNTOUCHED) ROW(phy_eth_port_init(out, 1,
-                                                                                           2, 3),
-                                                                         0x02082003)
-            ROW(phy_eth_port_init(out, 0, 128, 0), UNTOUCHED) ROW(
-                phy_eth_port_init(out, 0, 0, 4096),
-                UNTOUCHED) ROW(phy_eth_port_cli_init(out, 32, 128, 0, 7),
-                               0x02FFF007) ROW(phy_eth_port_cli_init(out, 2, 3, 5, 7), 0x1F012147)
-                ROW(phy_eth_port_cli_init(out, 33, 1, 0, 0), UNTOUCHED) ROW(
-                    phy_eth_port_cli_init(out, 1, 1, 64, 0),
-                    UNTOUCHED) ROW(phy_ethernet_init(out, 1, 1, 5),
-                                   0x1A081005) ROW(phy_ethernet_cli_init(out, 2, 2, 5),
-                                                   0x1A081005) ROW(port_channel_init(out, 300),
-                                                                   0x0400002C) ROW(port_channel_init(out,
-                                                                                                     4096),
-                                                                                   UNTOUCHED)
-                    ROW(port_channel_init_internal(out, 0xFFF, 3, 0xFFF), 0x043FFFFF) ROW(
-                        port_channel_init_internal(out, 0, 4, 0),
-                        UNTOUCHED) ROW(port_channel_init_internal(out, 0, 0, 4096),
-                                       UNTOUCHED) ROW(port_channel_cli_init(out, 5, 3),
-                                                      0x04000304) ROW(port_channel_cli_init(out, 0, 0), UNTOUCHED)
-                        ROW(port_channel_cli_init_internal(out, 5, 2, 0), 0x04200004) ROW(eth_port_channel_init(out, 4095), 0x16000FFF) ROW(
-                            eth_port_channel_init(out, 4096),
-                            UNTOUCHED) ROW(eth_port_channel_init_internal(out, 300, 1, 2),
-                                           0x1610022C) ROW(eth_port_channel_cli_init(out, 4096, 3),
-                                                           0x16003FFF) ROW(mgmt_sup_port_cli_init(out, 0, 2), 0x05080000)
-                            ROW(mgmt_sup_port_cli_init(out, 1, 0), 0x05001000) ROW(inband_linecard_cli_init(out, 4), 0x06200030) ROW(
-                                eobc_port_cli_init(out, 2),
-                                0x07100000) ROW(vsan_port_cli_init(out, 1, 4, 7), 0x08003007)
-                                ROW(vsan_port_cli_init(out, 31, 0, 7), 0x08F80007) ROW(vlan_port_init(out, 255, 4094), 0x09FF0FFE) ROW(
-                                    vlan_port_init(out, 0, 0),
-                                    UNTOUCHED) ROW(vlan_port_init(out, 0, 4095),
-                                                   UNTOUCHED) ROW(vlan_port_init(out, 256, 1),
-                                                                  UNTOUCHED) ROW(fcip_port_cli_init(out, 7),
-                                                                                 0x0A000006) ROW(fv_port_cli_init(out, 3, 2, 8),
-                                                                                                 0x0E104007)
-                                    ROW(isapi_port_cli_init(out, 3, 2, 4), 0x14102003) ROW(tunnel_init(out, 0x105, 65535), 0x1805FFFF) ROW(
-                                        tunnel_init(out, 0, 65536),
-                                        UNTOUCHED) ROW(lveth_init(out, 1023, 4095, 3),
-                                                       0x1BFFFFFF) ROW(lveth_cli_init(out, 515, 2, 8),
-                                                                       0x1B02001A)
-                                        ROW(lveth_cli_init(out, 515, 2, 1), UNTOUCHED) ROW(
-                                            lveth_cli_init(out, 1025, 2, 0),
-                                            UNTOUCHED) ROW(veth_init(out, 0xFFFFF, 15),
-                                                           0x1CFFFFFF) ROW(veth_init(out, 0x100000,
-                                                                                     0),
-                                                                           UNTOUCHED) ROW(veth_init(out, 0, 16),
-                                                                                          UNTOUCHED)
-                                            ROW(ether_sif_cli_init(out, 2, 3), 0x1C000013) ROW(vfc_cli_init(out, 5), 0x1E000004) ROW(
-                                                vfc_port_channel_cli_init(out, 5),
-                                                0x1E100004) ROW(vfc_slot_port_cli_init(out, 17, 3), 0x1E280200)
-                                                ROW(vfc_veth_cli_init(out, 65536), 0x1E30FFFF) ROW(
-                                                    vfc_fex_cli_init(out, 4, 2, 3),
-                                                    0x1E402103) ROW(sat_phy_eth_port_init(out, 100, 1, 2, 5), 0x1F641085)
-                                                    ROW(sat_phy_eth_port_init(out, 1, 255, 255, 0), 0x1F0FFFC0) ROW(
-                                                        sat_phy_eth_port_init(out, 256, 0, 0, 0),
-                                                        UNTOUCHED) ROW(sat_phy_eth_port_cli_init(out, 101, 2, 3, 5),
-                                                                       0x1F641085) ROW(sat_phy_eth_fif_port_init(out, 1, 2, 1),
-                                                                                       0x20201080)
-                                                        ROW(overlay_init(out, 3, 65503), 0x2218FFDF) ROW(
-                                                            overlay_init(out, 3, 65504),
-                                                            UNTOUCHED) ROW(vl3_cli_init(out, 1, 2, 3, 7),
-                                                                           0x23420807)
-                                                            ROW(hmx_eth_init(out, 514, 255, 63), 0x2580BFFF) ROW(
-                                                                hmx_eth_init(out, 515, 0, 0),
-                                                                UNTOUCHED) ROW(hmx_eth_init(out, 0, 256, 0),
-                                                                               UNTOUCHED)
-                                                                ROW(hmx_eth_init_from_mod(out, 3, 0, 0), 0x2500C000) ROW(
-                                                                    hmx_eth_init_from_mod(out, 2,
-                                                                                          0, 0),
-                                                                    UNTOUCHED) ROW(hmx_eth_init_from_mod(out, 515, 0, 0),
-                                                                                   0x2580C000)
-                                                                    ROW(hmx_eth_init_from_mod(out, 516, 0, 0), UNTOUCHED) ROW(
-                                                                        hmx_eth_init_from_slot(
-                                                                            out, 2,
-                                                                            0, 63),
-                                                                        0x2500C03F)
-                                                                        ROW(hmx_eth_init_from_slot(out, 1, 0, 0), UNTOUCHED) ROW(
-                                                                            hmx_eth_init_from_slot(
-                                                                                out, 515, 0, 0),
-                                                                            UNTOUCHED)
-                                                                            ROW(hmx_eth_cli_init(out, 4, 1, 5), 0x2500C005) ROW(
-                                                                                hmx_eth_cli_init(
-                                                                                    out, 0,
-                                                                                    1, 0),
-                                                                                UNTOUCHED)
-                                                                                ROW(hmx_eth_cli_init(
-                                                                                        out, 516, 1,
-                                                                                        0),
-                                                                                    UNTOUCHED)
-                                                                                    ROW(hmx_eth_cli_init(
-                                                                                            out, 4,
-                                                                                            0, 0),
-                                                                                        UNTOUCHED)
-                                                                                        ROW(hmx_eth_cli_init(
-                                                                                                out,
-                                                                                                4,
-                                                                                                1,
-                                                                                                64),
-                                                                                            UNTOUCHED)
-                                                                                            ROW(loopback_port_init(
-                                                                                                    out,
-                                                                                                    1023),
-                                                                                                0xFE0003FF)
-                                                                                                ROW(loopback_port_init(
-                                                                                                        out,
-                                                                                                        1024),
-                                                                                                    UNTOUCHED)
-                                                                                                    ROW(null_interface_init(
-                                                                                                            out),
-                                                                                                        0x17000000)};
+#define ROW(call, if_index) {#call, [](uint32_t *out) { return if_index_##call; }, if_index}
+        ROW(phy_fc_port_init(out, 31, 127, 4095), 0x01FFFFFF),
+        ROW(phy_fc_port_init(out, 32, 0, 0), UNTOUCHED),
+        ROW(phy_fc_port_cli_init(out, 0, 1, 0), UNTOUCHED),
+        ROW(phy_fc_port_cli_init(out, 33, 1, 0), UNTOUCHED),
+        ROW(phy_eth_port_init(out, 1, 2, 3), 0x02082003),
+        ROW(phy_eth_port_init(out, 0, 128, 0), UNTOUCHED),
+        ROW(phy_eth_port_init(out, 0, 0, 4096), UNTOUCHED),
+        ROW(phy_eth_port_cli_init(out, 32, 128, 0, 7), 0x02FFF007),
+        ROW(phy_eth_port_cli_init(out, 2, 3, 5, 7), 0x1F012147),
+        ROW(phy_eth_port_cli_init(out, 33, 1, 0, 0), UNTOUCHED),
+        ROW(phy_eth_port_cli_init(out, 1, 1, 64, 0), UNTOUCHED),
+        ROW(phy_ethernet_init(out, 1, 1, 5), 0x1A081005),
+        ROW(port_channel_init(out, 300), 0x0400002C),
+        ROW(port_channel_init(out, 4096), UNTOUCHED),
+        ROW(port_channel_init_internal(out, 0xFFF, 3, 0xFFF), 0x043FFFFF),
+        ROW(port_channel_init_internal(out, 0, 4, 0), UNTOUCHED),
+        ROW(port_channel_init_internal(out, 0, 0, 4096), UNTOUCHED),
+        ROW(port_channel_cli_init(out, 0, 0), UNTOUCHED),
+        ROW(eth_port_channel_init(out, 4095), 0x16000FFF),
+        ROW(eth_port_channel_init(out, 4096), UNTOUCHED),
+        ROW(eth_port_channel_init_internal(out, 300, 1, 2), 0x1610022C),
+        ROW(eth_port_channel_cli_init(out, 4096, 3), 0x16003FFF),
+        ROW(inband_linecard_cli_init(out, 4), 0x06200030),
+        ROW(vlan_port_init(out, 255, 4094), 0x09FF0FFE),
+        ROW(vlan_port_init(out, 0, 0), UNTOUCHED),
+        ROW(vlan_port_init(out, 0, 4095), UNTOUCHED),
+        ROW(vlan_port_init(out, 256, 1), UNTOUCHED),
+        ROW(isapi_port_cli_init(out, 3, 2, 4), 0x14102003),
+        ROW(tunnel_init(out, 0x105, 65535), 0x1805FFFF),
+        ROW(tunnel_init(out, 0, 65536), UNTOUCHED),
+        ROW(lveth_init(out, 1023, 4095, 3), 0x1BFFFFFF),
+        ROW(lveth_cli_init(out, 515, 2, 1), UNTOUCHED),
+        ROW(lveth_cli_init(out, 1025, 2, 0), UNTOUCHED),
+        ROW(veth_init(out, 0xFFFFF, 15), 0x1CFFFFFF),
+        ROW(veth_init(out, 0x100000, 0), UNTOUCHED),
+        ROW(veth_init(out, 0, 16), UNTOUCHED),
+        ROW(vfc_port_channel_cli_init(out, 5), 0x1E100004),
+        ROW(vfc_veth_cli_init(out, 65536), 0x1E30FFFF),
+        ROW(sat_phy_eth_port_init(out, 100, 1, 2, 5), 0x1F641085),
+        ROW(sat_phy_eth_port_init(out, 1, 255, 255, 0), 0x1F0FFFC0),
+        ROW(sat_phy_eth_port_init(out, 256, 0, 0, 0), UNTOUCHED),
+        ROW(sat_phy_eth_fif_port_init(out, 1, 2, 1), 0x20201080),
+        ROW(overlay_init(out, 3, 65503), 0x2218FFDF),
+        ROW(overlay_init(out, 3, 65504), UNTOUCHED),
+        ROW(vl3_cli_init(out, 1, 2, 3, 7), 0x23420807),
+        ROW(hmx_eth_init(out, 514, 255, 63), 0x2580BFFF),
+        ROW(hmx_eth_init(out, 515, 0, 0), UNTOUCHED),
+        ROW(hmx_eth_init(out, 0, 256, 0), UNTOUCHED),
+        ROW(hmx_eth_init_from_mod(out, 3, 0, 0), 0x2500C000),
+        ROW(hmx_eth_init_from_mod(out, 2, 0, 0), UNTOUCHED),
+        ROW(hmx_eth_init_from_mod(out, 515, 0, 0), 0x2580C000),
+        ROW(hmx_eth_init_from_mod(out, 516, 0, 0), UNTOUCHED),
+        ROW(hmx_eth_init_from_slot(out, 2, 0, 63), 0x2500C03F),
+        ROW(hmx_eth_init_from_slot(out, 1, 0, 0), UNTOUCHED),
+        ROW(hmx_eth_cli_init(out, 4, 1, 5), 0x2500C005),
+        ROW(hmx_eth_cli_init(out, 0, 1, 0), UNTOUCHED),
+        ROW(hmx_eth_cli_init(out, 516, 1, 0), UNTOUCHED),
+        ROW(hmx_eth_cli_init(out, 4, 0, 0), UNTOUCHED),
+        ROW(hmx_eth_cli_init(out, 4, 1, 64), UNTOUCHED),
+        ROW(loopback_port_init(out, 1023), 0xFE0003FF),
+        ROW(loopback_port_init(out, 1024), UNTOUCHED),
+        ROW(null_interface_init(out), 0x17000000),
+    };
     for (const auto &row : rows) {
         uint32_t if_index = UNTOUCHED;
         EXPECT_EQ(row.build(&if_index), row.if_index == UNTOUCHED ? 14 : 0) << row.call;
