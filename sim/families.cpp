@@ -2,6 +2,7 @@
 #include "sim/answer.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
 #include "sim/counters/counters.h"
 #include "sim/port/ports.h"
@@ -13,6 +14,7 @@ constexpr const family *FAMILIES[] = {
     &card_family,
     &bridge_domain_family,
     &port_family,
+    &l2_family,
     &counter_family,
     &acl_family,
     &lacp_family,

@@ -5,6 +5,7 @@
 #include "sim/acl/acls.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
 #include "sim/counters/counters.h"
 #include "sim/overrides.h"
@@ -17,6 +18,7 @@ struct host {
     card_state card;
     bridge_domain_table bridge_domains;
     port_table ports;
+    l2_state l2;
     counter_table counters;
     acl_table acls;
     lacp_state lacp;

@@ -3,9 +3,14 @@
 #include "sim/host.h"
 #include "sim/object_reader.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace {
 
 constexpr uint32_t LAST_VLAN = 4095;
+constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside a view
+constexpr uint32_t BEFORE_FIRST_LTL = 0xFFFFFFFF;
 constexpr uint16_t DEFAULT_VDC = 1;
 
 kx_bd_record parse_record(object_reader &keys) {
@@ -39,8 +44,12 @@ void parse_bridge_domains(object_reader &file, host &into) {
     bridge_domain_table &table = into.bridge_domains;
     file.numbers("vlans", table.vlans, 1, LAST_VLAN);
     file.each("bridge_domains", [&](object_reader &keys) {
-        const kx_bd_record record = parse_record(keys);
-        if (!table.by_index.emplace(record.index, bridge_domain{record}).second) {
+        bridge_domain parsed;
+        parsed.record = parse_record(keys);
+        keys.numbers("members", parsed.members, 0, LAST_LTL);
+        keys.each("multicast",
+                  [&](object_reader &group) { group.ipv4("group", parsed.groups.emplace_back()); });
+        if (!table.by_index.emplace(parsed.record.index, parsed).second) {
             keys.fail("index", "is used twice");
         }
     });
@@ -66,6 +75,84 @@ void answer_record(host &state, exchange &talk) {
         talk.reply_with(found->second.record);
 }
 
+// Answer a lookup with the first bridge domain that `matches` the record asked with.
+template <typename predicate> void find_record(host &state, exchange &talk, predicate matches) {
+    const auto asked = talk.input_as<kx_bd_record>();
+    for (const auto &[index, found] : state.bridge_domains.by_index) {
+        if (matches(found.record, asked)) {
+            talk.reply_with(found.record);
+            return;
+        }
+    }
+    talk.fail();
+}
+
+void answer_by_vlan(host &state, exchange &talk) {
+    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
+        return bd.kind == 0 && bd.vlan == asked.vlan && bd.vdc == asked.vdc;
+    });
+}
+
+void answer_by_swbd(host &state, exchange &talk) {
+    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
+        return bd.swbd == asked.swbd;
+    });
+}
+
+std::string_view name_of(const kx_bd_record &bd) {
+    return {bd.name, strnlen(bd.name, sizeof bd.name)};
+}
+
+void answer_by_name(host &state, exchange &talk) {
+    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
+        return name_of(bd) == name_of(asked);
+    });
+}
+
+void answer_by_segment(host &state, exchange &talk) {
+    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
+        return bd.kind == KX_BD_KIND_SEGMENT && bd.segment_id == asked.segment_id;
+    });
+}
+
+void answer_port_count(host &state, exchange &talk) {
+    const auto found = state.bridge_domains.by_index.find(talk.request.arg);
+    if (found == state.bridge_domains.by_index.end())
+        talk.fail();
+    else
+        talk.reply_with(static_cast<uint32_t>(found->second.members.size()));
+}
+
+void answer_next_port(host &state, exchange &talk) {
+    const auto found = state.bridge_domains.by_index.find(talk.request.arg);
+    if (found == state.bridge_domains.by_index.end()) {
+        talk.fail();
+        return;
+    }
+    const auto &members = found->second.members;
+    const auto ltl = talk.input_as<uint32_t>();
+    const auto next = ltl == BEFORE_FIRST_LTL ? members.begin() : members.upper_bound(ltl);
+    if (next == members.end())
+        talk.fail();
+    else
+        talk.reply_with(*next);
+}
+
+// Group 0 stands before the first one and, in the reply, behind the last one.
+void answer_next_group(host &state, exchange &talk) {
+    const auto group = talk.input_as<uint32_t>();
+    for (const auto &[index, bd] : state.bridge_domains.by_index) {
+        if (bd.record.kind != 0 || bd.record.vlan != talk.request.arg)
+            continue;
+        const auto current = std::find(bd.groups.begin(), bd.groups.end(), group);
+        const auto next =
+            group == 0 ? bd.groups.begin() : current + (current == bd.groups.end() ? 0 : 1);
+        talk.reply_with(next == bd.groups.end() ? 0U : *next);
+        return;
+    }
+    talk.fail();
+}
+
 void answer_vlan_count(host &state, exchange &talk) {
     talk.reply_with(static_cast<uint32_t>(state.bridge_domains.vlans.size()));
 }
@@ -85,6 +172,38 @@ constexpr answer ANSWERS[] = {
      .flags = KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_bd_record),
      .reply = answer_record},
+    {.opcode = KXDPA_OP_BD_BY_VLAN,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_bd_record),
+     .reply = answer_by_vlan},
+    {.opcode = KXDPA_OP_BD_BY_VLAN_L2,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_bd_record),
+     .reply = answer_by_vlan},
+    {.opcode = KXDPA_OP_BD_BY_SWBD,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_bd_record),
+     .reply = answer_by_swbd},
+    {.opcode = KXDPA_OP_BD_BY_NAME,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_bd_record),
+     .reply = answer_by_name},
+    {.opcode = KXDPA_OP_BD_BY_SEGMENT,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_bd_record),
+     .reply = answer_by_segment},
+    {.opcode = KXDPA_OP_BD_PORT_COUNT,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = 4,
+     .reply = answer_port_count},
+    {.opcode = KXDPA_OP_BD_NEXT_PORT,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = 4,
+     .reply = answer_next_port},
+    {.opcode = KXDPA_OP_NEXT_VLAN_GROUP,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = 4,
+     .reply = answer_next_group},
     {.opcode = KXDPA_OP_VLAN_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_vlan_count},
     {.opcode = KXDPA_OP_NEXT_VLAN, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_vlan},
 };

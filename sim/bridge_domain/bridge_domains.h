@@ -8,9 +8,12 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <vector>
 
 struct bridge_domain {
-    kx_bd_record record{}; // as the views read it; index included
+    kx_bd_record record{};        // as the views read it; index included
+    std::set<uint32_t> members;   // LTLs
+    std::vector<uint32_t> groups; // IPv4 multicast groups, network byte order, in the walk's order
 };
 
 struct bridge_domain_table {

@@ -78,6 +78,8 @@ port parse_port(object_reader &keys) {
                 [&](object_reader &view) { parse_view(view, parsed.views[KX_VIEW_SYSTEM]); });
     if (keys.has("mac"))
         keys.mac("mac", parsed.mac.emplace());
+    keys.flag("secure", parsed.secure);
+    keys.number("secure_learning", parsed.security.learning);
     return parsed;
 }
 
@@ -118,6 +120,22 @@ void answer_mac(host &state, exchange &talk) {
         talk.reply_with(*found->mac);
 }
 
+void answer_security(host &state, exchange &talk) {
+    const port *found = find_port(state, talk.request.arg);
+    if (found == nullptr)
+        talk.fail();
+    else
+        talk.reply_with(found->security);
+}
+
+void answer_secure_state(host &state, exchange &talk) {
+    const port *found = find_port(state, talk.request.arg);
+    if (found == nullptr || !found->secure)
+        talk.fail();
+    else
+        talk.reply_with(uint32_t{1});
+}
+
 void answer_forwarding(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
     auto query = talk.input_as<kx_vlan_forwarding>();
@@ -153,6 +171,14 @@ constexpr answer ANSWERS[] = {
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
      .capacity = 6,
      .reply = answer_mac},
+    {.opcode = KXDPA_OP_PORT_SECURITY,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_port_security_record),
+     .reply = answer_security},
+    {.opcode = KXDPA_OP_SECURE_PORT_STATE,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = 4,
+     .reply = answer_secure_state},
     {.opcode = KXDPA_OP_VLAN_FORWARDING,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
      .len1 = sizeof(kx_vlan_forwarding),

@@ -3,6 +3,7 @@
 #define SIM_PORT_PORTS_H
 
 #include "handlers/port/port_record.h"
+#include "handlers/port/port_security_record.h"
 #include "sim/answer.h"
 
 #include <array>
@@ -23,6 +24,8 @@ struct port_view {
 struct port {
     std::array<port_view, PORT_VIEWS> views;
     std::optional<std::array<uint8_t, 6>> mac;
+    kx_port_security_record security{};
+    bool secure = false; // it has a secure-port state
 };
 
 struct port_table {

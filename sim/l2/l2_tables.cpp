@@ -1,0 +1,203 @@
+#include "sim/l2/l2_tables.h"
+
+#include "sim/host.h"
+#include "sim/object_reader.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+void parse_flag(object_reader &keys, const char *key, uint8_t bit, uint8_t &flags) {
+    bool set = false;
+    keys.flag(key, set);
+    if (set)
+        flags |= bit;
+}
+
+// `now` is the time of the DPA; an entry says how long ago it was seen.
+kx_l2_entry parse_entry(object_reader &keys, uint32_t now) {
+    kx_l2_entry entry{};
+    mac_address mac{};
+    uint32_t age = 0;
+    keys.require("mac");
+    keys.mac("mac", mac);
+    std::copy(mac.begin(), mac.end(), entry.mac);
+    keys.number("ltl", entry.ltl);
+    keys.number("age", age);
+    entry.now = now;
+    entry.seen_time = now - age;
+    parse_flag(keys, "static", KX_L2_STATIC, entry.flags);
+    parse_flag(keys, "secure", KX_L2_SECURE, entry.flags);
+    parse_flag(keys, "drop", KX_L2_DROP, entry.flags);
+    parse_flag(keys, "software", KX_L2_SOFTWARE, entry.flags);
+    if (keys.has("pvlan"))
+        entry.flags |= KX_L2_PVLAN;
+    keys.number("pvlan", entry.pvlan);
+    keys.number("dsn", entry.dsn);
+    keys.ipv4("remote_ip", entry.remote_ip);
+    keys.number("slot", entry.slot);
+    keys.number("encap", entry.encap);
+    return entry;
+}
+
+kx_get_mac_entry parse_announced(object_reader &keys, uint32_t bd_index) {
+    kx_get_mac_entry entry{};
+    mac_address mac{};
+    entry.bd_index = bd_index;
+    keys.mac("mac", mac);
+    std::copy(mac.begin(), mac.end(), entry.mac);
+    keys.flag("sent", entry.sent);
+    keys.number("last_sent", entry.last_sent);
+    return entry;
+}
+
+void parse_table(object_reader &keys, l2_state &into, uint32_t now) {
+    uint32_t index = 0;
+    keys.require("bridge_domain");
+    keys.number("bridge_domain", index, 1);
+    l2_table &table = into.tables[index];
+    keys.number("limit", table.limit);
+    keys.number("aging_time", table.aging_time);
+    keys.each("entries", [&](object_reader &entry_keys) {
+        const kx_l2_entry entry = parse_entry(entry_keys, now);
+        if (!table.entries.emplace(std::to_array(entry.mac), entry).second) {
+            entry_keys.fail("mac", "is used twice");
+        }
+    });
+    keys.each("announced", [&](object_reader &entry_keys) {
+        table.announced.push_back(parse_announced(entry_keys, index));
+    });
+    if (table.announced.size() > KX_GET_MAC_ENTRIES)
+        keys.fail("announced", "too many addresses");
+}
+
+void parse_l2(object_reader &file, host &into) {
+    file.object("l2", [&](object_reader &keys) {
+        uint32_t now = 100000;
+        keys.number("now", now);
+        keys.number("slots", into.l2.slots, 1);
+        uint32_t flow_entries = 0;
+        keys.number("flow_entries", flow_entries);
+        into.l2.totals.flow_entries = flow_entries;
+        keys.number("vnic_entries", into.l2.totals.vnic_entries);
+        keys.number("aged", into.l2.aging.aged);
+        keys.number("rejected", into.l2.aging.rejected);
+        keys.each("tables", [&](object_reader &table) { parse_table(table, into.l2, now); });
+    });
+}
+
+// The table of a bridge domain, empty when the host file says nothing about it; nullptr, with the
+// request failed, for a bridge domain that does not exist.
+const l2_table *table_of(host &state, exchange &talk) {
+    const uint32_t index = talk.request.arg;
+    if (!state.bridge_domains.by_index.contains(index)) {
+        talk.fail();
+        return nullptr;
+    }
+    return &state.l2.tables[index];
+}
+
+void answer_limit(host &state, exchange &talk) {
+    if (const l2_table *table = table_of(state, talk))
+        talk.reply_with(table->limit);
+}
+
+void answer_count(host &state, exchange &talk) {
+    if (const l2_table *table = table_of(state, talk)) {
+        talk.reply_with(static_cast<uint32_t>(table->entries.size()));
+    }
+}
+
+void answer_aging_time(host &state, exchange &talk) {
+    if (const l2_table *table = table_of(state, talk))
+        talk.reply_with(table->aging_time);
+}
+
+void answer_next_entry(host &state, exchange &talk) {
+    const l2_table *table = table_of(state, talk);
+    if (table == nullptr)
+        return;
+    const auto next = table->entries.upper_bound(talk.input_as<mac_address>());
+    if (next == table->entries.end())
+        talk.fail();
+    else
+        talk.reply_with(next->second);
+}
+
+// Behind the entry that the step names, the slot's next one: first in the same bridge domain.
+void answer_slot_step(host &state, exchange &talk) {
+    const l2_state &l2 = state.l2;
+    auto step = talk.input_as<kx_l2_slot_step>();
+    if (talk.request.arg >= l2.slots) {
+        talk.fail();
+        return;
+    }
+    const auto in_slot = [&](const auto &entry) {
+        return entry.first.back() % l2.slots == talk.request.arg;
+    };
+    const mac_address behind = std::to_array(step.entry.mac);
+    for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
+        const auto &entries = table->second.entries;
+        const auto first =
+            table->first == step.bd_index ? entries.upper_bound(behind) : entries.begin();
+        const auto found = std::find_if(first, entries.end(), in_slot);
+        if (found != entries.end()) {
+            talk.reply_with(kx_l2_slot_step{l2.slots, table->first, found->second});
+            return;
+        }
+    }
+    talk.reply_with(kx_l2_slot_step{l2.slots, 0, {}});
+}
+
+void answer_totals(host &state, exchange &talk) {
+    talk.reply_with(state.l2.totals);
+}
+
+void answer_aging(host &state, exchange &talk) {
+    talk.reply_with(state.l2.aging);
+}
+
+void answer_get_mac(host &state, exchange &talk) {
+    const l2_table *table = table_of(state, talk);
+    if (table == nullptr)
+        return;
+    kx_get_mac_info info{};
+    info.count = static_cast<uint32_t>(table->announced.size());
+    std::copy(table->announced.begin(), table->announced.end(), info.entries);
+    talk.reply_with(info);
+}
+
+constexpr answer ANSWERS[] = {
+    {.opcode = KXDPA_OP_L2_TABLE_LIMIT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_limit},
+    {.opcode = KXDPA_OP_L2_ENTRY_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_count},
+    {.opcode = KXDPA_OP_L2_AGING_TIME,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = 4,
+     .reply = answer_aging_time},
+    {.opcode = KXDPA_OP_NEXT_L2_ENTRY,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO,
+     .len1 = KX_MAC_SIZE,
+     .len2 = sizeof(kx_l2_entry),
+     .reply = answer_next_entry},
+    {.opcode = KXDPA_OP_L2_SLOTS,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
+     .len1 = sizeof(kx_l2_slot_step),
+     .reply = answer_slot_step},
+    {.opcode = KXDPA_OP_L2_ENTRY_TOTALS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_l2_totals),
+     .reply = answer_totals},
+    {.opcode = KXDPA_OP_L2_AGING_STATISTICS,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_l2_aging_statistics),
+     .reply = answer_aging},
+    {.opcode = KXDPA_OP_GET_MAC_TABLE,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = sizeof(kx_get_mac_info),
+     .reply = answer_get_mac},
+};
+
+} // namespace
+
+constinit const family l2_family = {parse_l2, ANSWERS};
