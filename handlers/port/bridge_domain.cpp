@@ -80,6 +80,15 @@ bool kx_bd_is_vxlan_segment(const kx_bd_record &record) {
     return record.kind == KX_BD_KIND_SEGMENT && record.native_encap == 0;
 }
 
+bool kx_next_vlan_bd(uint32_t *index, kx_bd_record *record) {
+    while (kx_next_bd(index)) {
+        if (kx_get_bd(*index, record) && !kx_bd_is_vxlan_segment(*record)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 uint32_t kx_find_bd_by_vlan(kxdpa_opcode opcode, uint16_t vlan) {
     kx_bd_record asked{};
     asked.vlan = vlan;

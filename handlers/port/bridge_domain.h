@@ -33,6 +33,11 @@ bool kx_get_bd(uint32_t index, kx_bd_record *record);
 // about the ports.
 bool kx_bd_is_vxlan_segment(const kx_bd_record &record);
 
+// Step `index` to the next bridge domain whose VLAN ports can carry, and ask for its record; start
+// from 0. Passes over a record that cannot be read and a segment carried in VXLAN. False at the end
+// of the walk.
+bool kx_next_vlan_bd(uint32_t *index, kx_bd_record *record);
+
 // The lookups return a bridge-domain index, 0 when there is none: a failed request or the index 0.
 // The VLAN and the L2 views each have their own opcode for a VLAN.
 uint32_t kx_find_bd_by_vlan(kxdpa_opcode opcode, uint16_t vlan);

@@ -5,6 +5,7 @@
 #include "if_index/if_index_name.h"
 #include "infra/utils/kxstrings.h"
 
+#include <cstdio>
 #include <cstring>
 
 bool kx_next_ltl(uint32_t *ltl) {
@@ -25,8 +26,7 @@ bool kx_port_is_empty(const kx_port_record &record) {
 }
 
 bool kx_port_is_hidden(uint32_t ltl, const kx_port_record &record) {
-    const bool port_channel = ltl >= KX_LTL_FIRST_PORT_CHANNEL && ltl <= KX_LTL_LAST_PORT_CHANNEL;
-    return !port_channel && kx_port_is_empty(record);
+    return !kx_is_port_channel(ltl) && kx_port_is_empty(record);
 }
 
 kx_port_name kx_get_port_name(uint32_t ltl, const kx_port_record &record) {
@@ -37,6 +37,14 @@ kx_port_name kx_get_port_name(uint32_t ltl, const kx_port_record &record) {
         strcpy(name.text, "Internal");
     }
     return name;
+}
+
+kx_sub_group_text kx_format_sub_group(uint32_t sub_group) {
+    kx_sub_group_text column{};
+    if (sub_group <= KX_SUB_GROUP_LAST) {
+        snprintf(column.text, sizeof column.text, "%u", sub_group);
+    }
+    return column;
 }
 
 uint32_t kx_get_first_ltl(const char *arg) {

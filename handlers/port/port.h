@@ -16,6 +16,10 @@ inline bool kx_is_internal_ltl(uint32_t ltl) {
     return ltl < KX_LTL_FIRST_EXTERNAL;
 }
 
+inline bool kx_is_port_channel(uint32_t ltl) {
+    return ltl >= KX_LTL_FIRST_PORT_CHANNEL && ltl <= KX_LTL_LAST_PORT_CHANNEL;
+}
+
 // True for an entry that nothing was ever configured on.
 bool kx_port_is_empty(const kx_port_record &record);
 
@@ -32,6 +36,13 @@ struct kx_port_name {
 // The port's interface name: the short name of its interface index, which may be empty; without an
 // index "Internal" for an internal LTL and empty for every other.
 kx_port_name kx_get_port_name(uint32_t ltl, const kx_port_record &record);
+
+struct kx_sub_group_text {
+    char text[12];
+};
+
+// A sub-group's number, empty for one that does not exist.
+kx_sub_group_text kx_format_sub_group(uint32_t sub_group);
 
 // The LTL that a page goes on after: the number behind the word "cookie" in the argument. Only
 // agent-driven runs page; every other starts from KX_LTL_BEFORE_FIRST.

@@ -30,6 +30,8 @@ enum kx_port_mode : uint8_t {
     KX_PORT_MODE_LEAF_VLANS = 3,  // like 1, a leaf port that forwards when it has VLANs
 };
 
+constexpr uint32_t KX_SUB_GROUP_LAST = 31; // larger numbers stand for no sub-group
+
 enum kx_leaf_block_reason : uint8_t {
     KX_LEAF_BLOCK_BPDU = 1,
     KX_LEAF_BLOCK_ZERO_MAC = 2,

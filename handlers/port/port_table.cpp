@@ -3,21 +3,16 @@
 #include "frontend/output_sink.h"
 #include "frontend/run_state.h"
 #include "handlers/leaf_mode.h"
-#include "handlers/paging.h"
 #include "handlers/port/bridge_domain.h"
-#include "handlers/port/port.h"
 #include "handlers/port/port_vlans.h"
+#include "handlers/port/port_walk.h"
 #include "infra/utils/field_text.h"
-
-#include <cstdio>
 
 namespace {
 
 constexpr const char *FORWARDING = "FWD";
 constexpr const char *BLOCKED = "BLK";
 constexpr const char *PARTLY_BLOCKED = "F/B";
-
-constexpr uint32_t MAX_SUB_GROUP_SHOWN = 31;
 
 // What the state and the cause column show.
 struct port_state {
@@ -26,24 +21,6 @@ struct port_state {
 };
 
 constexpr const char *NO_CAUSE = " - ";
-
-struct selection {
-    kx_port_view view;
-    bool internal; // internal LTLs are shown
-};
-
-selection select_ports(const char *arg) {
-    if (kx_begins_with(arg, "internal")) {
-        return {KX_VIEW_HMX, true};
-    }
-    if (kx_begins_with(arg, "system")) {
-        return {KX_VIEW_SYSTEM, true};
-    }
-    if (kx_begins_with(arg, "krt")) {
-        return {KX_VIEW_KRT, true};
-    }
-    return {KX_VIEW_HMX, false};
-}
 
 const char *errdis_event_short_str(uint8_t event) {
     switch (event) {
@@ -128,11 +105,8 @@ bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &r
                         int vlan_count) {
     const bool stop_at_first = record.forwarding == 0;
     bool forwards = vlan_count != 0 || record.forwarding != 0;
-    for (uint32_t index = 0; kx_next_bd(&index);) {
-        kx_bd_record bd;
-        if (!kx_get_bd(index, &bd) || kx_bd_is_vxlan_segment(bd)) {
-            continue;
-        }
+    kx_bd_record bd;
+    for (uint32_t index = 0; kx_next_vlan_bd(&index, &bd);) {
         forwards |= kx_port_forwards_on_vlan(ltl, view, bd.vlan);
         if (forwards && stop_at_first) {
             break;
@@ -175,20 +149,15 @@ const char *port_type(const kx_port_record &record) {
     return record.l3_service != 0 ? "L3VNSER" : "";
 }
 
-struct sub_group_text {
-    char text[12];
-};
-
-sub_group_text sub_group(const kx_port_record &record, bool leaf_mode) {
-    sub_group_text column{};
-    const bool in_group_b = record.port_mode == KX_PORT_MODE_SUB_GROUP_B &&
-                            (!leaf_mode || record.leaf_sub_group_valid == 1);
-    if (record.port_mode == KX_PORT_MODE_SUB_GROUP_A && record.sub_group_a <= MAX_SUB_GROUP_SHOWN) {
-        snprintf(column.text, sizeof column.text, "%u", record.sub_group_a);
-    } else if (in_group_b && record.sub_group_b <= MAX_SUB_GROUP_SHOWN) {
-        snprintf(column.text, sizeof column.text, "%u", record.sub_group_b);
+kx_sub_group_text sub_group(const kx_port_record &record, bool leaf_mode) {
+    if (record.port_mode == KX_PORT_MODE_SUB_GROUP_A) {
+        return kx_format_sub_group(record.sub_group_a);
     }
-    return column;
+    if (record.port_mode == KX_PORT_MODE_SUB_GROUP_B &&
+        (!leaf_mode || record.leaf_sub_group_valid == 1)) {
+        return kx_format_sub_group(record.sub_group_b);
+    }
+    return {};
 }
 
 void print_row(uint32_t ltl, const kx_port_record &record, const port_state &shown,
@@ -213,32 +182,24 @@ void print_footnote() {
 
 int kx_port_table_dump(const char *arg) {
     const bool leaf_mode = kx_hmx_is_leaf_mode();
-    const selection shown = select_ports(arg);
-    uint32_t ltl = kx_get_first_ltl(arg);
-    if (ltl == KX_LTL_BEFORE_FIRST) {
+    const kx_port_selection shown = kx_select_ports(arg);
+    const uint32_t first = kx_get_first_ltl(arg);
+    if (first == KX_LTL_BEFORE_FIRST) {
         kx_print(
             "  LTL   KRT Port  Admin Link  State    Cause  PC-LTL  SGID  ORG  svcpath  Type    "
             "Hmx Port\n");
     }
     bool footnote_due = false;
-    while (kx_next_ltl(&ltl)) {
-        kx_port_record record;
-        if (!kx_get_port(ltl, shown.view, &record)) {
-            if (kx_is_agent_driven()) {
-                kx_end_page(ltl);
-                return 0;
-            }
-            continue;
-        }
-        if (kx_port_is_hidden(ltl, record) || (kx_is_internal_ltl(ltl) && !shown.internal)) {
-            continue;
+    const auto show = [&](uint32_t ltl, const kx_port_record &record) {
+        if (!kx_is_shown(shown, ltl, record)) {
+            return KX_ROW_LEFT_OUT;
         }
         port_state state{};
         if (record.vlan_mode == KX_VLAN_MODE) {
             bmp4096 vlans;
             const int32_t vlan_count = kx_get_port_vlans(ltl, shown.view, &vlans);
             if (vlan_count < 0) {
-                return kx_give_up();
+                return KX_ROW_BROKEN;
             }
             state = {vlan_port_state(ltl, shown.view, record, leaf_mode, vlan_count, &footnote_due),
                      NO_CAUSE};
@@ -246,13 +207,13 @@ int kx_port_table_dump(const char *arg) {
             state = whole_port_state(record, leaf_mode);
         }
         print_row(ltl, record, state, leaf_mode);
-        if (kx_is_agent_driven()) {
-            kx_end_page(ltl);
-            return 0;
-        }
+        return KX_ROW_PRINTED;
+    };
+    const kx_port_walk walk = kx_print_ports(first, shown.view, show);
+    if (walk == KX_WALK_BROKEN) {
+        return kx_give_up();
     }
-    kx_end_table();
-    if (kx_is_agent_driven() || footnote_due) {
+    if (walk == KX_WALK_TABLE_END && (kx_is_agent_driven() || footnote_due)) {
         print_footnote();
     }
     return 0;

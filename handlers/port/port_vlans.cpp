@@ -1,6 +1,7 @@
 #include "handlers/port/port_vlans.h"
 
 #include "dpa/userspace/kxdpa_indirect.h"
+#include "frontend/output_sink.h"
 
 namespace {
 
@@ -42,4 +43,15 @@ int kx_get_usable_vlan_count() {
     const bool one_more = kx_dpa_get(KXDPA_OP_TUNNEL_MODE, 0, &mode) == KXDPA_STATUS_SUCCESS &&
                           mode != TUNNEL_MODE_L3;
     return static_cast<int>(vlans) - RESERVED_VLANS - (one_more ? 1 : 0);
+}
+
+void kx_print_vlan_list(const bmp4096 &vlans, int column) {
+    char piece[128];
+    int done = 0;
+    bitset_snprintf(piece, sizeof piece, &vlans, 1, &done);
+    kx_print("%s\n", piece);
+    while (done == 0) {
+        bitset_snprintf(piece, sizeof piece, &vlans, 0, &done);
+        kx_print("%*s%s\n", column, "", piece);
+    }
 }
