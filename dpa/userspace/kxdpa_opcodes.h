@@ -90,7 +90,7 @@ enum kxdpa_opcode : uint16_t {
     KXDPA_OP_PORT_MAC = 68,              // arg: LTL
     KXDPA_OP_VLAN_FORWARDING = 96,       // arg: view << 24 | LTL
     KXDPA_OP_PINNED_PORTS = 122,         // arg: LTL
-    KXDPA_OP_PORT_PVLAN = 165,           // arg: LTL
+    KXDPA_OP_PORT_PVLAN = 165,           // arg: view << 24 | LTL
     KXDPA_OP_PORT_SECURITY = 222,        // arg: LTL
     KXDPA_OP_STAGE_DESCRIPTOR = 275,     // arg: stage index
     KXDPA_OP_SECURE_PORT_STATE = 287,    // arg: LTL; only its success counts
@@ -101,7 +101,7 @@ enum kxdpa_opcode : uint16_t {
     KXDPA_OP_PORT_VLAN_SET = 595,       // arg: view << 24 | LTL
     KXDPA_OP_PORT_CHANNEL_RECORD = 628, // arg: LTL of the port channel
     KXDPA_OP_CLEAR_ALL_PORT_STATISTICS = 1028,
-    KXDPA_OP_PINNING_MODE = 1084,
+    KXDPA_OP_PINNING_MODE = 1084, // of the port channels
 
     // VLANs, bridge domains, segments
     KXDPA_OP_BD_COUNT = 2,

@@ -1,0 +1,18 @@
+#include "handlers/port/port_pvlan.h"
+
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "handlers/port/bridge_domain.h"
+
+bool kx_next_pvlan(uint32_t ltl, kx_port_view view, uint32_t *bd_index, kx_port_pvlan *pvlan) {
+    kx_bd_record bd;
+    while (kx_next_vlan_bd(bd_index, &bd)) {
+        *pvlan = {};
+        pvlan->vlan = bd.vlan;
+        if (kx_dpa_exchange(KXDPA_OP_PORT_PVLAN, kx_port_argument(view, ltl), pvlan) ==
+                KXDPA_STATUS_SUCCESS &&
+            pvlan->role != KX_PVLAN_NONE) {
+            return true;
+        }
+    }
+    return false;
+}
