@@ -10,6 +10,7 @@
 namespace {
 
 // A new part of the host is one line here and one in host.h.
+// clang-format off
 constexpr const family *FAMILIES[] = {
     &card_family,
     &bridge_domain_family,
@@ -19,6 +20,7 @@ constexpr const family *FAMILIES[] = {
     &acl_family,
     &lacp_family,
 };
+// clang-format on
 
 } // namespace
 

@@ -130,7 +130,11 @@ struct tree_builder {
         return true;
     }
     bool parse_error(size_t, const std::string &token, const nlohmann::json::exception &) {
-        const std::string shown = token.substr(token.find_last_of('\n') + 1);
+        // The token comes with what stands before it, line ends spelled out.
+        constexpr std::string_view line_end = "<U+000A>";
+        const size_t last = token.rfind(line_end);
+        const std::string shown =
+            last == std::string::npos ? token : token.substr(last + line_end.size());
         throw host_error{number_line(), "not JSON at \"" + shown + "\""};
     }
 };

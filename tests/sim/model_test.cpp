@@ -1,0 +1,240 @@
+// The model as a driver: what it refuses, what it writes into the caller's memory, what it
+// replaces.
+#include "sim/model.h"
+
+#include "dpa/userspace/kxdpa_opcodes.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr uint8_t UNTOUCHED = 0xEE;
+
+// One model with one caller: two buffers, filled with a mark to show what was written.
+struct bench {
+    model driver;
+    std::vector<std::string> trace;
+    std::vector<std::string> complaints;
+    uint8_t buffer1[1400];
+    uint8_t buffer2[64];
+
+    explicit bench(const std::string &host_text) {
+        std::string error;
+        EXPECT_TRUE(parse_host(host_text, "host", driver.state, error)) << error;
+        driver.trace = [this](const std::string &line) { trace.push_back(line); };
+        driver.complain = [this](const std::string &line) { complaints.push_back(line); };
+        memset(buffer1, UNTOUCHED, sizeof buffer1);
+        memset(buffer2, UNTOUCHED, sizeof buffer2);
+    }
+
+    kxdpa_request request(uint16_t opcode, uint32_t arg, uint8_t flags, uint32_t len1) {
+        kxdpa_request made{};
+        made.opcode = opcode;
+        made.marker = KXDPA_KERNEL_MARKER;
+        made.version = KXDPA_KERNEL_VERSION;
+        made.flags = flags;
+        made.arg = arg;
+        made.status = KXDPA_STATUS_NO_EXCHANGE;
+        made.len1 = len1;
+        if ((flags & KXDPA_FLAG_NODATA) == 0)
+            made.buf1 = reinterpret_cast<uintptr_t>(buffer1);
+        return made;
+    }
+
+    kxdpa_request variable(uint16_t opcode, uint32_t arg, uint8_t flags, uint32_t len1,
+                           uint32_t capacity) {
+        kxdpa_request made = request(opcode, arg, flags | KXDPA_FLAG_MAX, len1);
+        made.max1 = capacity;
+        made.max1_valid = 1;
+        return made;
+    }
+
+    int ask(kxdpa_request &record) {
+        own_memory memory;
+        return model_request(driver, record, memory);
+    }
+
+    uint32_t status_of(uint16_t opcode, uint32_t arg, uint8_t flags, uint32_t len1) {
+        kxdpa_request record = request(opcode, arg, flags, len1);
+        EXPECT_EQ(ask(record), 0);
+        return record.status;
+    }
+
+    template <typename value> value reply() const {
+        value copy;
+        memcpy(&copy, buffer1, sizeof copy);
+        return copy;
+    }
+
+    // Bytes from the start of buffer 1 that were written.
+    size_t written() const {
+        size_t count = sizeof buffer1;
+        while (count > 0 && buffer1[count - 1] == UNTOUCHED)
+            count--;
+        return count;
+    }
+};
+
+TEST(Model, ComplainsAboutTheFieldThatIsWrong) {
+    const struct {
+        const char *complaint;
+        std::function<void(kxdpa_request &)> spoil;
+    } rows[] = {
+        {"op 44: marker is 3, expected 124", [](auto &r) { r.marker = KXDPA_SOCKET_MARKER; }},
+        {"op 44: version is 0, expected 1", [](auto &r) { r.version = 0; }},
+        {"op 44: reserved is 7, expected 0", [](auto &r) { r.reserved[2] = 7; }},
+        {"op 44: flags is 3, expected 1", [](auto &r) { r.flags = 3; }},
+        {"op 44: len1 is 1140, expected 1148", [](auto &r) { r.len1 = 1140; }},
+        {"op 44: len2 is 4, expected 0", [](auto &r) { r.len2 = 4; }},
+        {"op 44: max1_valid is 1, expected 0", [](auto &r) { r.max1_valid = 1; }},
+        {"op 44: max2_valid is 2, expected 0", [](auto &r) { r.max2_valid = 2; }},
+        {"op 44: max1 is 9, expected 0", [](auto &r) { r.max1 = 9; }},
+        {"op 44: max2 is 9, expected 0", [](auto &r) { r.max2 = 9; }},
+        {"op 44: buf1 is 0, expected a buffer", [](auto &r) { r.buf1 = 0; }},
+        {"op 44: buf2 is set, expected 0", [](auto &r) { r.buf2 = r.buf1; }},
+        {"op 44: length is 4294967295, expected at most 16777216",
+         [](auto &r) { r.len2 = 0xFFFFFFFF; }},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.complaint);
+        bench on(R"({"ports": [{"ltl": 20}]})");
+        kxdpa_request record = on.request(44, 2U << 24 | 20, KXDPA_FLAG_OUT, 1148);
+        row.spoil(record);
+        EXPECT_EQ(on.ask(record), 0);
+        EXPECT_EQ(record.status, SIM_STATUS_MALFORMED);
+        EXPECT_EQ(on.complaints, std::vector<std::string>{row.complaint});
+        EXPECT_EQ(on.written(), 0U);
+    }
+}
+
+TEST(Model, WantsRoomForAVariableReply) {
+    bench on(R"({"ports": [{"ltl": 20, "mac": "00:50:56:aa:bb:cc"}]})");
+    kxdpa_request small = on.variable(68, 20, KXDPA_FLAG_OUT, 0, 5);
+    on.ask(small);
+    EXPECT_EQ(on.complaints, std::vector<std::string>{"op 68: max1 is 5, expected at least 6"});
+    kxdpa_request large = on.variable(68, 20, KXDPA_FLAG_OUT, 0, 32);
+    on.ask(large);
+    EXPECT_EQ(large.status, KXDPA_STATUS_SUCCESS);
+    EXPECT_EQ(large.max1, 6U);
+    EXPECT_EQ(on.written(), 6U);
+    EXPECT_EQ(on.complaints.size(), 1U);
+}
+
+TEST(Model, UnknownOpcodeIsAnErrorWithoutAComplaint) {
+    bench on("{}");
+    EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 8), SIM_STATUS_UNKNOWN_OPCODE);
+    EXPECT_TRUE(on.complaints.empty());
+    EXPECT_EQ(on.written(), 0U);
+}
+
+TEST(Model, WalksPortsInOrderAndReportsEachView) {
+    bench on(R"({"ports": [
+        {"ltl": 70, "link": "up", "krt": {"link": "down"}, "system": {"known": false}},
+        {"ltl": 0, "name": "first"}]})");
+    EXPECT_EQ(on.status_of(25, 0xFFFFFFFF, KXDPA_FLAG_OUT, 4), 0U);
+    EXPECT_EQ(on.reply<uint32_t>(), 0U);
+    EXPECT_EQ(on.status_of(25, 0, KXDPA_FLAG_OUT, 4), 0U);
+    EXPECT_EQ(on.reply<uint32_t>(), 70U);
+    EXPECT_EQ(on.status_of(25, 70, KXDPA_FLAG_OUT, 4), SIM_STATUS_NOT_FOUND);
+
+    const uint32_t expected_link[PORT_VIEWS] = {0, 1, 1};
+    for (uint32_t view : {KX_VIEW_HMX, KX_VIEW_KRT}) {
+        EXPECT_EQ(on.status_of(44, view << 24 | 70, KXDPA_FLAG_OUT, 1148), 0U);
+        EXPECT_EQ(on.reply<kx_port_record>().link_state, expected_link[view]);
+    }
+    EXPECT_EQ(on.status_of(44, 1U << 24 | 70, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
+    EXPECT_EQ(on.status_of(44, 3U << 24 | 70, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
+}
+
+TEST(Model, VlanSetCountsItsBitsFromTheTop) {
+    bench on(R"({"ports": [{"ltl": 20, "vlans": "0,9,4095", "forwards_on": "9"}]})");
+    memset(on.buffer1, 0, 516);
+    kxdpa_request record =
+        on.variable(595, 2U << 24 | 20, KXDPA_FLAG_OUT | KXDPA_FLAG_IN, 516, 516);
+    on.ask(record);
+    EXPECT_EQ(record.max1, 516U);
+    EXPECT_EQ(on.reply<uint32_t>(), 512U);
+    EXPECT_EQ(on.buffer1[4], 0x80);
+    EXPECT_EQ(on.buffer1[5], 0x40);
+    EXPECT_EQ(on.buffer1[515], 0x01);
+    for (const uint16_t vlan : std::array<uint16_t, 2>{9, 10}) {
+        const kx_vlan_forwarding query = {vlan, 0, {}};
+        memcpy(on.buffer1, &query, sizeof query);
+        on.status_of(96, 2U << 24 | 20, KXDPA_FLAG_OUT | KXDPA_FLAG_IN, sizeof query);
+        EXPECT_EQ(on.reply<kx_vlan_forwarding>().vlan, vlan);
+        EXPECT_EQ(on.reply<kx_vlan_forwarding>().forwarding, vlan == 9 ? 1 : 0);
+    }
+}
+
+TEST(Model, OverridesReplaceWhatTheyName) {
+    const struct {
+        const char *rule;
+        int error;
+        uint32_t status;
+        uint32_t capacity_after; // 32 before
+        size_t written;
+    } rows[] = {
+        {R"("status": 5)", 0, 5, 32, 0},
+        {R"("reply": "01*9")", 0, 0, 9, 9},
+        {R"("reply": "01*40")", 0, 0, 40, 32}, // more than fits is claimed, never written
+        {R"("reply": "0102", "status": 7)", 0, 7, 2, 2},
+        {R"("length": 3)", 0, 0, 3, 3},
+        {R"("returned": 4000)", 0, 0, 4000, 6},
+        {R"("error": "EIO")", EIO, KXDPA_STATUS_NO_EXCHANGE, 32, 0},
+        {R"("argument": 21, "status": 5)", 0, 0, 6, 6},
+        {R"("time": 2, "status": 5)", 0, 0, 6, 6},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.rule);
+        bench on(std::string(R"({"ports": [{"ltl": 20, "mac": "01:02:03:04:05:06"}],
+                                 "overrides": [{"opcode": 68, )") +
+                 row.rule + "}]}");
+        kxdpa_request record = on.variable(68, 20, KXDPA_FLAG_OUT, 0, 32);
+        EXPECT_EQ(on.ask(record), row.error);
+        EXPECT_EQ(record.status, row.status);
+        EXPECT_EQ(record.max1, row.capacity_after);
+        EXPECT_EQ(on.written(), row.written);
+    }
+}
+
+TEST(Model, OverrideOfTheSecondTimeHoldsOnce) {
+    bench on(R"({"card": {"domain": 9},
+                 "overrides": [{"opcode": 63, "time": 2, "error": "ENODEV"}]})");
+    for (const int expected : {0, ENODEV, 0}) {
+        kxdpa_request record = on.request(63, 0, KXDPA_FLAG_OUT, 4);
+        EXPECT_EQ(on.ask(record), expected);
+    }
+    EXPECT_EQ(on.trace, (std::vector<std::string>{"op 63 arg 0x0 flags 1 len 4 -> 0",
+                                                  "op 63 arg 0x0 flags 1 len 4 -> ENODEV",
+                                                  "op 63 arg 0x0 flags 1 len 4 -> 0"}));
+}
+
+TEST(Model, ReplyOfTwoBuffersGoesIntoTheSecond) {
+    bench on(R"({"overrides": [{"opcode": 9999, "reply": "0a0b0c"}]})");
+    kxdpa_request record = on.request(9999, 0, 11, 2);
+    on.buffer1[0] = on.buffer1[1] = 0x55;
+    record.buf2 = reinterpret_cast<uintptr_t>(on.buffer2);
+    record.len2 = 2;
+    EXPECT_EQ(on.ask(record), 0);
+    EXPECT_EQ(on.written(), 2U);
+    EXPECT_EQ(on.buffer2[1], 0x0b);
+    EXPECT_EQ(on.buffer2[2], UNTOUCHED);
+    EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x0 flags 11 len 2 len2 2 in 5555 -> 0");
+}
+
+TEST(Model, StringInputEndsAtItsTerminator) {
+    bench on("{}");
+    memcpy(on.buffer1, "abc", 4);
+    kxdpa_request record = on.variable(9999, 2, KXDPA_FLAG_IN, 0, 256);
+    on.ask(record);
+    EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x2 flags 6 max 256 in 616263 -> 38 max 256");
+}
+
+} // namespace
