@@ -2,9 +2,9 @@
 #include "sim/answer.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/counters/counters.h"
 #include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
-#include "sim/counters/counters.h"
 #include "sim/port/ports.h"
 
 namespace {
