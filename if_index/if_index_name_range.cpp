@@ -84,10 +84,10 @@ static int last_number(uint32_t if_index) {
     }
 }
 
-using name_printer = int(char *buffer, size_t size, uint32_t if_index);
+using name_printer = int (*)(char *buffer, size_t size, uint32_t if_index);
 
 static int print_range(char *buffer, size_t size, const if_index_range *range,
-                       name_printer *print_name) {
+                       name_printer print_name) {
     uint8_t first_type = 0;
     uint8_t last_type = 0;
     if (range == nullptr || if_index_get_type(range->first, &first_type) != IF_INDEX_OK ||
