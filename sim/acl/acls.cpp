@@ -22,9 +22,8 @@ kx_acl_record parse_acl(object_reader &keys) {
     acl.rules = number<uint32_t>(keys, "rules");
     keys.choice("type", acl.type,
                 {{"ipv4", KX_ACL_IPV4}, {"ipv6", KX_ACL_IPV6}, {"mac", KX_ACL_MAC}});
-    keys.choice(
-        "statistics", acl.statistics_state,
-        {{"enabled", KX_ACL_STATISTICS_ENABLED}, {"disabled", KX_ACL_STATISTICS_DISABLED}});
+    keys.choice("statistics", acl.statistics_state,
+                {{"enabled", KX_ACL_STATISTICS_ENABLED}, {"disabled", KX_ACL_STATISTICS_DISABLED}});
     acl.statistics_id = number<uint16_t>(keys, "statistics_id");
     acl.permitted = number<uint32_t>(keys, "permitted");
     acl.denied = number<uint32_t>(keys, "denied");
