@@ -3,20 +3,27 @@
  *
  * tarncmd itself calls these entry points for one command line and exits. A process that serves the
  * switch's remote CLI calls them again and again, in agent-driven mode: it points the output sink
- * at hmx_rcli_buffer, sets hmx_rcli_fromdpa, runs a command text, sends the buffer on, and asks for
- * the next page with the continuation word that the command left behind:
+ * at hmx_rcli_buffer, runs a command text, sends the buffer on, and asks for the next page with the
+ * continuation word that the command left behind:
  *
- *     hmx_rcli_fromdpa = 1;
- *     hmx_rcli_buffer_ptr = hmx_rcli_buffer;      before every page
- *     hmx_rcli_entry_start_ptr = NULL;            before every page
- *     hmx_rcli_print_len = 0;                     before every page
- *     hmx_rcli_more_output = 0;                   before every page
+ *     kx_dpa_api_init(), hmx_cmd_init()           once
+ *     hmx_rcli_fromdpa = 1;                       once
+ *     hmx_rcli_buffer[0] = '\0';                  before every run, as are the next four
+ *     hmx_rcli_buffer_ptr = hmx_rcli_buffer;
+ *     hmx_rcli_entry_start_ptr = NULL;
+ *     hmx_rcli_print_len = 0;
+ *     hmx_rcli_more_output = 0;
  *     hmx_cmd_run(text, (int)strlen(text), 1);
- *     length = hmx_rcli_buffer_ptr - hmx_rcli_buffer, at most HMX_RCLI_BUFFER_SIZE
- *     hmx_rcli_more_output != 0: run the same command with "cookie <hmx_rcli_more_output>" next
+ *     the page is the NUL-terminated text in hmx_rcli_buffer
+ *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" behind it, N being
+ *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does
+ *     hmx_cmd_exit(), kx_dpa_api_exit()           once
  *
- * All state here is one set per process and is not locked: one command runs at a time.
- * This header can be included from C and from C++.
+ * Nothing here resets the sink: what the host leaves in it, the next run finds. All state is one
+ * set per process and is not locked: one command runs at a time. Lines about refused and unknown
+ * commands, and trace lines, go to standard output, never into the buffer.
+ *
+ * Everything is 32-bit x86 code. This header can be included from C and from C++.
  */
 #ifndef HMX_CMD_H
 #define HMX_CMD_H
@@ -60,32 +67,43 @@ int hmx_cmd_run(const char *text, int length, int from_agent);
  */
 int hmx_cmd_help(char *buffer, unsigned int size);
 
-/* The remote-CLI output buffer. The host reads it after a run. */
+/*
+ * The remote-CLI output buffer. Every write ends with a NUL inside the buffer, so a cut text is
+ * HMX_RCLI_BUFFER_SIZE - 1 characters at most. A run that prints nothing leaves the buffer alone.
+ */
 extern char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
 
 /*
  * Next write position; NULL (at start) selects standard output. The host sets it to the buffer's
- * start before each run. After a run a position at or past the buffer's end says that output was
- * cut or dropped: the buffer then holds HMX_RCLI_BUFFER_SIZE bytes at most.
+ * start before each run. Writes that find no room are dropped but move it all the same, so behind a
+ * full buffer it does not tell the text's length, and may lie past the buffer's end.
  */
 extern char *hmx_rcli_buffer_ptr;
 
 /*
- * Start of the entry being written, owned by the host. While it is NULL a write needs 201 free
- * bytes in the buffer; while it is set a write goes in as long as one byte is free.
+ * Start of the entry being written, owned by the host: the command layer only reads it. While it is
+ * NULL a write needs 201 free bytes in the buffer; while it is set a write goes in as long as one
+ * byte is free, and is cut at the end.
  */
 extern char *hmx_rcli_entry_start_ptr;
 
-/* Characters that the last buffered write needed, also when it was cut. The host clears it. */
+/*
+ * Characters that the last write into the buffer needed, also when it was cut. The host clears it
+ * before a run, as a first write that finds no room moves the position by it.
+ */
 extern int32_t hmx_rcli_print_len;
 
 /*
  * Continuation word of paging commands: 0 when the output is complete, otherwise the cookie for the
- * next page. Commands that page set it; others leave it alone, so the host clears it before a run.
+ * next page, the key of the last entry. Commands that do not page leave it alone, so the host
+ * clears it before a run.
  */
 extern uint32_t hmx_rcli_more_output;
 
-/* Non-zero selects agent-driven mode: paged commands print one page and honour a cookie. */
+/*
+ * Non-zero selects agent-driven mode: paged commands print one page and honour a cookie. 0 at
+ * start; the host sets it. It is independent of hmx_cmd_run's from_agent, which refuses rows.
+ */
 extern int32_t hmx_rcli_fromdpa;
 
 /* Reserved for the host; nothing here reads or writes it. */

@@ -1,0 +1,305 @@
+// The command layer inside a host process that serves the remote CLI, on the built-in host.
+#include "frontend/handlers.h"
+#include "frontend/hmx_cmd.h"
+#include "frontend/kestrel_cmd_list.h"
+#include "frontend/kxcmd.h"
+#include "sim/interpose.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int PAGES_LIMIT = 1000;
+constexpr size_t ROOM_FOR_A_ROW = 201;
+
+struct run {
+    std::string page;    // what reached the remote-CLI buffer
+    std::string console; // what reached standard output
+    int requests = 0;
+    uint32_t cookie = 0;
+
+    bool did_something() const {
+        return !page.empty() || requests > 0;
+    }
+};
+
+// Handlers that are about to land; the list goes when it is empty.
+const std::set<kestrel_cmd_handler> PENDING = {
+    kx_port_vlan_table_dump,
+    kx_port_seg_table_dump,
+    kx_port_security_table_dump,
+    kx_port_old_table_dump,
+    kx_trunk_table_dump,
+    kx_port_dvport_info_table_dump,
+    kx_show_port_device_type,
+    kx_port_table_mac_dump,
+    kx_pc_table_dump,
+    kx_show_ltl_range,
+    kx_l2_table_dump_vlan,
+    kx_l2_table_dump_all,
+    kx_l2_table_dump_bdname,
+    kx_l2_table_dump_segid,
+    kx_l2_table_dump_slotwise,
+    kx_vlan_list_dump,
+    kx_bd_table_dump,
+    kx_bd_table_dump_bdname,
+    kx_segment_table_dump,
+    kx_bd_table_dump_dr,
+    kx_card_version,
+    kx_show_krt_uptime,
+    kx_card_dump,
+    kx_show_heaps,
+    kx_show_mempools,
+    kx_show_assert,
+    kestrel_cmd_set_port_mode_and_native_vlan,
+    kx_set_iscsi_pinning,
+    kx_set_sched_ids_state,
+    kx_set_qos_stat_state,
+    kx_set_qos_stat_dispatch_state,
+    kx_bvl_set_sgt,
+    kx_bvl_set_trust,
+    kx_bvl_set_enable,
+    kx_bvl_set_pol,
+    kx_bvl_set_enforcement,
+    kx_bvl_set_propagate,
+};
+
+bool is_stub(kestrel_cmd_handler handler) {
+#define LIST_STUB_HANDLER(name) name,
+    static const std::set<kestrel_cmd_handler> STUBS = {kx_show_empty,
+                                                        KESTREL_STUB_HANDLERS(LIST_STUB_HANDLER)};
+#undef LIST_STUB_HANDLER
+    return STUBS.contains(handler) || PENDING.contains(handler);
+}
+
+// The keywords as they stand, the documentation ones among them, so that exactly this row matches.
+std::string all_keywords(const kestrel_cmd_row &row) {
+    std::string text;
+    for (const char *keyword : row.keywords) {
+        if (keyword == nullptr)
+            break;
+        text += (text.empty() ? "" : " ") + std::string(keyword);
+    }
+    return text;
+}
+
+bool has_cookie(const kestrel_cmd_row &row) {
+    return std::any_of(std::begin(row.keywords), std::end(row.keywords), [](const char *keyword) {
+        return keyword != nullptr && strcmp(keyword, "cookie") == 0;
+    });
+}
+
+// The words that an operator types: up to the first keyword that only documents.
+std::string typed_keywords(const kestrel_cmd_row &row) {
+    const std::string all = all_keywords(row);
+    const std::string typed = all.substr(0, all.find_first_of("[<{|"));
+    return typed.substr(0, std::min(typed.find(" cookie"), typed.find_last_not_of(' ') + 1));
+}
+
+std::vector<kestrel_cmd_row> rows_where(bool (*wanted)(const kestrel_cmd_row &)) {
+    std::vector<kestrel_cmd_row> rows;
+    std::copy_if(std::begin(kestrel_cmd_list), std::end(kestrel_cmd_list), std::back_inserter(rows),
+                 [&](const kestrel_cmd_row &row) { return row.handler != nullptr && wanted(row); });
+    return rows;
+}
+
+class HostProcess : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string error;
+        ASSERT_TRUE(parse_host(builtin_host_text(), "builtin", driver.state, error)) << error;
+        driver.trace = [this](const std::string &) { ++requests; };
+        driver.complain = [](const std::string &line) { ADD_FAILURE() << line; };
+        interpose_model(&driver);
+        ASSERT_EQ(kx_dpa_api_init(), 0);
+    }
+
+    void TearDown() override {
+        point_sink_at(nullptr);
+        hmx_rcli_fromdpa = 0;
+        kx_dpa_api_exit();
+        interpose_model(nullptr);
+    }
+
+    static void point_sink_at(char *start) {
+        hmx_rcli_buffer[0] = '\0';
+        hmx_rcli_buffer_ptr = start;
+        hmx_rcli_entry_start_ptr = nullptr;
+        hmx_rcli_print_len = 0;
+        hmx_rcli_more_output = 0;
+    }
+
+    run execute(const std::string &text, int from_agent) {
+        requests = 0;
+        testing::internal::CaptureStdout();
+        hmx_cmd_run(text.c_str(), static_cast<int>(text.size()), from_agent);
+        fflush(stdout);
+        run seen;
+        seen.console = testing::internal::GetCapturedStdout();
+        seen.page = std::string(hmx_rcli_buffer, strnlen(hmx_rcli_buffer, sizeof hmx_rcli_buffer));
+        seen.requests = requests;
+        seen.cookie = hmx_rcli_more_output;
+        return seen;
+    }
+
+    run run_page(const std::string &text) {
+        point_sink_at(hmx_rcli_buffer);
+        hmx_rcli_fromdpa = 1;
+        return execute(text, 1);
+    }
+
+    std::string run_from_shell(const std::string &text) {
+        point_sink_at(nullptr);
+        hmx_rcli_fromdpa = 0;
+        return execute(text, 0).console;
+    }
+
+    // All pages of a command, one behind the other.
+    std::string run_pages(const std::string &command) {
+        run seen = run_page(command);
+        std::string pages = seen.page;
+        uint32_t previous = 0;
+        for (int count = 0; seen.cookie != 0 && seen.cookie != previous; ++count) {
+            if (count == PAGES_LIMIT) {
+                ADD_FAILURE() << command << " does not end";
+                break;
+            }
+            previous = seen.cookie;
+            seen = run_page(command + " cookie " + std::to_string(previous));
+            EXPECT_EQ(seen.console, "");
+            pages += seen.page;
+        }
+        return pages;
+    }
+
+    model driver;
+    int requests = 0;
+};
+
+TEST_F(HostProcess, RefusesRowsThatAreNotAllowedFromTheAgent) {
+    const auto refused =
+        rows_where([](const kestrel_cmd_row &row) { return row.allowed_from_agent == 0; });
+    EXPECT_FALSE(refused.empty());
+    for (const kestrel_cmd_row &row : refused) {
+        const std::string command = all_keywords(row);
+        char message[64];
+        snprintf(message, sizeof message, ": Cmd not permitted from DPA %p\n",
+                 reinterpret_cast<void *>(row.handler));
+        const run seen = run_page(command);
+        EXPECT_TRUE(seen.console.ends_with(message)) << command << ": " << seen.console;
+        EXPECT_FALSE(seen.did_something()) << command;
+    }
+}
+
+TEST_F(HostProcess, RunsEveryAllowedRow) {
+    for (const kestrel_cmd_row &row : rows_where([](const kestrel_cmd_row &candidate) {
+             return candidate.allowed_from_agent != 0 && !is_stub(candidate.handler);
+         })) {
+        const std::string command = typed_keywords(row);
+        const run plain = run_page(command);
+        const run with_argument = run_page(command + " 1 ltl 20");
+        EXPECT_TRUE(plain.did_something() || with_argument.did_something()) << command;
+        EXPECT_EQ(plain.console + with_argument.console, "") << command;
+    }
+}
+
+std::vector<std::string> lines_of(const std::string &text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+TEST_F(HostProcess, PagesHoldTheRowsOfTheShellRun) {
+    for (const kestrel_cmd_row &row : rows_where([](const kestrel_cmd_row &candidate) {
+             return candidate.allowed_from_agent != 0 && has_cookie(candidate) &&
+                    !is_stub(candidate.handler);
+         })) {
+        const std::string command = typed_keywords(row);
+        const std::string whole = run_from_shell(command);
+        EXPECT_NE(whole, "") << command;
+        EXPECT_EQ(lines_of(run_pages(command)), lines_of(whole)) << command;
+    }
+}
+
+// What a buffer of the sink's size takes of a text that is printed line by line.
+std::string expected_cut(const std::string &text, bool in_entry) {
+    if (in_entry)
+        return text.substr(0, HMX_RCLI_BUFFER_SIZE - 1);
+    size_t length = 0;
+    while (length + ROOM_FOR_A_ROW <= HMX_RCLI_BUFFER_SIZE)
+        length = text.find('\n', length) + 1;
+    return text.substr(0, length);
+}
+
+TEST_F(HostProcess, CutsATableThatIsLargerThanTheBuffer) {
+    driver.state.acls.acls.assign(KX_ACL_LIMIT, kx_acl_record{});
+    for (uint32_t i = 0; i < KX_ACL_LIMIT; ++i) {
+        kx_acl_record &acl = driver.state.acls.acls[i];
+        acl.id = i;
+        memset(acl.name, 'x', sizeof acl.name);
+    }
+    const std::string whole = run_from_shell("show acl");
+    ASSERT_GT(whole.size(), 2U * HMX_RCLI_BUFFER_SIZE);
+    hmx_rcli_fromdpa = 1;
+    for (const bool in_entry : {false, true}) {
+        point_sink_at(hmx_rcli_buffer);
+        hmx_rcli_entry_start_ptr = in_entry ? hmx_rcli_buffer : nullptr;
+        const run seen = execute("show acl", 1);
+        EXPECT_EQ(seen.page, expected_cut(whole, in_entry)) << "in an entry: " << in_entry;
+        EXPECT_EQ(seen.console, "");
+        EXPECT_GT(hmx_rcli_buffer_ptr, hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE);
+    }
+    EXPECT_NE(run_page("show lacp").page, "") << "the next page starts afresh";
+}
+
+int calls;
+
+int fail_command(const char * /*arg*/) {
+    ++calls;
+    return -1;
+}
+
+int stop_commands(const char * /*arg*/) {
+    ++calls;
+    return KXCMD_STOP;
+}
+
+TEST_F(HostProcess, OnlyAStopEndsTheCommandsOfAText) {
+    const auto row =
+        std::find_if(std::begin(kestrel_cmd_list), std::end(kestrel_cmd_list),
+                     [](const kestrel_cmd_row &it) { return it.handler == kx_show_acl; });
+    ASSERT_NE(row, std::end(kestrel_cmd_list));
+    const struct {
+        kestrel_cmd_handler handler;
+        int calls;
+        bool goes_on;
+    } cases[] = {{fail_command, 2, true}, {stop_commands, 1, false}};
+    for (const auto &each : cases) {
+        calls = 0;
+        row->handler = each.handler;
+        const run seen = run_page("show acl;show acl\nshow lacp 20");
+        EXPECT_EQ(calls, each.calls);
+        EXPECT_EQ(seen.did_something(), each.goes_on);
+    }
+    row->handler = kx_show_acl;
+}
+
+TEST_F(HostProcess, ComplainsAboutAnArgumentWithoutAWord) {
+    point_sink_at(hmx_rcli_buffer);
+    hmx_rcli_fromdpa = 1;
+    for (const kestrel_cmd_handler handler : {kx_show_lacp, kx_show_lacp_hostdata}) {
+        EXPECT_EQ(handler("  "), 0);
+    }
+    EXPECT_STREQ(hmx_rcli_buffer, "Invalid arg\nInvalid arg\n");
+    EXPECT_EQ(requests, 0);
+}
+
+} // namespace
