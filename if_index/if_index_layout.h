@@ -138,10 +138,11 @@ struct if_index_field {
     uint8_t base; // displayed number minus stored number
 };
 
-// The fields under the names KIND_FIELD, for example if_layout::veth_vport.
+// The fields under the names KIND_FIELD, for example if_layout::veth_vport. They are not inline: an
+// inline variable would show in the static library, since no tool makes its symbol local.
 namespace if_layout {
 #define IF_INDEX_FIELD(kind, type, field, high, low, base)                                         \
-    inline constexpr if_index_field kind##_##field = {IF_TYPE_##type, high, low, base};
+    constexpr if_index_field kind##_##field = {IF_TYPE_##type, high, low, base};
 #define IF_INDEX_FIELDS_1(kind, type, f, h, l, b) IF_INDEX_FIELD(kind, type, f, h, l, b)
 #define IF_INDEX_FIELDS_2(kind, type, f, h, l, b, ...)                                             \
     IF_INDEX_FIELD(kind, type, f, h, l, b)                                                         \
