@@ -22,18 +22,21 @@ bool append_piece(std::vector<uint8_t> &bytes, std::string_view piece) {
         const char *first = piece.data() + star + 1;
         const char *last = piece.data() + piece.size();
         const auto [end, error] = std::from_chars(first, last, repeat);
-        if (error != std::errc{} || end != last || repeat > BYTES_LIMIT || star != 2)
+        if (error != std::errc{} || end != last || repeat > BYTES_LIMIT || star != 2) {
             return false;
+        }
         piece = piece.substr(0, star);
     }
-    if (piece.empty() || piece.size() % 2 != 0)
+    if (piece.empty() || piece.size() % 2 != 0) {
         return false;
+    }
     for (size_t at = 0; at < piece.size(); at += 2) {
         uint8_t byte = 0;
         const char *last = piece.data() + at + 2;
         const auto [end, error] = std::from_chars(piece.data() + at, last, byte, 16);
-        if (error != std::errc{} || end != last)
+        if (error != std::errc{} || end != last) {
             return false;
+        }
         bytes.insert(bytes.end(), repeat, byte);
     }
     return bytes.size() <= BYTES_LIMIT;
@@ -46,17 +49,20 @@ std::string bytes_to_hex(std::span<const uint8_t> bytes) {
     bool after_run = false;
     for (size_t at = 0; at < bytes.size();) {
         size_t run = 1;
-        while (at + run < bytes.size() && bytes[at + run] == bytes[at])
+        while (at + run < bytes.size() && bytes[at + run] == bytes[at]) {
             run++;
+        }
         const bool shortened = run >= SHORTEST_RUN;
-        if (!text.empty() && (shortened || after_run))
+        if (!text.empty() && (shortened || after_run)) {
             text += ',';
+        }
         if (shortened) {
             append_byte(text, bytes[at]);
             text += '*' + std::to_string(run);
         } else {
-            for (size_t i = 0; i < run; i++)
+            for (size_t i = 0; i < run; i++) {
                 append_byte(text, bytes[at]);
+            }
         }
         after_run = shortened;
         at += run;
@@ -68,13 +74,16 @@ std::optional<std::vector<uint8_t>> bytes_from_hex(std::string_view text) {
     std::vector<uint8_t> bytes;
     while (!text.empty()) {
         const size_t comma = text.find(',');
-        if (!append_piece(bytes, text.substr(0, comma)))
+        if (!append_piece(bytes, text.substr(0, comma))) {
             return std::nullopt;
-        if (comma == std::string_view::npos)
+        }
+        if (comma == std::string_view::npos) {
             return bytes;
+        }
         text.remove_prefix(comma + 1);
-        if (text.empty())
+        if (text.empty()) {
             return std::nullopt;
+        }
     }
     return bytes;
 }

@@ -12,8 +12,9 @@ namespace {
 void parse_families(std::string_view text, host &into) {
     const json_value tree = parse_json(text);
     object_reader file(tree, "");
-    for (const family *part : all_families())
+    for (const family *part : all_families()) {
         part->parse(file, into);
+    }
     parse_overrides(file, into.overrides);
     file.finish();
 }
@@ -36,13 +37,15 @@ bool load_host(const std::string &path, host &into, std::string &error) {
     if (file != nullptr) {
         char piece[4096];
         size_t got = 0;
-        while ((got = std::fread(piece, 1, sizeof piece, file)) > 0)
+        while ((got = std::fread(piece, 1, sizeof piece, file)) > 0) {
             text.append(piece, got);
+        }
     }
     const bool failed = file == nullptr || std::ferror(file) != 0;
     const int reason = errno;
-    if (file != nullptr)
+    if (file != nullptr) {
         std::fclose(file);
+    }
     if (failed) {
         error = path + ":0: cannot be read: " + std::strerror(reason);
         return false;

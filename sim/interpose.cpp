@@ -34,8 +34,9 @@ bool is_device(const char *path) {
 // A descriptor of the process's own, so that numbers never collide; nothing is read through it.
 int open_device(int flags) {
     const int descriptor = next(&open, "open")("/dev/null", O_RDONLY | (flags & O_CLOEXEC));
-    if (descriptor != -1)
+    if (descriptor != -1) {
         device_descriptors().insert(descriptor);
+    }
     return descriptor;
 }
 
@@ -49,10 +50,12 @@ int device_ioctl(unsigned long code, void *argument) {
     kxdpa_request record{};
     const auto address = reinterpret_cast<uintptr_t>(argument);
     int error = memory.read(address, &record, sizeof record) ? 0 : EFAULT;
-    if (error == 0)
+    if (error == 0) {
         error = model_request(*answering, record, memory);
-    if (error == 0)
+    }
+    if (error == 0) {
         memory.write(address, &record, sizeof record);
+    }
     errno = error == 0 ? errno : error;
     return error == 0 ? 0 : -1;
 }
@@ -69,6 +72,8 @@ void interpose_model(model *driver) {
     answering = driver;
 }
 
+// Parameters are named for what they are here, not as the C library's headers do.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 EXPORTED int open(const char *path, int flags, ...) {
@@ -120,3 +125,4 @@ EXPORTED int close(int descriptor) {
     device_descriptors().erase(descriptor);
     return next(&close, "close")(descriptor);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -71,8 +71,9 @@ struct tree_builder {
     }
 
     bool enter(json_value::kind type) {
-        if (open.size() == DEPTH_LIMIT)
+        if (open.size() == DEPTH_LIMIT) {
             throw host_error{line(), "nested too deeply"};
+        }
         open.push_back(&add(type, line()));
         return true;
     }
@@ -123,8 +124,9 @@ struct tree_builder {
     }
     bool key(std::string &name) {
         for (const json_member &member : open.back()->members) {
-            if (member.key == name)
+            if (member.key == name) {
                 throw host_error{line(), "\"" + name + "\" is given twice"};
+            }
         }
         open.back()->members.push_back({std::move(name), {}});
         return true;

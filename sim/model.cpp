@@ -42,8 +42,9 @@ std::string check_head(const kxdpa_request &request) {
         return wrong("version", request.version, KXDPA_KERNEL_VERSION);
     }
     for (const uint8_t byte : request.reserved) {
-        if (byte != 0)
+        if (byte != 0) {
             return wrong("reserved", byte, 0);
+        }
     }
     for (const uint32_t length : {request.len1, request.len2}) {
         if (length > TRANSFER_LIMIT) {
@@ -56,14 +57,18 @@ std::string check_head(const kxdpa_request &request) {
 std::string check_capacity(const kxdpa_request &request, const answer &expected) {
     const uint32_t one = has(request, KXDPA_FLAG_MAX) ? 1 : 0;
     const uint32_t two = has(request, KXDPA_FLAG_TWO) ? one : 0;
-    if (request.max1_valid != one)
+    if (request.max1_valid != one) {
         return wrong("max1_valid", request.max1_valid, one);
-    if (request.max2_valid != two)
+    }
+    if (request.max2_valid != two) {
         return wrong("max2_valid", request.max2_valid, two);
-    if (one == 0 && request.max1 != 0)
+    }
+    if (one == 0 && request.max1 != 0) {
         return wrong("max1", request.max1, 0);
-    if (two == 0 && request.max2 != 0)
+    }
+    if (two == 0 && request.max2 != 0) {
         return wrong("max2", request.max2, 0);
+    }
     if (one != 0 && request.max1 < expected.capacity) {
         return format("max1 is %u, expected at least %u", request.max1, expected.capacity);
     }
@@ -73,16 +78,19 @@ std::string check_capacity(const kxdpa_request &request, const answer &expected)
 std::string check_buffers(const kxdpa_request &request) {
     const bool one = !has(request, KXDPA_FLAG_NODATA);
     const bool two = has(request, KXDPA_FLAG_TWO);
-    if ((request.buf1 != 0) != one)
+    if ((request.buf1 != 0) != one) {
         return one ? "buf1 is 0, expected a buffer" : "buf1 is set, expected 0";
-    if ((request.buf2 != 0) != two)
+    }
+    if ((request.buf2 != 0) != two) {
         return two ? "buf2 is 0, expected a buffer" : "buf2 is set, expected 0";
+    }
     return "";
 }
 
 std::string check_form(const kxdpa_request &request, const answer &expected) {
-    if (request.flags != expected.flags)
+    if (request.flags != expected.flags) {
         return wrong("flags", request.flags, expected.flags);
+    }
     if (expected.len1 != ANY_LENGTH && request.len1 != expected.len1) {
         return wrong("len1", request.len1, expected.len1);
     }
@@ -98,20 +106,24 @@ const answer *find_answer(const kxdpa_request &request) {
     const answer *found = nullptr;
     for (const family *part : all_families()) {
         for (const answer &candidate : part->answers) {
-            if (candidate.opcode != request.opcode)
+            if (candidate.opcode != request.opcode) {
                 continue;
-            if (candidate.flags == request.flags)
+            }
+            if (candidate.flags == request.flags) {
                 return &candidate;
-            if (found == nullptr)
+            }
+            if (found == nullptr) {
                 found = &candidate;
+            }
         }
     }
     return found;
 }
 
 bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector<uint8_t> &input) {
-    if (!has(request, KXDPA_FLAG_IN) && !has(request, KXDPA_FLAG_TWO))
+    if (!has(request, KXDPA_FLAG_IN) && !has(request, KXDPA_FLAG_TWO)) {
         return true;
+    }
     input.resize(std::min(request.len1, TRANSFER_LIMIT));
     if (!input.empty()) {
         return memory.read(request.buf1, input.data(), static_cast<uint32_t>(input.size()));
@@ -119,10 +131,12 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
     // A string: its length is its terminator's, and the caller's text may be shorter than max1.
     for (uint32_t i = 0; request.buf1 != 0 && i < std::min(request.max1, TRANSFER_LIMIT); i++) {
         uint8_t byte = 0;
-        if (!memory.read(request.buf1 + i, &byte, 1))
+        if (!memory.read(request.buf1 + i, &byte, 1)) {
             return false;
-        if (byte == 0)
+        }
+        if (byte == 0) {
             break;
+        }
         input.push_back(byte);
     }
     return true;
@@ -146,8 +160,9 @@ destination reply_destination(kxdpa_request &record) {
 
 // Never writes past the room that the caller gave, whatever an override says.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk, bool forced) {
-    if (!has(record, KXDPA_FLAG_OUT))
+    if (!has(record, KXDPA_FLAG_OUT)) {
         return true;
+    }
     const destination to = reply_destination(record);
     std::vector<uint8_t> bytes = talk.reply;
     if (to.returned == nullptr && !forced && talk.status == KXDPA_STATUS_SUCCESS) {
@@ -157,10 +172,11 @@ bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &t
     if (to.returned != nullptr) {
         const auto full = static_cast<uint32_t>(bytes.size());
         const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;
-        if (talk.returned)
+        if (talk.returned) {
             *to.returned = *talk.returned;
-        else if (replied)
+        } else if (replied) {
             *to.returned = forced ? full : count;
+        }
     }
     return count == 0 || (to.address != 0 && memory.write(to.address, bytes.data(), count));
 }
@@ -168,25 +184,32 @@ bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &t
 std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &input) {
     std::string line =
         format("op %u arg 0x%x flags %u", request.opcode, request.arg, request.flags);
-    if (request.len1 != 0)
+    if (request.len1 != 0) {
         line += format(" len %u", request.len1);
-    if (request.len2 != 0)
+    }
+    if (request.len2 != 0) {
         line += format(" len2 %u", request.len2);
-    if (request.max1_valid != 0)
+    }
+    if (request.max1_valid != 0) {
         line += format(" max %u", request.max1);
-    if (request.max2_valid != 0)
+    }
+    if (request.max2_valid != 0) {
         line += format(" max2 %u", request.max2);
-    if (!input.empty())
+    }
+    if (!input.empty()) {
         line += " in " + bytes_to_hex(input);
+    }
     return line;
 }
 
 std::string describe_outcome(const kxdpa_request &record) {
     std::string line = format(" -> %u", record.status);
-    if (record.max1_valid != 0)
+    if (record.max1_valid != 0) {
         line += format(" max %u", record.max1);
-    if (record.max2_valid != 0)
+    }
+    if (record.max2_valid != 0) {
         line += format(" max2 %u", record.max2);
+    }
     return line;
 }
 
@@ -206,10 +229,12 @@ void answer_request(host &state, exchange &talk, const answer *known, const over
     } else {
         known->reply(state, talk);
     }
-    if (rule != nullptr && rule->length)
+    if (rule != nullptr && rule->length) {
         talk.reply.resize(*rule->length);
-    if (rule != nullptr)
+    }
+    if (rule != nullptr) {
         talk.returned = rule->returned;
+    }
 }
 
 int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
@@ -223,16 +248,19 @@ int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
         record.status = SIM_STATUS_MALFORMED;
         return 0;
     }
-    if (!readable)
+    if (!readable) {
         return EFAULT;
-    if (rule != nullptr && rule->error != 0)
+    }
+    if (rule != nullptr && rule->error != 0) {
         return rule->error;
+    }
     const kxdpa_request asked = record;
     exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}};
     answer_request(driver.state, talk, known, rule);
     const bool forced = rule != nullptr && (rule->reply || rule->length);
-    if (!write_reply(record, memory, talk, forced))
+    if (!write_reply(record, memory, talk, forced)) {
         return EFAULT;
+    }
     record.status = talk.status;
     return 0;
 }
@@ -242,32 +270,36 @@ int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
 caller_memory::~caller_memory() = default;
 
 bool own_memory::read(uint32_t address, void *to, uint32_t length) {
-    if (address < LOWEST_ADDRESS)
+    if (address < LOWEST_ADDRESS) {
         return false;
+    }
     std::memcpy(to, reinterpret_cast<const void *>(address), length);
     return true;
 }
 
 bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
-    if (address < LOWEST_ADDRESS)
+    if (address < LOWEST_ADDRESS) {
         return false;
+    }
     std::memcpy(reinterpret_cast<void *>(address), from, length);
     return true;
 }
 
 void model_complain(const model &driver, const std::string &line) {
-    if (driver.complain)
+    if (driver.complain) {
         driver.complain(line);
-    else
+    } else {
         std::fprintf(stderr, "kestrel: %s\n", line.c_str());
+    }
 }
 
 int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
     std::vector<uint8_t> input;
     const kxdpa_request asked = record;
     const int error = run_request(driver, record, memory, input);
-    if (error != 0)
+    if (error != 0) {
         record = asked;
+    }
     if (driver.trace) {
         driver.trace(describe(asked, input) + (error == 0
                                                    ? describe_outcome(record)

@@ -38,8 +38,9 @@ std::vector<uint32_t> match(std::string_view text, std::string_view pattern) {
         if (expected == '#' || expected == '@') {
             uint32_t number = 0;
             const auto [rest, error] = std::from_chars(at, end, number, expected == '#' ? 10 : 16);
-            if (error != std::errc{})
+            if (error != std::errc{}) {
                 return {};
+            }
             numbers.push_back(number);
             at = rest;
         } else if (at == end || *at++ != expected) {
@@ -78,8 +79,9 @@ object_reader::object_reader(const json_value &value, std::string path)
 
 const json_value *object_reader::find(std::string_view key) const {
     for (const json_member &member : object_.members) {
-        if (member.key == key)
+        if (member.key == key) {
             return &member.value;
+        }
     }
     return nullptr;
 }
@@ -88,8 +90,9 @@ const json_value *object_reader::take(std::string_view key, json_value::kind typ
                                       const char *expected) {
     taken_.emplace(key);
     const json_value *value = find(key);
-    if (value != nullptr && value->type != type)
+    if (value != nullptr && value->type != type) {
         fail(key, std::string("expected ") + expected);
+    }
     return value;
 }
 
@@ -107,14 +110,16 @@ bool object_reader::has(std::string_view key) const {
 }
 
 void object_reader::require(std::string_view key) const {
-    if (!has(key))
+    if (!has(key)) {
         fail(key, "is missing");
+    }
 }
 
 void object_reader::finish() const {
     for (const json_member &member : object_.members) {
-        if (!taken_.contains(member.key))
+        if (!taken_.contains(member.key)) {
             fail(member.key, "unknown key");
+        }
     }
 }
 
@@ -149,10 +154,12 @@ uint32_t object_reader::choice_or(std::string_view key, uint32_t otherwise,
                                   std::initializer_list<named_number> names, uint32_t most) {
     taken_.emplace(key);
     const json_value *value = find(key);
-    if (value == nullptr)
+    if (value == nullptr) {
         return otherwise;
-    if (value->type == json_value::kind::number)
+    }
+    if (value->type == json_value::kind::number) {
         return static_cast<uint32_t>(number_of(key, *value, 0, most));
+    }
     std::string expected;
     for (const named_number &choice : names) {
         if (value->type == json_value::kind::text && value->text == choice.name) {
@@ -165,8 +172,9 @@ uint32_t object_reader::choice_or(std::string_view key, uint32_t otherwise,
 
 void object_reader::text(std::string_view key, std::string &field, size_t most) {
     const json_value *value = take(key, json_value::kind::text, "a text");
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     if (value->text.size() > most) {
         fail(key, "expected at most " + std::to_string(most) + " bytes");
     }
@@ -174,28 +182,32 @@ void object_reader::text(std::string_view key, std::string &field, size_t most) 
 }
 
 void object_reader::copy_text(std::string_view key, char *field, size_t size) {
-    if (!has(key))
+    if (!has(key)) {
         return;
+    }
     std::string copy;
     text(key, copy, size);
     std::memset(field, 0, size);
-    std::memcpy(field, copy.data(), copy.size());
+    std::copy(copy.begin(), copy.end(), field);
 }
 
 void object_reader::bytes(std::string_view key, std::vector<uint8_t> &field) {
     const json_value *value = take(key, json_value::kind::text, "bytes in hexadecimal");
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     const std::optional<std::vector<uint8_t>> parsed = bytes_from_hex(value->text);
-    if (!parsed)
+    if (!parsed) {
         fail(key, "expected bytes in hexadecimal");
+    }
     field = *parsed;
 }
 
 void object_reader::mac(std::string_view key, std::array<uint8_t, 6> &field) {
     const json_value *value = take(key, json_value::kind::text, "a MAC address");
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     const std::vector<uint32_t> bytes = match(value->text, "@:@:@:@:@:@");
     for (size_t i = 0; i < field.size(); i++) {
         if (!within(bytes, i, 0, UINT8_MAX)) {
@@ -215,8 +227,9 @@ void object_reader::ipv4(std::string_view key, uint32_t &field) {
 void object_reader::interface(std::string_view key, uint32_t &field) {
     taken_.emplace(key);
     const json_value *value = find(key);
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     const uint32_t named = interface_index(value->text);
     if (named == 0 && value->type == json_value::kind::text && number_in(value->text) < 0) {
         fail(key, "expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or a number");
@@ -228,18 +241,21 @@ void object_reader::numbers(std::string_view key, std::set<uint32_t> &field, uin
                             uint32_t most) {
     taken_.emplace(key);
     const json_value *value = find(key);
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     field.clear();
     if (value->type == json_value::kind::list) {
-        for (const json_value &item : value->items)
+        for (const json_value &item : value->items) {
             field.insert(static_cast<uint32_t>(number_of(key, item, least, most)));
+        }
         return;
     }
     const std::string expected = "expected numbers from " + std::to_string(least) + " to " +
                                  std::to_string(most) + " such as \"1,10-20\"";
-    if (value->type != json_value::kind::text)
+    if (value->type != json_value::kind::text) {
         fail(key, expected);
+    }
     std::string rest = value->text;
     while (!rest.empty()) {
         const size_t comma = std::min(rest.find(','), rest.size());
@@ -247,21 +263,25 @@ void object_reader::numbers(std::string_view key, std::set<uint32_t> &field, uin
         rest.erase(0, comma + 1);
         const std::vector<uint32_t> single = match(piece, "#");
         const std::vector<uint32_t> range = single.empty() ? match(piece, "#-#") : single;
-        if (range.empty())
+        if (range.empty()) {
             fail(key, expected);
+        }
         const uint32_t first = range.front();
         const uint32_t last = range.back();
-        if (first < least || last > most || first > last)
+        if (first < least || last > most || first > last) {
             fail(key, expected);
-        for (uint32_t number = first; number <= last; number++)
+        }
+        for (uint32_t number = first; number <= last; number++) {
             field.insert(number);
+        }
     }
 }
 
 void object_reader::object(std::string_view key, const std::function<void(object_reader &)> &read) {
     const json_value *value = take(key, json_value::kind::object, "an object");
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     object_reader reader(*value, path_of(key));
     read(reader);
     reader.finish();
@@ -269,8 +289,9 @@ void object_reader::object(std::string_view key, const std::function<void(object
 
 void object_reader::each(std::string_view key, const std::function<void(object_reader &)> &read) {
     const json_value *value = take(key, json_value::kind::list, "a list");
-    if (value == nullptr)
+    if (value == nullptr) {
         return;
+    }
     for (size_t i = 0; i < value->items.size(); i++) {
         object_reader reader(value->items[i], path_of(key) + "[" + std::to_string(i) + "]");
         read(reader);

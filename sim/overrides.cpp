@@ -11,8 +11,9 @@ template <typename number>
 void optional_number(object_reader &rule, std::string_view key, std::optional<number> &field) {
     number value = 0;
     rule.number(key, value);
-    if (rule.has(key))
+    if (rule.has(key)) {
         field = value;
+    }
 }
 
 override_rule parse_rule(object_reader &rule) {
@@ -24,10 +25,12 @@ override_rule parse_rule(object_reader &rule) {
     optional_number(rule, "status", parsed.status);
     optional_number(rule, "length", parsed.length);
     optional_number(rule, "returned", parsed.returned);
-    if (parsed.length > uint32_t{1} << 20)
+    if (parsed.length > uint32_t{1} << 20) {
         rule.fail("length", "expected at most 1048576");
-    if (rule.has("reply"))
+    }
+    if (rule.has("reply")) {
         rule.bytes("reply", parsed.reply.emplace());
+    }
     uint32_t error = 0;
     rule.choice("error", error,
                 {{"EPERM", EPERM},
@@ -58,13 +61,16 @@ const override_rule *find_override(std::vector<override_rule> &overrides,
                                    const kxdpa_request &request) {
     const override_rule *found = nullptr;
     for (override_rule &rule : overrides) {
-        if (rule.opcode != request.opcode)
+        if (rule.opcode != request.opcode) {
             continue;
-        if (rule.argument && *rule.argument != request.arg)
+        }
+        if (rule.argument && *rule.argument != request.arg) {
             continue;
+        }
         rule.seen++;
-        if (found == nullptr && (rule.only_time == 0 || rule.only_time == rule.seen))
+        if (found == nullptr && (rule.only_time == 0 || rule.only_time == rule.seen)) {
             found = &rule;
+        }
     }
     return found;
 }

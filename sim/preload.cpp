@@ -19,35 +19,39 @@ constexpr int EXIT_BAD_HOST = 2;
 // libraries stay.
 void forget_preload() {
     const char *listed = std::getenv("LD_PRELOAD");
-    if (listed == nullptr)
+    if (listed == nullptr) {
         return;
+    }
     std::string kept;
     std::string_view rest = listed;
     while (!rest.empty()) {
         const size_t end = rest.find_first_of(": ");
         const std::string_view entry = rest.substr(0, end);
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (entry.empty() || entry.ends_with(PRELOAD_LIBRARY))
+        if (entry.empty() || entry.ends_with(PRELOAD_LIBRARY)) {
             continue;
+        }
         kept += (kept.empty() ? "" : ":") + std::string(entry);
     }
-    if (kept.empty())
+    if (kept.empty()) {
         unsetenv("LD_PRELOAD");
-    else
+    } else {
         setenv("LD_PRELOAD", kept.c_str(), 1);
+    }
 }
 
 std::string take_variable(const char *name) {
     const char *value = std::getenv(name);
-    const std::string copy = value == nullptr ? "" : value;
+    std::string copy = value == nullptr ? "" : value;
     unsetenv(name);
     return copy;
 }
 
 void trace_into(model &driver, const std::string &path) {
     const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file == -1)
+    if (file == -1) {
         return;
+    }
     driver.trace = [file](const std::string &line) {
         // One write a line, so that lines of several processes do not mix. A full disk loses them.
         const std::string text = line + "\n";
@@ -69,8 +73,9 @@ __attribute__((constructor)) void start_simulation() {
         std::fprintf(stderr, "%s: %s\n", PRELOAD_LIBRARY, error.c_str());
         _exit(EXIT_BAD_HOST);
     }
-    if (!trace_path.empty())
+    if (!trace_path.empty()) {
         trace_into(*driver, trace_path);
+    }
     interpose_model(driver);
 }
 

@@ -78,23 +78,26 @@ std::string library_path() {
     char self[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
     std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);
-    for (int i = 0; i < 2; i++)
+    for (int i = 0; i < 2; i++) {
         path.erase(std::min(path.rfind('/'), path.size()));
+    }
     return path + "/lib/" + PRELOAD_LIBRARY;
 }
 
 bool check_host(const lab_options &options) {
     host ignored;
     std::string error;
-    if (options.host.empty() || load_host(options.host, ignored, error))
+    if (options.host.empty() || load_host(options.host, ignored, error)) {
         return true;
+    }
     std::fprintf(stderr, "tarnlab: %s\n", error.c_str());
     return false;
 }
 
 bool start_trace(const lab_options &options) {
-    if (options.trace.empty())
+    if (options.trace.empty()) {
         return true;
+    }
     const int file = open(options.trace.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file != -1) {
         close(file);
@@ -108,17 +111,20 @@ bool start_trace(const lab_options &options) {
 void set_variables(const lab_options &options) {
     std::string preload = library_path();
     const char *others = std::getenv("LD_PRELOAD");
-    if (others != nullptr && *others != '\0')
+    if (others != nullptr && *others != '\0') {
         preload += std::string(":") + others;
+    }
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    if (options.host.empty())
+    if (options.host.empty()) {
         unsetenv(HOST_VARIABLE);
-    else
+    } else {
         setenv(HOST_VARIABLE, options.host.c_str(), 1);
-    if (options.trace.empty())
+    }
+    if (options.trace.empty()) {
         unsetenv(TRACE_VARIABLE);
-    else
+    } else {
         setenv(TRACE_VARIABLE, options.trace.c_str(), 1);
+    }
 }
 
 [[noreturn]] void become_command(const lab_options &options) {
@@ -131,8 +137,9 @@ void set_variables(const lab_options &options) {
 
 int run_command(const lab_options &options) {
     const pid_t child = fork();
-    if (child == 0)
+    if (child == 0) {
         become_command(options);
+    }
     if (child == -1) {
         std::perror("tarnlab: fork");
         return EXIT_CANNOT_RUN;
@@ -151,9 +158,11 @@ int run_command(const lab_options &options) {
 int main(int argc, char **argv) {
     lab_options options;
     int exit_value = 0;
-    if (!read_options(argc, argv, options, exit_value))
+    if (!read_options(argc, argv, options, exit_value)) {
         return exit_value;
-    if (!check_host(options) || !start_trace(options))
+    }
+    if (!check_host(options) || !start_trace(options)) {
         return EXIT_USAGE;
+    }
     return run_command(options);
 }

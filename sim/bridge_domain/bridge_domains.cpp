@@ -61,18 +61,20 @@ void answer_count(host &state, exchange &talk) {
 
 void answer_next_index(host &state, exchange &talk) {
     const auto next = state.bridge_domains.by_index.upper_bound(talk.request.arg);
-    if (next == state.bridge_domains.by_index.end())
+    if (next == state.bridge_domains.by_index.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(next->first);
+    }
 }
 
 void answer_record(host &state, exchange &talk) {
     const auto found = state.bridge_domains.by_index.find(talk.request.arg);
-    if (found == state.bridge_domains.by_index.end())
+    if (found == state.bridge_domains.by_index.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(found->second.record);
+    }
 }
 
 // Answer a lookup with the first bridge domain that `matches` the record asked with.
@@ -117,10 +119,11 @@ void answer_by_segment(host &state, exchange &talk) {
 
 void answer_port_count(host &state, exchange &talk) {
     const auto found = state.bridge_domains.by_index.find(talk.request.arg);
-    if (found == state.bridge_domains.by_index.end())
+    if (found == state.bridge_domains.by_index.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(static_cast<uint32_t>(found->second.members.size()));
+    }
 }
 
 void answer_next_port(host &state, exchange &talk) {
@@ -132,18 +135,20 @@ void answer_next_port(host &state, exchange &talk) {
     const auto &members = found->second.members;
     const auto ltl = talk.input_as<uint32_t>();
     const auto next = ltl == BEFORE_FIRST_LTL ? members.begin() : members.upper_bound(ltl);
-    if (next == members.end())
+    if (next == members.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(*next);
+    }
 }
 
 // Group 0 stands before the first one and, in the reply, behind the last one.
 void answer_next_group(host &state, exchange &talk) {
     const auto group = talk.input_as<uint32_t>();
     for (const auto &[index, bd] : state.bridge_domains.by_index) {
-        if (bd.record.kind != 0 || bd.record.vlan != talk.request.arg)
+        if (bd.record.kind != 0 || bd.record.vlan != talk.request.arg) {
             continue;
+        }
         const auto current = std::find(bd.groups.begin(), bd.groups.end(), group);
         const auto next =
             group == 0 ? bd.groups.begin() : current + (current == bd.groups.end() ? 0 : 1);
@@ -159,10 +164,11 @@ void answer_vlan_count(host &state, exchange &talk) {
 
 void answer_next_vlan(host &state, exchange &talk) {
     const auto next = state.bridge_domains.vlans.upper_bound(talk.request.arg);
-    if (next == state.bridge_domains.vlans.end())
+    if (next == state.bridge_domains.vlans.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(*next);
+    }
 }
 
 constexpr answer ANSWERS[] = {

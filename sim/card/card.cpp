@@ -16,10 +16,11 @@ void parse_card(object_reader &file, host &into) {
 }
 
 void answer_domain(host &state, exchange &talk) {
-    if (state.card.version_mismatch)
+    if (state.card.version_mismatch) {
         talk.fail(KXDPA_STATUS_VERSION_MISMATCH);
-    else
+    } else {
         talk.reply_with(state.card.domain);
+    }
 }
 
 void answer_tunnel_mode(host &state, exchange &talk) {

@@ -76,8 +76,9 @@ port parse_port(object_reader &keys) {
     keys.object("krt", [&](object_reader &view) { parse_view(view, parsed.views[KX_VIEW_KRT]); });
     keys.object("system",
                 [&](object_reader &view) { parse_view(view, parsed.views[KX_VIEW_SYSTEM]); });
-    if (keys.has("mac"))
+    if (keys.has("mac")) {
         keys.mac("mac", parsed.mac.emplace());
+    }
     keys.flag("secure", parsed.secure);
     keys.number("secure_learning", parsed.security.learning);
     return parsed;
@@ -98,42 +99,47 @@ void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
     const bool from_start = talk.request.arg == KX_LTL_BEFORE_FIRST;
     const auto next = from_start ? ports.begin() : ports.upper_bound(talk.request.arg);
-    if (next == ports.end())
+    if (next == ports.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(next->first);
+    }
 }
 
 void answer_record(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
-    if (view == nullptr)
+    if (view == nullptr) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(view->record);
+    }
 }
 
 void answer_mac(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr || !found->mac)
+    if (found == nullptr || !found->mac) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(*found->mac);
+    }
 }
 
 void answer_security(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr)
+    if (found == nullptr) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(found->security);
+    }
 }
 
 void answer_secure_state(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr || !found->secure)
+    if (found == nullptr || !found->secure) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(uint32_t{1});
+    }
 }
 
 void answer_forwarding(host &state, exchange &talk) {
@@ -200,8 +206,9 @@ port *find_port(host &state, uint32_t ltl) {
 port_view *find_port_view(host &state, uint32_t argument) {
     port *found = find_port(state, argument & LAST_LTL);
     const uint32_t view = argument >> 24;
-    if (found == nullptr || view >= PORT_VIEWS || !found->views[view].known)
+    if (found == nullptr || view >= PORT_VIEWS || !found->views[view].known) {
         return nullptr;
+    }
     return &found->views[view];
 }
 
