@@ -2,6 +2,7 @@
 
 #include "frontend/output_sink.h"
 
+#include <cstring>
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -119,4 +120,10 @@ int kx_dpa_call_indirect_simple(uint16_t opcode, uint32_t arg, uint8_t flags, vo
                  PLACE_SIMPLE_IOCTL);
     }
     return static_cast<int>(request.status);
+}
+
+uint32_t kx_dpa_set_text(kxdpa_opcode opcode, uint32_t arg, const char *text, uint32_t capacity) {
+    char sent[KXDPA_TEXT_CAPACITY] = {};
+    memcpy(sent, text, strnlen(text, sizeof sent - 1));
+    return kx_dpa_call_indirect1(opcode, arg, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, sent, 0, &capacity);
 }

@@ -56,6 +56,14 @@ uint32_t kx_dpa_set(kxdpa_opcode opcode, uint32_t arg, const Input *input) {
     return kx_dpa_call_indirect1(opcode, arg, KXDPA_FLAG_IN, &sent, sizeof sent, nullptr);
 }
 
+// The most bytes that a text is sent in, its NUL included.
+constexpr uint32_t KXDPA_TEXT_CAPACITY = 256;
+
+// `text` is sent with `capacity` in place of a length. The driver may read that many bytes,
+// whatever the text's own length, so it reads a zero-filled copy, which holds the first 255
+// characters. REQUIRES: capacity <= KXDPA_TEXT_CAPACITY.
+uint32_t kx_dpa_set_text(kxdpa_opcode opcode, uint32_t arg, const char *text, uint32_t capacity);
+
 // Variable-length reply into `buffer` of `*capacity` bytes; `*capacity` becomes the length that the
 // driver left.
 inline uint32_t kx_dpa_get_variable(kxdpa_opcode opcode, uint32_t arg, void *buffer,

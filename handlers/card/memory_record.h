@@ -1,0 +1,71 @@
+// The DPA's memory accounting: its heaps and its pools, each a list that is walked by name.
+#ifndef HANDLERS_CARD_MEMORY_RECORD_H
+#define HANDLERS_CARD_MEMORY_RECORD_H
+
+#include "dpa/userspace/kxdpa_indirect.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+constexpr size_t KX_MEMORY_NAME_SIZE = 16;
+
+// Buffer of KXDPA_OP_NEXT_HEAP: the name of a heap on the way in, the heap behind it on the way
+// out.
+struct kx_heap_record {
+    uint64_t objects;               // allocated
+    uint64_t bytes;                 // allocated
+    uint64_t denied;                // allocations
+    uint64_t denied_bytes;          // their bytes
+    uint64_t largest_object;        // bytes
+    uint64_t maximum;               // of the heap's size, bytes
+    uint64_t minimum;               // likewise
+    uint64_t null_pointers;         // checks or frees of null pointers
+    uint64_t bad_magics;            // ... of pointers with a bad magic
+    uint64_t bad_redzones;          // ... of pointers with a bad red zone
+    uint64_t wrong_heaps;           // ... of pointers of another heap
+    char name[KX_MEMORY_NAME_SIZE]; // NUL-terminated unless it fills the field
+};
+
+static_assert(sizeof(kx_heap_record) == 104);
+static_assert(offsetof(kx_heap_record, denied) == 16);
+static_assert(offsetof(kx_heap_record, largest_object) == 32);
+static_assert(offsetof(kx_heap_record, maximum) == 40);
+static_assert(offsetof(kx_heap_record, minimum) == 48);
+static_assert(offsetof(kx_heap_record, null_pointers) == 56);
+static_assert(offsetof(kx_heap_record, wrong_heaps) == 80);
+static_assert(offsetof(kx_heap_record, name) == 88);
+
+// Buffer of KXDPA_OP_NEXT_MEMORY_POOL, likewise.
+struct kx_memory_pool_record {
+    uint64_t object_size; // bytes
+    uint64_t reserved8;   // the DPA's own
+    uint64_t reserved16;  // the DPA's own
+    uint64_t pages;
+    uint64_t minimum;
+    uint64_t maximum;
+    uint64_t total;                 // objects
+    uint64_t available;             // objects
+    uint64_t low_water_mark;        // objects
+    uint64_t high_water_mark;       // objects
+    char name[KX_MEMORY_NAME_SIZE]; // NUL-terminated unless it fills the field
+};
+
+static_assert(sizeof(kx_memory_pool_record) == 96);
+static_assert(offsetof(kx_memory_pool_record, pages) == 24);
+static_assert(offsetof(kx_memory_pool_record, minimum) == 32);
+static_assert(offsetof(kx_memory_pool_record, total) == 48);
+static_assert(offsetof(kx_memory_pool_record, low_water_mark) == 64);
+static_assert(offsetof(kx_memory_pool_record, high_water_mark) == 72);
+static_assert(offsetof(kx_memory_pool_record, name) == 80);
+
+// Step to the entry behind the one that `record` names; a zeroed record starts the walk. Nothing
+// but the name is sent. False at the end of the list, which is a failed request.
+template <typename Record> bool kx_next_by_name(kxdpa_opcode opcode, Record *record) {
+    Record next{};
+    memcpy(next.name, record->name, sizeof next.name);
+    *record = next;
+    return kx_dpa_exchange(opcode, 0, record) == KXDPA_STATUS_SUCCESS;
+}
+
+#endif
