@@ -2,10 +2,12 @@
 #include "sim/answer.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/card/memory.h"
 #include "sim/counters/counters.h"
 #include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
 #include "sim/port/ports.h"
+#include "sim/settings/settings.h"
 
 namespace {
 
@@ -13,12 +15,14 @@ namespace {
 // clang-format off
 constexpr const family *FAMILIES[] = {
     &card_family,
+    &memory_family,
     &bridge_domain_family,
     &port_family,
     &l2_family,
     &counter_family,
     &acl_family,
     &lacp_family,
+    &settings_family,
 };
 // clang-format on
 

@@ -5,9 +5,10 @@
 #include "sim/acl/acls.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
+#include "sim/card/memory.h"
+#include "sim/counters/counters.h"
 #include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
-#include "sim/counters/counters.h"
 #include "sim/overrides.h"
 #include "sim/port/ports.h"
 
@@ -16,6 +17,7 @@
 
 struct host {
     card_state card;
+    memory_state memory;
     bridge_domain_table bridge_domains;
     port_table ports;
     l2_state l2;

@@ -158,7 +158,7 @@ destination reply_destination(kxdpa_request &record) {
     return {record.buf1, variable ? record.max1 : record.len1, variable ? &record.max1 : nullptr};
 }
 
-// Never writes past the room that the caller gave, whatever an override says.
+// Never writes past the room that the opcode's callers give, whatever an override says.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk, bool forced) {
     if (!has(record, KXDPA_FLAG_OUT)) {
         return true;
@@ -168,7 +168,7 @@ bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &t
     if (to.returned == nullptr && !forced && talk.status == KXDPA_STATUS_SUCCESS) {
         bytes.resize(std::min(to.room, TRANSFER_LIMIT));
     }
-    const auto count = static_cast<uint32_t>(std::min<size_t>(bytes.size(), to.room));
+    const auto count = static_cast<uint32_t>(std::min<size_t>(bytes.size(), to.room + talk.behind));
     if (to.returned != nullptr) {
         const auto full = static_cast<uint32_t>(bytes.size());
         const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;
@@ -255,7 +255,7 @@ int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
         return rule->error;
     }
     const kxdpa_request asked = record;
-    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}};
+    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}, 0};
     answer_request(driver.state, talk, known, rule);
     const bool forced = rule != nullptr && (rule->reply || rule->length);
     if (!write_reply(record, memory, talk, forced)) {

@@ -170,6 +170,13 @@ uint32_t object_reader::choice_or(std::string_view key, uint32_t otherwise,
     fail(key, "expected one of" + expected + " or a number");
 }
 
+void object_reader::long_number(std::string_view key, uint64_t &field) {
+    const json_value *value = take(key, json_value::kind::number, "a number");
+    if (value != nullptr) {
+        field = value->number;
+    }
+}
+
 void object_reader::text(std::string_view key, std::string &field, size_t most) {
     const json_value *value = take(key, json_value::kind::text, "a text");
     if (value == nullptr) {
@@ -221,6 +228,13 @@ void object_reader::ipv4(std::string_view key, uint32_t &field) {
     const json_value *value = take(key, json_value::kind::text, "an IPv4 address");
     if (value != nullptr && inet_pton(AF_INET, value->text.c_str(), &field) != 1) {
         fail(key, "expected an IPv4 address");
+    }
+}
+
+void object_reader::ipv6(std::string_view key, std::array<uint8_t, 16> &field) {
+    const json_value *value = take(key, json_value::kind::text, "an IPv6 address");
+    if (value != nullptr && inet_pton(AF_INET6, value->text.c_str(), field.data()) != 1) {
+        fail(key, "expected an IPv6 address");
     }
 }
 

@@ -40,6 +40,9 @@ public:
         field = static_cast<T>(number_or(key, field, least, most));
     }
 
+    // A number of up to 64 bits.
+    void long_number(std::string_view key, uint64_t &field);
+
     // true is 1, false is 0.
     template <std::integral T> void flag(std::string_view key, T &field) {
         field = static_cast<T>(flag_or(key, field != 0));
@@ -63,6 +66,8 @@ public:
     void mac(std::string_view key, std::array<uint8_t, 6> &field);
     // "10.1.2.3", stored in network byte order.
     void ipv4(std::string_view key, uint32_t &field);
+    // "2001:db8::1"
+    void ipv6(std::string_view key, std::array<uint8_t, 16> &field);
     // An interface index: "Veth3", "Eth4/1", "Po1" as ports print, or the number itself.
     void interface(std::string_view key, uint32_t &field);
     // A text such as "1,10-20", or a list of numbers.

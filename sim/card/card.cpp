@@ -5,13 +5,83 @@
 
 namespace {
 
+constexpr size_t LONGEST_TEXT = 255;
+
+void parse_texts(object_reader &keys, card_state &card) {
+    keys.text("name", card.name, LONGEST_TEXT);
+    keys.text("uuid", card.uuid, LONGEST_TEXT);
+    keys.number("uuid_type", card.uuid_type);
+    keys.text("switch_name", card.switch_name, LONGEST_TEXT);
+    keys.text("switch_alias", card.switch_alias, LONGEST_TEXT);
+    keys.text("switch_uuid", card.switch_uuid, LONGEST_TEXT);
+    keys.object("versions", [&](object_reader &versions) {
+        versions.text("hmx", card.versions.hmx, LONGEST_TEXT);
+        versions.text("krt", card.versions.krt, LONGEST_TEXT);
+        versions.text("system", card.versions.system, LONGEST_TEXT);
+        versions.text("opflex_sdk", card.versions.opflex_sdk, LONGEST_TEXT);
+        versions.number("update_level", card.versions.update_level);
+        versions.long_number("word", card.versions.word);
+    });
+}
+
+void parse_addresses(object_reader &keys, card_state &card) {
+    keys.object("macs", [&](object_reader &macs) {
+        macs.mac("control", card.macs.control);
+        macs.mac("packet", card.macs.packet);
+        macs.mac("span", card.macs.span);
+        macs.mac("agent", card.macs.agent);
+        macs.mac("primary_krt", card.macs.primary_krt);
+        macs.mac("primary_krt_packet", card.macs.primary_krt_packet);
+        macs.mac("primary_krt_management", card.macs.primary_krt_management);
+        macs.mac("standby_krt_control", card.macs.standby_krt_control);
+        macs.mac("secondary_krt", card.macs.secondary_krt);
+    });
+    keys.ipv6("management_ipv6", card.management_ipv6);
+    keys.ipv4("l3_control_ipv4", card.l3_control_ipv4);
+}
+
+void parse_switch(object_reader &keys, card_state &card) {
+    keys.flag("version_mismatch", card.version_mismatch);
+    keys.number("domain", card.domain);
+    keys.number("slot", card.slot);
+    keys.number("tunnel_mode", card.tunnel_mode);
+    keys.number("l3_control_index", card.l3_control_index);
+    keys.number("l3_control_vlan", card.l3_control_vlan);
+    keys.flag("leaf_mode", card.leaf_mode);
+    keys.choice("upgrade", card.upgrade,
+                {{"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}});
+    keys.number("physical_ports", card.physical_ports);
+    keys.number("virtual_ports", card.virtual_ports);
+    keys.number("control_vlan", card.control_vlan);
+    keys.number("packet_vlan", card.packet_vlan);
+    keys.flag("control_multicast", card.control_multicast);
+    keys.number("heartbeat", card.heartbeat);
+    keys.number("krt_uptime", card.krt_uptime);
+}
+
+void parse_host_state(object_reader &keys, card_state &card) {
+    keys.flag("dpa_up", card.dpa_up);
+    keys.number("processors", card.processors.processors);
+    keys.number("processor_cores", card.processors.cores);
+    keys.number("processor_sockets", card.processors.sockets);
+    keys.long_number("kernel_memory", card.processors.kernel_memory);
+    keys.number("link_up_delay", card.link_up_delay);
+    keys.number("load_balancing", card.load_balancing);
+    keys.flag("uufb", card.uufb);
+    keys.flag("portset_event", card.portset_event);
+    keys.flag("bpdu_guard", card.bpdu_guard);
+    keys.flag("bpdu_filter", card.bpdu_filter);
+    keys.flag("datapath_initialized", card.datapath_initialized);
+    keys.flag("tag_native_vlan", card.tag_native_vlan);
+    keys.flag("l3sec", card.l3sec);
+}
+
 void parse_card(object_reader &file, host &into) {
     file.object("card", [&](object_reader &keys) {
-        card_state &card = into.card;
-        keys.number("domain", card.domain);
-        keys.flag("version_mismatch", card.version_mismatch);
-        keys.number("tunnel_mode", card.tunnel_mode);
-        keys.flag("leaf_mode", card.leaf_mode);
+        parse_texts(keys, into.card);
+        parse_addresses(keys, into.card);
+        parse_switch(keys, into.card);
+        parse_host_state(keys, into.card);
     });
 }
 
@@ -23,21 +93,206 @@ void answer_domain(host &state, exchange &talk) {
     }
 }
 
-void answer_tunnel_mode(host &state, exchange &talk) {
-    talk.reply_with(state.card.tunnel_mode);
+void answer_card_api(host &, exchange &talk) {
+    talk.reply_with(uint32_t{1});
 }
 
-void answer_leaf_mode(host &state, exchange &talk) {
-    talk.reply_with(static_cast<uint8_t>(state.card.leaf_mode ? 1 : 0));
+// The type stands behind the caller's 48 bytes, whatever the text's length.
+void answer_uuid(host &state, exchange &talk) {
+    kx_card_uuid uuid{};
+    const std::string &text = state.card.uuid;
+    std::memcpy(uuid.text, text.data(), std::min(text.size(), sizeof uuid.text));
+    uuid.type = state.card.uuid_type;
+    talk.reply_with(uuid);
+    talk.behind = sizeof uuid.type;
+    talk.returned = static_cast<uint32_t>(std::min(text.size() + 1, sizeof uuid.text));
+}
+
+void answer_card_mac(host &state, exchange &talk) {
+    const card_macs &macs = state.card.macs;
+    switch (talk.request.arg) {
+    case KX_CARD_MAC_CONTROL:
+        return talk.reply_with(macs.control);
+    case KX_CARD_MAC_PACKET:
+        return talk.reply_with(macs.packet);
+    case KX_CARD_MAC_SPAN:
+        return talk.reply_with(macs.span);
+    default:
+        return talk.fail();
+    }
+}
+
+void answer_max_ports(host &state, exchange &talk) {
+    switch (talk.request.arg) {
+    case KX_CARD_PHYSICAL_PORTS:
+        return talk.reply_with(state.card.physical_ports);
+    case KX_CARD_VIRTUAL_PORTS:
+        return talk.reply_with(state.card.virtual_ports);
+    default:
+        return talk.fail();
+    }
+}
+
+void answer_l3_control_vlan(host &state, exchange &talk) {
+    if (talk.request.arg == (state.card.l3_control_index | KX_L3_CONTROL_CLASS)) {
+        talk.reply_with(state.card.l3_control_vlan);
+    } else {
+        talk.fail();
+    }
+}
+
+void answer_version(host &state, exchange &talk) {
+    const card_versions &versions = state.card.versions;
+    switch (talk.request.arg) {
+    case KX_VERSION_HMX:
+        return talk.reply_with_text(versions.hmx);
+    case KX_VERSION_KRT:
+        return talk.reply_with_text(versions.krt);
+    case KX_VERSION_SYSTEM:
+        return talk.reply_with_text(versions.system);
+    default:
+        return talk.fail();
+    }
+}
+
+void answer_sdk_version(host &state, exchange &talk) {
+    talk.reply_with_text(state.card.versions.opflex_sdk);
+}
+
+void answer_uptime(host &state, exchange &talk) {
+    talk.reply_with(kx_krt_uptime{state.card.krt_uptime, {}});
+}
+
+void set_name(host &state, exchange &talk) {
+    state.card.name.assign(talk.input.begin(), talk.input.end());
+}
+
+void set_uuid(host &state, exchange &talk) {
+    state.card.uuid.assign(talk.input.begin(), talk.input.end());
+    state.card.uuid_type = talk.request.arg;
+}
+
+void get_update_level(host &state, exchange &talk) {
+    talk.reply_with(state.card.versions.update_level);
+}
+
+void set_update_level(host &state, exchange &talk) {
+    state.card.versions.update_level = talk.input_as<uint8_t>();
+}
+
+void get_version_word(host &state, exchange &talk) {
+    talk.reply_with(state.card.versions.word);
+}
+
+void set_version_word(host &state, exchange &talk) {
+    state.card.versions.word = talk.input_as<uint64_t>();
+}
+
+// Most requests read or write one member.
+
+template <auto member> void reply_member(host &state, exchange &talk) {
+    talk.reply_with(state.card.*member);
+}
+
+template <auto member> void reply_text(host &state, exchange &talk) {
+    talk.reply_with_text(state.card.*member);
+}
+
+template <auto member> void reply_mac(host &state, exchange &talk) {
+    talk.reply_with(state.card.macs.*member);
+}
+
+template <auto member> void set_member(host &state, exchange &talk) {
+    auto &value = state.card.*member;
+    value = talk.input_as<std::remove_reference_t<decltype(value)>>();
+}
+
+template <auto member> constexpr uint32_t SIZE_OF = sizeof(card_state{}.*member);
+
+template <auto member> constexpr answer get(kxdpa_opcode opcode) {
+    return {opcode, KXDPA_FLAG_OUT, SIZE_OF<member>, 0, 0, reply_member<member>};
+}
+
+template <auto member> constexpr answer get_with_input(kxdpa_opcode opcode) {
+    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, SIZE_OF<member>, 0, 0, reply_member<member>};
+}
+
+template <auto member> constexpr answer get_mac(kxdpa_opcode opcode) {
+    return {opcode, KXDPA_FLAG_OUT, sizeof(kx_card_mac), 0, 0, reply_mac<member>};
+}
+
+template <auto member> constexpr answer set(kxdpa_opcode opcode) {
+    return {opcode, KXDPA_FLAG_IN, SIZE_OF<member>, 0, 0, set_member<member>};
+}
+
+constexpr answer get_text(kxdpa_opcode opcode, uint32_t capacity,
+                          void (*reply)(host &, exchange &)) {
+    return {opcode, KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, 0, 0, capacity, reply};
+}
+
+constexpr answer set_text(kxdpa_opcode opcode, uint32_t capacity,
+                          void (*reply)(host &, exchange &)) {
+    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, capacity, reply};
+}
+
+constexpr answer fixed(kxdpa_opcode opcode, uint8_t flags, uint32_t length,
+                       void (*reply)(host &, exchange &)) {
+    return {opcode, flags, length, 0, 0, reply};
 }
 
 constexpr answer ANSWERS[] = {
-    {.opcode = KXDPA_OP_CARD_DOMAIN, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_domain},
-    {.opcode = KXDPA_OP_TUNNEL_MODE,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = 4,
-     .reply = answer_tunnel_mode},
-    {.opcode = KXDPA_OP_LEAF_MODE, .flags = KXDPA_FLAG_OUT, .len1 = 1, .reply = answer_leaf_mode},
+    fixed(KXDPA_OP_CARD_DOMAIN, KXDPA_FLAG_OUT, 4, answer_domain),
+    fixed(KXDPA_OP_CARD_API, KXDPA_FLAG_OUT, 4, answer_card_api),
+    get_text(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid),
+    get_text(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY, reply_text<&card_state::name>),
+    // Asked with whatever the request before has left.
+    get_text(KXDPA_OP_SWITCH_NAME, 0, reply_text<&card_state::switch_name>),
+    get_text(KXDPA_OP_SWITCH_ALIAS, 0, reply_text<&card_state::switch_alias>),
+    get_text(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY, reply_text<&card_state::switch_uuid>),
+    get<&card_state::slot>(KXDPA_OP_CARD_SLOT),
+    get<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
+    get<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
+    fixed(KXDPA_OP_L3_CONTROL_VLAN, KXDPA_FLAG_OUT, 4, answer_l3_control_vlan),
+    fixed(KXDPA_OP_CARD_MAC, KXDPA_FLAG_OUT, sizeof(kx_card_mac), answer_card_mac),
+    get_mac<&card_macs::agent>(KXDPA_OP_AGENT_MAC),
+    get_mac<&card_macs::primary_krt>(KXDPA_OP_PRIMARY_KRT_MAC),
+    get_mac<&card_macs::primary_krt_packet>(KXDPA_OP_PRIMARY_KRT_PACKET_MAC),
+    get_mac<&card_macs::primary_krt_management>(KXDPA_OP_PRIMARY_KRT_MANAGEMENT_MAC),
+    get_mac<&card_macs::standby_krt_control>(KXDPA_OP_STANDBY_KRT_CONTROL_MAC),
+    get_mac<&card_macs::secondary_krt>(KXDPA_OP_SECONDARY_KRT_MAC),
+    get<&card_state::management_ipv6>(KXDPA_OP_MANAGEMENT_IPV6),
+    get<&card_state::l3_control_ipv4>(KXDPA_OP_L3_CONTROL_IPV4),
+    get<&card_state::upgrade>(KXDPA_OP_UPGRADE_STATE),
+    fixed(KXDPA_OP_MAX_PORTS, KXDPA_FLAG_OUT, 4, answer_max_ports),
+    get<&card_state::control_vlan>(KXDPA_OP_CONTROL_VLAN),
+    get<&card_state::packet_vlan>(KXDPA_OP_PACKET_VLAN),
+    get<&card_state::control_multicast>(KXDPA_OP_CONTROL_MULTICAST),
+    get<&card_state::heartbeat>(KXDPA_OP_HEARTBEAT),
+    get<&card_state::dpa_up>(KXDPA_OP_AGENT_STATUS),
+    get<&card_state::processors>(KXDPA_OP_PROCESSORS),
+    get<&card_state::link_up_delay>(KXDPA_OP_LINK_UP_DELAY),
+    get_with_input<&card_state::uufb>(KXDPA_OP_GLOBAL_UUFB),
+    get<&card_state::load_balancing>(KXDPA_OP_LOAD_BALANCING),
+    get_with_input<&card_state::portset_event>(KXDPA_OP_PORTSET_EVENT),
+    get_with_input<&card_state::bpdu_guard>(KXDPA_OP_GLOBAL_BPDU_GUARD),
+    get<&card_state::leaf_mode>(KXDPA_OP_LEAF_MODE),
+    get_with_input<&card_state::bpdu_filter>(KXDPA_OP_GLOBAL_BPDU_FILTER),
+    get<&card_state::datapath_initialized>(KXDPA_OP_DATAPATH_INITIALIZED),
+    get<&card_state::tag_native_vlan>(KXDPA_OP_TAG_NATIVE_VLAN),
+    get<&card_state::l3sec>(KXDPA_OP_L3SEC_MODE),
+
+    get_text(KXDPA_OP_VERSION_TEXT, KX_VERSION_CAPACITY, answer_version),
+    get_text(KXDPA_OP_OPFLEX_SDK_VERSION, KX_SDK_VERSION_CAPACITY, answer_sdk_version),
+    fixed(KXDPA_OP_GET_UPDATE_LEVEL, KXDPA_FLAG_OUT, 1, get_update_level),
+    fixed(KXDPA_OP_GET_VERSION_WORD, KXDPA_FLAG_OUT, 8, get_version_word),
+    get_text(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime), answer_uptime),
+
+    set<&card_state::management_ipv4>(KXDPA_OP_SET_MANAGEMENT_IPV4),
+    set<&card_state::management_ipv6>(KXDPA_OP_SET_MANAGEMENT_IPV6),
+    set_text(KXDPA_OP_SET_CARD_UUID, KX_CARD_UUID_CAPACITY, set_uuid),
+    set_text(KXDPA_OP_SET_CARD_NAME, KX_CARD_NAME_CAPACITY, set_name),
+    fixed(KXDPA_OP_SET_UPDATE_LEVEL, KXDPA_FLAG_IN, 1, set_update_level),
+    fixed(KXDPA_OP_SET_VERSION_WORD, KXDPA_FLAG_IN, 8, set_version_word),
 };
 
 } // namespace
