@@ -33,21 +33,6 @@ bool has_room(uintptr_t position) {
     return hmx_rcli_entry_start_ptr != nullptr || end - position >= ROOM_FOR_A_ROW;
 }
 
-__attribute__((format(printf, 1, 0))) void print_stamped(const char *format, va_list arguments) {
-    timeval now{};
-    gettimeofday(&now, nullptr);
-    const time_t seconds = now.tv_sec;
-    char stamp[32] = "";
-    if (ctime_r(&seconds, stamp) == nullptr) {
-        stamp[STAMP_START] = '\0';
-    }
-    printf("%.*s.%06d: ", STAMP_LENGTH, stamp + STAMP_START, static_cast<int>(now.tv_usec));
-    vprintf(format, arguments);
-    if (ftello(stdout) > TRACE_LOG_LIMIT) {
-        fseeko(stdout, 0, SEEK_SET);
-    }
-}
-
 } // namespace
 
 char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
@@ -93,18 +78,19 @@ void kx_print(const char *format, ...) {
 }
 
 void kx_print_stamped(const char *format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    print_stamped(format, arguments);
-    va_end(arguments);
-}
-
-void kx_trace(uint32_t debug_word, kx_debug_bit bit, const char *format, ...) {
-    if ((debug_word & bit) == 0) {
-        return;
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    const time_t seconds = now.tv_sec;
+    char stamp[32] = "";
+    if (ctime_r(&seconds, stamp) == nullptr) {
+        stamp[STAMP_START] = '\0';
     }
+    printf("%.*s.%06d: ", STAMP_LENGTH, stamp + STAMP_START, static_cast<int>(now.tv_usec));
     va_list arguments;
     va_start(arguments, format);
-    print_stamped(format, arguments);
+    vprintf(format, arguments);
     va_end(arguments);
+    if (ftello(stdout) > TRACE_LOG_LIMIT) {
+        fseeko(stdout, 0, SEEK_SET);
+    }
 }
