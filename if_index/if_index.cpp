@@ -8,8 +8,9 @@ using namespace if_layout;
 // --- Types -------------------------------------------------------------------------------------
 
 int if_index_get_type(uint32_t if_index, uint8_t *type) {
-    if (type == nullptr)
+    if (type == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     *type = if_index_type_bits(if_index);
     const bool valid = *type != 0 && *type != IF_TYPE_RESERVED && *type <= IF_TYPE_LAST;
     return valid ? IF_INDEX_OK : IF_INDEX_INVALID_TYPE;
@@ -20,10 +21,12 @@ bool if_index_is_type_valid_in_current_release(uint8_t type) {
 }
 
 int if_index_get_next_type(uint8_t *type) {
-    if (type == nullptr)
+    if (type == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (*type >= IF_TYPE_LAST)
+    }
+    if (*type >= IF_TYPE_LAST) {
         return IF_INDEX_NO_MORE;
+    }
     do {
         ++*type;
     } while (*type < IF_TYPE_LAST && !if_index_is_type_valid_in_current_release(*type));
@@ -37,8 +40,9 @@ bool if_index_is_virtual_type(uint8_t type) {
 uint32_t if_index_get_if_index_all_for_type(uint8_t type) {
     const uint8_t loopback_top_byte = IF_INDEX_LOOPBACK_BASE >> IF_INDEX_BODY_BITS;
     const bool has_all = type != 0 && type != IF_TYPE_RESERVED && type <= IF_TYPE_OPAQUE_38;
-    if (!has_all && type != loopback_top_byte)
+    if (!has_all && type != loopback_top_byte) {
         return 0;
+    }
     return IF_INDEX_WILDCARD | ((uint32_t)type << IF_INDEX_BODY_BITS) | IF_INDEX_BODY_MASK;
 }
 
@@ -60,18 +64,21 @@ struct named_field {
 
 static int read_fields(uint32_t if_index, std::initializer_list<field_output> outputs) {
     for (const field_output &output : outputs) {
-        if (output.value == nullptr)
+        if (output.value == nullptr) {
             return IF_INDEX_OUT_OF_RANGE;
+        }
     }
     uint8_t type = 0;
     const int status = if_index_get_type(if_index, &type);
-    if (status != IF_INDEX_OK)
+    if (status != IF_INDEX_OK) {
         return status;
+    }
     // A satellite's fabric interface has slot and port where the satellite's ports have them.
     const uint8_t kind = type == IF_TYPE_SAT_FIF ? (uint8_t)IF_TYPE_SAT : type;
     for (const field_output &output : outputs) {
-        if (output.field.type != type && output.field.type != kind)
+        if (output.field.type != type && output.field.type != kind) {
             return IF_INDEX_WRONG_TYPE;
+        }
         *output.value = stored(if_index, output.field);
     }
     return IF_INDEX_OK;
@@ -126,8 +133,9 @@ static const if_index_field *field_of_name(uint32_t if_index, const char *name) 
     const bool vfc_without_slot =
         type == IF_TYPE_VFC && stored(if_index, vfc_vfc_subtype) != IF_VFC_SLOT_PORT;
     for (const named_field &row : named_fields) {
-        if (row.field.type == type && strcmp(row.name, name) == 0)
+        if (row.field.type == type && strcmp(row.name, name) == 0) {
             return vfc_without_slot ? nullptr : &row.field;
+        }
     }
     return nullptr;
 }
@@ -135,8 +143,9 @@ static const if_index_field *field_of_name(uint32_t if_index, const char *name) 
 static const if_index_field *sub_intf_field(uint32_t if_index) {
     switch (if_index_type_bits(if_index)) {
     case IF_TYPE_PORT_CHANNEL:
-        if (stored(if_index, port_channel_subtype) != IF_PORT_CHANNEL_PLAIN)
+        if (stored(if_index, port_channel_subtype) != IF_PORT_CHANNEL_PLAIN) {
             return nullptr;
+        }
         return &port_channel_subtype_arg;
     case IF_TYPE_ETH_PORT_CHANNEL:
         return &eth_port_channel_subtype_arg;
@@ -148,12 +157,15 @@ static const if_index_field *sub_intf_field(uint32_t if_index) {
 static int read_found(uint32_t if_index, const if_index_field *field, uint32_t *value) {
     uint8_t type = 0;
     const int status = if_index_get_type(if_index, &type);
-    if (value == nullptr)
+    if (value == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (status != IF_INDEX_OK)
+    }
+    if (status != IF_INDEX_OK) {
         return status;
-    if (field == nullptr)
+    }
+    if (field == nullptr) {
         return IF_INDEX_WRONG_TYPE;
+    }
     *value = stored(if_index, *field);
     return IF_INDEX_OK;
 }
@@ -178,13 +190,16 @@ int if_index_get_subintf_from_mainintf(uint32_t if_index, uint32_t sub_intf,
                                        uint32_t *sub_if_index) {
     uint32_t old_sub_intf = 0;
     const int status = if_index_get_sub_intf(if_index, &old_sub_intf);
-    if (sub_if_index == nullptr)
+    if (sub_if_index == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (status != IF_INDEX_OK)
+    }
+    if (status != IF_INDEX_OK) {
         return status;
+    }
     const if_index_field field = *sub_intf_field(if_index);
-    if (sub_intf > if_field_max(field))
+    if (sub_intf > if_field_max(field)) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     *sub_if_index =
         (if_index & ~if_field_bits(field, if_field_max(field))) | if_field_bits(field, sub_intf);
     return IF_INDEX_OK;
@@ -198,20 +213,24 @@ int if_index_phy_eth_get_mainintf_from_subintf(uint32_t if_index, uint32_t *main
 }
 
 uint32_t if_index_port_channel_get_vlan_id(uint32_t if_index) {
-    if (if_index_type_bits(if_index) == IF_TYPE_ETH_PORT_CHANNEL)
+    if (if_index_type_bits(if_index) == IF_TYPE_ETH_PORT_CHANNEL) {
         return stored(if_index, eth_port_channel_subtype_arg);
+    }
     return stored(if_index, port_channel_subtype_arg);
 }
 
 int if_index_get_max_channel_id_for_ifindex(uint32_t if_index, uint16_t *max_channel_id) {
-    if (max_channel_id == nullptr)
+    if (max_channel_id == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     uint8_t type = 0;
     const int status = if_index_get_type(if_index, &type);
-    if (status != IF_INDEX_OK)
+    if (status != IF_INDEX_OK) {
         return status;
-    if (type != IF_TYPE_PORT_CHANNEL && type != IF_TYPE_ETH_PORT_CHANNEL)
+    }
+    if (type != IF_TYPE_PORT_CHANNEL && type != IF_TYPE_ETH_PORT_CHANNEL) {
         return IF_INDEX_WRONG_TYPE;
+    }
     *max_channel_id = 4095;
     return IF_INDEX_OK;
 }
@@ -250,8 +269,9 @@ bool if_index_is_sub_intf(uint32_t if_index) {
 
 bool if_index_is_port_channel_sub_interface(uint32_t if_index) {
     const uint8_t type = if_index_type_bits(if_index);
-    if (type != IF_TYPE_PORT_CHANNEL && type != IF_TYPE_ETH_PORT_CHANNEL)
+    if (type != IF_TYPE_PORT_CHANNEL && type != IF_TYPE_ETH_PORT_CHANNEL) {
         return false;
+    }
     return if_index_is_sub_intf(if_index);
 }
 
@@ -270,12 +290,14 @@ bool if_index_is_physical_interface(uint32_t if_index) {
 }
 
 int if_index_is_virtual_interface(uint32_t if_index, bool *is_virtual) {
-    if (is_virtual == nullptr)
+    if (is_virtual == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     uint8_t type = 0;
     const int status = if_index_get_type(if_index, &type);
-    if (status == IF_INDEX_OK)
+    if (status == IF_INDEX_OK) {
         *is_virtual = if_index_is_virtual_type(type);
+    }
     return status;
 }
 
@@ -287,16 +309,19 @@ bool if_index_is_valid_vlan_id(uint32_t vlan_id) {
 
 // The field that a range of such indexes counts, or null for a type without numbers.
 static const if_index_field *number_field(uint32_t if_index) {
-    if (if_index_is_sub_intf(if_index))
+    if (if_index_is_sub_intf(if_index)) {
         return sub_intf_field(if_index);
+    }
     switch (if_index_type_bits(if_index)) {
     case IF_TYPE_PORT_CHANNEL:
-        if (stored(if_index, port_channel_subtype) == IF_PORT_CHANNEL_PAIR)
+        if (stored(if_index, port_channel_subtype) == IF_PORT_CHANNEL_PAIR) {
             return &port_channel_pair_second;
+        }
         return &port_channel_channel_num;
     case IF_TYPE_INBAND:
-        if (stored(if_index, inband_subtype) != IF_INBAND_LINECARD)
+        if (stored(if_index, inband_subtype) != IF_INBAND_LINECARD) {
             return nullptr;
+        }
         return &inband_linecard_num;
     case IF_TYPE_EOBC:
         return &eobc_slot;
@@ -325,10 +350,12 @@ static const if_index_field *number_field(uint32_t if_index) {
     case IF_TYPE_VIF:
         return &vif_vifindex;
     case IF_TYPE_VFC:
-        if (stored(if_index, vfc_vfc_subtype) == IF_VFC_FEX)
+        if (stored(if_index, vfc_vfc_subtype) == IF_VFC_FEX) {
             return &vfc_fex_third;
-        if (stored(if_index, vfc_vfc_subtype) == IF_VFC_SLOT_PORT)
+        }
+        if (stored(if_index, vfc_vfc_subtype) == IF_VFC_SLOT_PORT) {
             return &vfc_slot_port_port;
+        }
         return &vfc_vfc_num;
     case IF_TYPE_VL3:
         return &vl3_intf_num;
@@ -341,23 +368,29 @@ static const if_index_field *number_field(uint32_t if_index) {
 
 // Store the field that the range counts.
 static int check_range(const if_index_range *range, if_index_field *field) {
-    if (range == nullptr)
+    if (range == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     uint8_t first_type = 0;
     uint8_t last_type = 0;
     int status = if_index_get_type(range->first, &first_type);
-    if (status == IF_INDEX_OK)
+    if (status == IF_INDEX_OK) {
         status = if_index_get_type(range->last, &last_type);
-    if (status != IF_INDEX_OK)
+    }
+    if (status != IF_INDEX_OK) {
         return status;
+    }
     const if_index_field *number = number_field(range->last);
-    if (first_type != last_type || number == nullptr)
+    if (first_type != last_type || number == nullptr) {
         return IF_INDEX_WRONG_TYPE;
+    }
     const uint32_t number_bits = if_field_bits(*number, if_field_max(*number));
-    if (((range->first ^ range->last) & ~number_bits) != 0)
+    if (((range->first ^ range->last) & ~number_bits) != 0) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (stored(range->first, *number) > stored(range->last, *number))
+    }
+    if (stored(range->first, *number) > stored(range->last, *number)) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     *field = *number;
     return IF_INDEX_OK;
 }
@@ -370,11 +403,13 @@ static uint32_t next_number(uint32_t if_index, if_index_field field) {
 
 int if_index_get_num_ports_in_if_index_range(const if_index_range *range, uint32_t *count) {
     if_index_field field{};
-    if (count == nullptr)
+    if (count == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     const int status = check_range(range, &field);
-    if (status != IF_INDEX_OK)
+    if (status != IF_INDEX_OK) {
         return status;
+    }
     *count = stored(range->last, field) - stored(range->first, field) + 1;
     return IF_INDEX_OK;
 }
@@ -384,12 +419,15 @@ int if_index_get_if_index_in_range(const if_index_range *range, uint32_t *if_ind
     if_index_field field{};
     uint32_t total = 0;
     int status = check_range(range, &field);
-    if (status == IF_INDEX_OK)
+    if (status == IF_INDEX_OK) {
         status = if_index_get_num_ports_in_if_index_range(range, &total);
-    if (status != IF_INDEX_OK)
+    }
+    if (status != IF_INDEX_OK) {
         return status;
-    if (if_indexes == nullptr || count == nullptr || total > capacity)
+    }
+    if (if_indexes == nullptr || count == nullptr || total > capacity) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     uint32_t if_index = range->first;
     for (uint32_t i = 0; i < total; i++) {
         if_indexes[i] = if_index;
@@ -402,12 +440,15 @@ int if_index_get_if_index_in_range(const if_index_range *range, uint32_t *if_ind
 int if_index_get_next_if_index_in_range(const if_index_range *range, uint32_t *if_index) {
     if_index_field field{};
     const int status = check_range(range, &field);
-    if (status != IF_INDEX_OK)
+    if (status != IF_INDEX_OK) {
         return status;
-    if (if_index == nullptr)
+    }
+    if (if_index == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (*if_index == range->last)
+    }
+    if (*if_index == range->last) {
         return IF_INDEX_NO_MORE;
+    }
     const uint32_t number_bits = if_field_bits(field, if_field_max(field));
     const uint32_t number = stored(*if_index, field);
     if (((*if_index ^ range->last) & ~number_bits) != 0 || number < stored(range->first, field) ||
@@ -451,12 +492,14 @@ uint16_t convert_if_index_to_fspf16_if_index(uint32_t if_index) {
     const uint32_t body = if_index & IF_INDEX_BODY_MASK;
     switch (if_index >> IF_INDEX_BODY_BITS) {
     case IF_TYPE_PHY_FC:
-        if (stored(if_index, phy_fc_sub_intf) != 0)
+        if (stored(if_index, phy_fc_sub_intf) != 0) {
             return 0;
+        }
         return (uint16_t)(IF_TYPE_PHY_FC << FSPF16_TYPE_SHIFT | body >> FC_SLOT_PORT_SHIFT);
     case IF_TYPE_PORT_CHANNEL:
-        if (body > if_field_max(port_channel_channel_num))
+        if (body > if_field_max(port_channel_channel_num)) {
             return 0;
+        }
         return (uint16_t)(IF_TYPE_PORT_CHANNEL << FSPF16_TYPE_SHIFT | body);
     default:
         return 0;

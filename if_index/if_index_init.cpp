@@ -26,8 +26,9 @@ static constexpr uint32_t HMX_MODULE_MAX = 514;
 
 // Store the index of the type with the body bits.
 static int store(uint32_t *if_index, uint32_t type, uint32_t body) {
-    if (if_index == nullptr)
+    if (if_index == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     *if_index = type << IF_INDEX_BODY_BITS | body;
     return IF_INDEX_OK;
 }
@@ -41,8 +42,9 @@ static int build(uint32_t *if_index, numbering numbers, uint32_t form,
         const uint32_t base = numbers == numbering::as_typed ? input.field.base : 0;
         // A typed 0 where numbers count from 1 wraps to a number that fits no field.
         const uint32_t value = input.value - base;
-        if (value > if_field_max(input.field))
+        if (value > if_field_max(input.field)) {
             return IF_INDEX_OUT_OF_RANGE;
+        }
         body |= if_field_bits(input.field, value);
         type = input.field.type;
     }
@@ -86,10 +88,12 @@ int if_index_phy_eth_port_cli_init(uint32_t *if_index, uint32_t slot, uint32_t p
     const int status =
         build(&main_if_index, numbering::as_typed, 0,
               {INPUT(phy_eth, slot), INPUT(phy_eth, port), INPUT(phy_eth, sub_intf)});
-    if (status != IF_INDEX_OK || third > if_field_max(sat_port))
+    if (status != IF_INDEX_OK || third > if_field_max(sat_port)) {
         return IF_INDEX_OUT_OF_RANGE;
-    if (third == 0)
+    }
+    if (third == 0) {
         return store(if_index, IF_TYPE_PHY_ETH, main_if_index & IF_INDEX_BODY_MASK);
+    }
     return store(if_index, IF_TYPE_SAT,
                  (slot - 1) << sat_sat_num.low | (port - 1) << sat_slot.low |
                      third << sat_port.low | sub_intf);
@@ -101,8 +105,9 @@ int if_index_port_channel_init(uint32_t *if_index, uint32_t channel) {
 
 int if_index_port_channel_init_internal(uint32_t *if_index, uint32_t channel, uint32_t subtype,
                                         uint32_t sub_intf) {
-    if (channel > CHANNEL_MAX)
+    if (channel > CHANNEL_MAX) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     // Deliberate: only the low bits of the channel are kept.
     const uint32_t channel_num = channel & if_field_max(port_channel_channel_num);
     return build(if_index, numbering::as_stored, 0,
@@ -129,8 +134,9 @@ int if_index_eth_port_channel_init_internal(uint32_t *if_index, uint32_t channel
                                             uint32_t sub_intf) {
     uint32_t same_bits = 0;
     const int status = if_index_port_channel_init_internal(&same_bits, channel, subtype, sub_intf);
-    if (status != IF_INDEX_OK)
+    if (status != IF_INDEX_OK) {
         return status;
+    }
     return store(if_index, IF_TYPE_ETH_PORT_CHANNEL, same_bits & IF_INDEX_BODY_MASK);
 }
 
@@ -151,8 +157,9 @@ int if_index_vsan_port_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port
 }
 
 int if_index_vlan_port_init(uint32_t *if_index, uint32_t vdc, uint32_t vlan) {
-    if (!if_index_is_valid_vlan_id(vlan))
+    if (!if_index_is_valid_vlan_id(vlan)) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     return build(if_index, numbering::as_stored, 0, {{vlan_vd, vdc}, {vlan_vlan, vlan}});
 }
 
@@ -161,12 +168,14 @@ int if_index_vlan_port_cli_init(uint32_t *if_index, uint32_t vdc, uint32_t vlan)
 }
 
 int if_index_vlan_port_convert_to_vdc(uint32_t *if_index, uint8_t vdc) {
-    if (if_index == nullptr)
+    if (if_index == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     uint32_t old_vdc = 0;
     const int status = if_index_vlan_get_vd(*if_index, &old_vdc);
-    if (status == IF_INDEX_OK)
+    if (status == IF_INDEX_OK) {
         *if_index = (*if_index & ~if_field_bits(vlan_vd, old_vdc)) | if_field_bits(vlan_vd, vdc);
+    }
     return status;
 }
 
@@ -181,8 +190,9 @@ int if_index_tunnel_cli_init(uint32_t *if_index, uint32_t tunnel_type, uint32_t 
 }
 
 int if_index_get_tunnel_range(uint8_t tunnel_type, if_index_range *range) {
-    if (range == nullptr)
+    if (range == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     if_index_tunnel_init(&range->first, tunnel_type, 0);
     return if_index_tunnel_init(&range->last, tunnel_type, TUNNEL_NUMBER_MAX);
 }
@@ -190,15 +200,17 @@ int if_index_get_tunnel_range(uint8_t tunnel_type, if_index_range *range) {
 int if_index_lveth_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port, uint32_t sub_intf) {
     // Names show the sub-interface where it stands in the index, so it is typed that way too.
     const uint32_t shown_bits = if_field_bits(lveth_sub_intf, if_field_max(lveth_sub_intf));
-    if ((sub_intf & ~shown_bits) != 0)
+    if ((sub_intf & ~shown_bits) != 0) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     return build(if_index, numbering::as_typed, sub_intf, {INPUT(lveth, slot), INPUT(lveth, port)});
 }
 
 int if_index_sat_phy_eth_port_init(uint32_t *if_index, uint32_t satellite, uint32_t slot,
                                    uint32_t port, uint32_t sub_intf) {
-    if (satellite > 0xFF || slot > 0xFF || port > 0xFF || sub_intf > if_field_max(sat_sub_intf))
+    if (satellite > 0xFF || slot > 0xFF || port > 0xFF || sub_intf > if_field_max(sat_sub_intf)) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     // Deliberate: numbers too large for their field run into the one above.
     return store(if_index, IF_TYPE_SAT,
                  satellite << sat_sat_num.low | slot << sat_slot.low | port << sat_port.low |
@@ -213,8 +225,9 @@ int if_index_sat_phy_eth_port_cli_init(uint32_t *if_index, uint32_t satellite, u
 }
 
 int if_index_overlay_init(uint32_t *if_index, uint32_t kind, uint32_t number) {
-    if (kind > 0xFF || number > OVERLAY_NUMBER_MAX)
+    if (kind > 0xFF || number > OVERLAY_NUMBER_MAX) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     // Deliberate: a kind too large for its field runs into the type.
     return store(if_index, IF_TYPE_OVERLAY, kind << overlay_port_type.low | number);
 }
@@ -224,8 +237,9 @@ int if_index_overlay_cli_init(uint32_t *if_index, uint32_t kind, uint32_t number
 }
 
 int if_index_get_overlay_range(uint8_t kind, if_index_range *range) {
-    if (range == nullptr)
+    if (range == nullptr) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     if_index_overlay_init(&range->first, kind, 0);
     return if_index_overlay_init(&range->last, kind, OVERLAY_NUMBER_MAX);
 }
@@ -237,15 +251,17 @@ static int build_hmx_eth(uint32_t *if_index, uint32_t module, uint32_t port, uin
 }
 
 int if_index_hmx_eth_init(uint32_t *if_index, uint32_t module, uint32_t port, uint32_t sub_intf) {
-    if (module > HMX_MODULE_MAX)
+    if (module > HMX_MODULE_MAX) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     return build_hmx_eth(if_index, module, port, sub_intf);
 }
 
 int if_index_hmx_eth_init_from_mod(uint32_t *if_index, uint32_t module, uint32_t port,
                                    uint32_t sub_intf) {
-    if (module < 3 || module > HMX_MODULE_MAX + 1)
+    if (module < 3 || module > HMX_MODULE_MAX + 1) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     return build_hmx_eth(if_index, module, port, sub_intf);
 }
 
@@ -261,8 +277,9 @@ int if_index_hmx_eth_cli_init(uint32_t *if_index, uint32_t module, uint32_t port
 }
 
 int if_index_loopback_port_init(uint32_t *if_index, uint32_t port) {
-    if (if_index == nullptr || port > LOOPBACK_PORT_MAX)
+    if (if_index == nullptr || port > LOOPBACK_PORT_MAX) {
         return IF_INDEX_OUT_OF_RANGE;
+    }
     *if_index = if_index_get_loopback_port(port);
     return IF_INDEX_OK;
 }

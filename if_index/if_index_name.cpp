@@ -9,8 +9,9 @@
 using namespace if_layout;
 
 static void clear_buffer(char *buffer, size_t size) {
-    if (size > 0)
+    if (size > 0) {
         buffer[0] = '\0';
+    }
 }
 
 static const char *eth_port_channel_prefix() {
@@ -28,8 +29,9 @@ static int print_port_channel(char *buffer, size_t size, uint32_t if_index) {
     const int sub_intf = shown(if_index, port_channel_subtype_arg);
     switch (stored(if_index, port_channel_subtype)) {
     case IF_PORT_CHANNEL_PLAIN:
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "%s%d", prefix, channel);
+        }
         return snprintf(buffer, size, "%s%d.%d", prefix, channel, sub_intf);
     case IF_PORT_CHANNEL_PAIR:
         return snprintf(buffer, size, "fc%d/%d", shown(if_index, port_channel_pair_first),
@@ -79,8 +81,9 @@ static int print_vfc(char *buffer, size_t size, uint32_t if_index) {
 int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index) {
     clear_buffer(buffer, size);
     uint8_t type = 0;
-    if (if_index_get_type(if_index, &type) != IF_INDEX_OK)
+    if (if_index_get_type(if_index, &type) != IF_INDEX_OK) {
         return 0;
+    }
 
     int sub_intf = 0;
     switch (type) {
@@ -103,20 +106,24 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
     case IF_TYPE_PORT_CHANNEL:
         return print_port_channel(buffer, size, if_index);
     case IF_TYPE_MGMT_SUP:
-        if (stored(if_index, mgmt_sup_slot) != 0)
+        if (stored(if_index, mgmt_sup_slot) != 0) {
             return snprintf(buffer, size, "mgmt0/%d", shown(if_index, mgmt_sup_slot));
+        }
         return snprintf(buffer, size, "mgmt%d", shown(if_index, mgmt_sup_port));
     case IF_TYPE_INBAND:
-        if (stored(if_index, inband_subtype) == IF_INBAND_LINECARD)
+        if (stored(if_index, inband_subtype) == IF_INBAND_LINECARD) {
             return snprintf(buffer, size, "lc-eth0/%d", shown(if_index, inband_linecard_num));
+        }
         return snprintf(buffer, size, "sup-fc0");
     case IF_TYPE_EOBC:
-        if (cli_platform_is_control_eobc())
+        if (cli_platform_is_control_eobc()) {
             return snprintf(buffer, size, "control%d", shown(if_index, eobc_slot));
+        }
         return snprintf(buffer, size, "Eobc %d", shown(if_index, eobc_slot) + 1);
     case IF_TYPE_VSAN:
-        if (stored(if_index, vsan_slot) == IF_VSAN_SLOT)
+        if (stored(if_index, vsan_slot) == IF_VSAN_SLOT) {
             return snprintf(buffer, size, "vsan%d", shown(if_index, vsan_vsan));
+        }
         return snprintf(buffer, size, "cpp%d/%d/%d", shown(if_index, vsan_slot),
                         shown(if_index, vsan_port), shown(if_index, vsan_vsan));
     case IF_TYPE_VLAN:
@@ -187,8 +194,9 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
                         shown(if_index, lveth_port), sub_intf);
     case IF_TYPE_VETH:
         sub_intf = shown(if_index, veth_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "Veth%d", shown(if_index, veth_vport));
+        }
         return snprintf(buffer, size, "Veth%d.%d", shown(if_index, veth_vport), sub_intf);
     case IF_TYPE_VIF:
         return snprintf(buffer, size, "vif%d", shown(if_index, vif_vifindex));
@@ -222,8 +230,9 @@ int snprintf_if_index_short_native(char *buffer, size_t size, uint32_t if_index)
     case IF_TYPE_HMX_ETH: {
         const int module = (int)stored(if_index, hmx_eth_slot) + hmx_module_base();
         sub_intf = shown(if_index, hmx_eth_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "Eth%d/%d", module, shown(if_index, hmx_eth_port));
+        }
         return snprintf(buffer, size, "Eth%d/%d.%d", module, shown(if_index, hmx_eth_port),
                         sub_intf);
     }
@@ -241,10 +250,12 @@ int if_db_ifindex2str_wrapper(uint32_t, char *, size_t) {
 int snprintf_if_index_from_if_db(char *buffer, size_t size, uint32_t if_index) {
     clear_buffer(buffer, size);
     uint8_t type = 0;
-    if (if_index_get_type(if_index, &type) != IF_INDEX_OK || type != IF_TYPE_PHY_FC)
+    if (if_index_get_type(if_index, &type) != IF_INDEX_OK || type != IF_TYPE_PHY_FC) {
         return 0;
-    if (if_db_ifindex2str_wrapper(if_index, buffer, size) != IF_INDEX_OK)
+    }
+    if (if_db_ifindex2str_wrapper(if_index, buffer, size) != IF_INDEX_OK) {
         return 0;
+    }
     return (int)strnlen(buffer, size);
 }
 

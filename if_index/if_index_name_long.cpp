@@ -12,8 +12,9 @@ static int print_port_channel(char *buffer, size_t size, uint32_t if_index) {
     const int sub_intf = shown(if_index, port_channel_subtype_arg);
     switch (stored(if_index, port_channel_subtype)) {
     case IF_PORT_CHANNEL_PLAIN:
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "%s %d", prefix, channel);
+        }
         return snprintf(buffer, size, "%s %d.%d", prefix, channel, sub_intf);
     case IF_PORT_CHANNEL_PAIR:
         return snprintf(buffer, size, "fc%d/%d", shown(if_index, port_channel_pair_first),
@@ -29,15 +30,17 @@ static const char *eth_port_channel_prefix() {
 }
 
 static int print_ethernet(char *buffer, size_t size, int slot, int port, int sub_intf) {
-    if (sub_intf == 0)
+    if (sub_intf == 0) {
         return snprintf(buffer, size, "Ethernet%d/%d", slot, port);
+    }
     return snprintf(buffer, size, "Ethernet%d/%d.%d", slot, port, sub_intf);
 }
 
 int snprintf_if_index_native(char *buffer, size_t size, uint32_t if_index) {
     uint8_t type = 0;
-    if (if_index_get_type(if_index, &type) != IF_INDEX_OK)
+    if (if_index_get_type(if_index, &type) != IF_INDEX_OK) {
         return snprintf_if_index_short_native(buffer, size, if_index);
+    }
 
     int sub_intf = 0;
     switch (type) {
@@ -52,8 +55,9 @@ int snprintf_if_index_native(char *buffer, size_t size, uint32_t if_index) {
     case IF_TYPE_PORT_CHANNEL:
         return print_port_channel(buffer, size, if_index);
     case IF_TYPE_MGMT_SUP:
-        if (stored(if_index, mgmt_sup_slot) != 0)
+        if (stored(if_index, mgmt_sup_slot) != 0) {
             return snprintf(buffer, size, "mgmt0 on slot %d", shown(if_index, mgmt_sup_slot));
+        }
         return snprintf(buffer, size, "mgmt%d", shown(if_index, mgmt_sup_port));
     case IF_TYPE_INBAND: // no long form
         return snprintf(buffer, size, "0x%08x", if_index);
@@ -74,8 +78,9 @@ int snprintf_if_index_native(char *buffer, size_t size, uint32_t if_index) {
                               shown(if_index, phy_ethernet_sub_intf));
     case IF_TYPE_VETH:
         sub_intf = shown(if_index, veth_sub_intf);
-        if (sub_intf == 0)
+        if (sub_intf == 0) {
             return snprintf(buffer, size, "Vethernet%d", shown(if_index, veth_vport));
+        }
         return snprintf(buffer, size, "Vethernet%d.%d", shown(if_index, veth_vport), sub_intf);
     case IF_TYPE_SAT:
         return snprintf(buffer, size, "Ethernet%d/%d/%d", shown(if_index, sat_sat_num),
@@ -119,8 +124,9 @@ static const char *inband_queue(uint32_t if_index) {
 
 int snprintf_if_index_internal(char *buffer, size_t size, uint32_t if_index) {
     uint8_t type = 0;
-    if (if_index_get_type(if_index, &type) != IF_INDEX_OK)
+    if (if_index_get_type(if_index, &type) != IF_INDEX_OK) {
         return snprintf_if_index_short(buffer, size, if_index);
+    }
     const uint32_t port_channel_form = stored(if_index, port_channel_subtype);
     const char *queue = inband_queue(if_index);
     if (type == IF_TYPE_PORT_CHANNEL && port_channel_form > IF_PORT_CHANNEL_PAIR) {
@@ -135,8 +141,9 @@ int snprintf_if_index_internal(char *buffer, size_t size, uint32_t if_index) {
     if (type == IF_TYPE_INBAND && stored(if_index, inband_subtype) == IF_INBAND_LINECARD) {
         return snprintf(buffer, size, "lc-eth(%d) %s", shown(if_index, inband_linecard_num), queue);
     }
-    if (type == IF_TYPE_INBAND && queue != nullptr)
+    if (type == IF_TYPE_INBAND && queue != nullptr) {
         return snprintf(buffer, size, "sup-fc%s %s", "0", queue);
+    }
     return snprintf_if_index_short(buffer, size, if_index);
 }
 

@@ -97,15 +97,18 @@ static int print_range(char *buffer, size_t size, const if_index_range *range,
 
     const int length = print_name(buffer, size, range->first);
     if ((size_t)length >= size) {
-        if (size > 0)
+        if (size > 0) {
             buffer[0] = '\0';
+        }
         return 0;
     }
-    if (range->first == range->last)
+    if (range->first == range->last) {
         return length;
+    }
     const int number = last_number(range->last);
-    if (number < 0)
+    if (number < 0) {
         return 2 * length; // deliberate: the first name is counted twice
+    }
 
     // The write is bounded by the space left. Whether the appended part fits is nevertheless asked
     // of the whole size, deliberately: callers get a cut-off range whose returned length tells

@@ -37,17 +37,20 @@ static uint32_t vdc_of_environment() {
 int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbers, int count,
                                          uint32_t *if_index) {
     const uint32_t vdc = vdc_of_environment();
-    if (keyword >= IF_KEYWORD_COUNT)
+    if (keyword >= IF_KEYWORD_COUNT) {
         return 0;
+    }
     // Deliberate: keywords are told apart by six bits, so 65 and above come round to 1.
     keyword = ((keyword - 1) & 63) + 1;
     const number_counts counts = keyword_counts[keyword];
-    if (numbers == nullptr || count < counts.least || count > counts.most)
+    if (numbers == nullptr || count < counts.least || count > counts.most) {
         return 0;
+    }
 
     uint32_t n[IF_NAME_MAX_NUMBERS] = {}; // sub-interfaces that are not given are 0
-    for (int i = 0; i < count; i++)
+    for (int i = 0; i < count; i++) {
         n[i] = numbers[i];
+    }
     char database_name[32];
     switch (keyword) {
     case IF_KEYWORD_FC:
@@ -175,11 +178,13 @@ int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbe
 static uint32_t find_keyword(const char *text) {
     for (uint32_t keyword = 0; keyword < IF_KEYWORD_COUNT; keyword++) {
         // Deliberate: "vethernet" is left to "veth" further down, which skips the other letters.
-        if (keyword == IF_KEYWORD_VETHERNET)
+        if (keyword == IF_KEYWORD_VETHERNET) {
             continue;
+        }
         const char *name = INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[keyword];
-        if (strncasecmp(text, name, strlen(name)) == 0)
+        if (strncasecmp(text, name, strlen(name)) == 0) {
             return keyword;
+        }
     }
     return IF_KEYWORD_COUNT;
 }
@@ -189,40 +194,46 @@ static bool is_digit(char c) {
 }
 
 static const char *skip_digits(const char *text) {
-    while (is_digit(*text))
+    while (is_digit(*text)) {
         text++;
+    }
     return text;
 }
 
 static const char *skip_to_digit(const char *text) {
-    while (*text != '\0' && !is_digit(*text))
+    while (*text != '\0' && !is_digit(*text)) {
         text++;
+    }
     return text;
 }
 
 int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index) {
-    if (text == nullptr || if_index == nullptr)
+    if (text == nullptr || if_index == nullptr) {
         return 0;
+    }
     text += strspn(text, " \t");
     if (strcasecmp(text, "null0") == 0) {
         *if_index = if_index_get_null_interface();
         return 1;
     }
     const uint32_t keyword = find_keyword(text);
-    if (keyword == IF_KEYWORD_COUNT)
+    if (keyword == IF_KEYWORD_COUNT) {
         return 0;
+    }
 
     uint32_t numbers[IF_NAME_MAX_NUMBERS] = {};
     int count = 0;
     text = skip_to_digit(text + strlen(INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[keyword]));
     while (*text != '\0') {
-        if (count == IF_NAME_MAX_NUMBERS)
+        if (count == IF_NAME_MAX_NUMBERS) {
             return 0;
+        }
         // Too large a number becomes the largest one, which is out of every range.
         numbers[count++] = (uint32_t)strtol(text, nullptr, 10);
         text = skip_to_digit(skip_digits(text));
-        if (text[-1] == ',' || text[-1] == '-')
+        if (text[-1] == ',' || text[-1] == '-') {
             break;
+        }
     }
     return vsh_interface_coordinates_to_ifindex(keyword, numbers, count, if_index);
 }

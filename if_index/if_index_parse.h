@@ -89,7 +89,6 @@ enum if_keyword : uint32_t {
 };
 
 // The texts of the keywords, by keyword number.
-// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): initialized by a constant
 extern const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYWORD_COUNT];
 
 // The most numbers that are read from a name.

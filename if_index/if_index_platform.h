@@ -8,7 +8,6 @@
 #include <cstdint>
 
 // The selector: 0 before anything ran, then one of the values below.
-// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): initialized by a constant
 extern uint32_t g_cli_platform;
 
 enum : uint32_t {

@@ -143,13 +143,15 @@ TEST(if_index_name, short_long_and_internal_names) {
         expect_name(snprintf_if_index_short, sprintf_if_index_short, row);
         named_index expected = row;
         for (const named_index &other : long_names) {
-            if (other.if_index == row.if_index)
+            if (other.if_index == row.if_index) {
                 expected = other;
+            }
         }
         expect_name(snprintf_if_index, sprintf_if_index, expected);
     }
-    for (const named_index &row : internal_names)
+    for (const named_index &row : internal_names) {
         expect_name(snprintf_if_index_internal, sprintf_if_index_internal, row);
+    }
 }
 
 TEST(if_index_name, ranges) {
@@ -254,8 +256,9 @@ TEST(if_index_name, small_buffers) {
             }
         }
         for (auto *print : {snprintf_if_index_range_short, snprintf_if_index_range}) {
-            if (size > 0)
+            if (size > 0) {
                 buffer[0] = '\0';
+            }
             EXPECT_GE(print(buffer.get(), size, &range), 0);
             if (size > 0) {
                 EXPECT_LT(strnlen(buffer.get(), size), size);

@@ -15,8 +15,9 @@ constexpr uint32_t UNTOUCHED = 0xDEADBEEF;
 TEST(if_index, types) {
     std::vector<int> walked;
     uint8_t type = 0;
-    while (if_index_get_next_type(&type) == IF_INDEX_OK)
+    while (if_index_get_next_type(&type) == IF_INDEX_OK) {
         walked.push_back(type);
+    }
     EXPECT_EQ(type, 74);
     EXPECT_EQ(walked.size(), 36U); // 1 to 38 without 3 and 27
     EXPECT_EQ(std::count(walked.begin(), walked.end(), 3), 0);
@@ -44,8 +45,9 @@ uint32_t bits_of(uint32_t if_index, int high, int low) {
     uint32_t value = 0;
     for (int bit = low, place = 0;; bit = (bit + 1) % 24, place++) {
         value |= ((if_index >> bit) & 1) << place;
-        if (bit == high)
+        if (bit == high) {
             return value;
+        }
     }
 }
 
@@ -63,8 +65,9 @@ void check_accessor(const char *name, accessor *get, uint8_t type, int high, int
     }
     for (uint32_t other = 0; other < 128; other++) {
         const bool shared = type == IF_TYPE_SAT && other == IF_TYPE_SAT_FIF;
-        if (other == type || shared)
+        if (other == type || shared) {
             continue;
+        }
         uint32_t value = UNTOUCHED;
         const bool valid = other >= 1 && other <= 74 && other != 3;
         EXPECT_EQ(get(other << 24, &value), valid ? 12 : 11) << other;
@@ -310,8 +313,9 @@ TEST(if_index, ranges) {
                   row.status);
         got.resize(count);
         EXPECT_EQ(got, row.if_indexes);
-        if (row.status != 0)
+        if (row.status != 0) {
             continue;
+        }
         EXPECT_EQ(if_index_get_if_index_in_range(&row.range, got.data(), count - 1, &count), 14);
         uint32_t walked = row.range.first;
         for (size_t i = 1; i < row.if_indexes.size(); i++) {
