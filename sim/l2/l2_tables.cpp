@@ -11,8 +11,9 @@ namespace {
 void parse_flag(object_reader &keys, const char *key, uint8_t bit, uint8_t &flags) {
     bool set = false;
     keys.flag(key, set);
-    if (set)
+    if (set) {
         flags |= bit;
+    }
 }
 
 // `now` is the time of the DPA; an entry says how long ago it was seen.
@@ -31,8 +32,9 @@ kx_l2_entry parse_entry(object_reader &keys, uint32_t now) {
     parse_flag(keys, "secure", KX_L2_SECURE, entry.flags);
     parse_flag(keys, "drop", KX_L2_DROP, entry.flags);
     parse_flag(keys, "software", KX_L2_SOFTWARE, entry.flags);
-    if (keys.has("pvlan"))
+    if (keys.has("pvlan")) {
         entry.flags |= KX_L2_PVLAN;
+    }
     keys.number("pvlan", entry.pvlan);
     keys.number("dsn", entry.dsn);
     keys.ipv4("remote_ip", entry.remote_ip);
@@ -68,8 +70,9 @@ void parse_table(object_reader &keys, l2_state &into, uint32_t now) {
     keys.each("announced", [&](object_reader &entry_keys) {
         table.announced.push_back(parse_announced(entry_keys, index));
     });
-    if (table.announced.size() > KX_GET_MAC_ENTRIES)
+    if (table.announced.size() > KX_GET_MAC_ENTRIES) {
         keys.fail("announced", "too many addresses");
+    }
 }
 
 void parse_l2(object_reader &file, host &into) {
@@ -99,8 +102,9 @@ const l2_table *table_of(host &state, exchange &talk) {
 }
 
 void answer_limit(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk))
+    if (const l2_table *table = table_of(state, talk)) {
         talk.reply_with(table->limit);
+    }
 }
 
 void answer_count(host &state, exchange &talk) {
@@ -110,19 +114,22 @@ void answer_count(host &state, exchange &talk) {
 }
 
 void answer_aging_time(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk))
+    if (const l2_table *table = table_of(state, talk)) {
         talk.reply_with(table->aging_time);
+    }
 }
 
 void answer_next_entry(host &state, exchange &talk) {
     const l2_table *table = table_of(state, talk);
-    if (table == nullptr)
+    if (table == nullptr) {
         return;
+    }
     const auto next = table->entries.upper_bound(talk.input_as<mac_address>());
-    if (next == table->entries.end())
+    if (next == table->entries.end()) {
         talk.fail();
-    else
+    } else {
         talk.reply_with(next->second);
+    }
 }
 
 // Behind the entry that the step names, the slot's next one: first in the same bridge domain.
@@ -160,8 +167,9 @@ void answer_aging(host &state, exchange &talk) {
 
 void answer_get_mac(host &state, exchange &talk) {
     const l2_table *table = table_of(state, talk);
-    if (table == nullptr)
+    if (table == nullptr) {
         return;
+    }
     kx_get_mac_info info{};
     info.count = static_cast<uint32_t>(table->announced.size());
     std::copy(table->announced.begin(), table->announced.end(), info.entries);
