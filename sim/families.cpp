@@ -6,7 +6,9 @@
 #include "sim/counters/counters.h"
 #include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
+#include "sim/port/port_channels.h"
 #include "sim/port/ports.h"
+#include "sim/port/private_vlans.h"
 #include "sim/settings/settings.h"
 
 namespace {
@@ -18,6 +20,8 @@ constexpr const family *FAMILIES[] = {
     &memory_family,
     &bridge_domain_family,
     &port_family,
+    &private_vlan_family,
+    &port_channel_family,
     &l2_family,
     &counter_family,
     &acl_family,

@@ -10,7 +10,9 @@
 #include "sim/l2/l2_tables.h"
 #include "sim/lacp/lacp_state.h"
 #include "sim/overrides.h"
+#include "sim/port/port_channels.h"
 #include "sim/port/ports.h"
+#include "sim/port/private_vlans.h"
 
 #include <string>
 #include <string_view>
@@ -20,6 +22,8 @@ struct host {
     memory_state memory;
     bridge_domain_table bridge_domains;
     port_table ports;
+    private_vlan_table private_vlans;
+    port_channel_table port_channels;
     l2_state l2;
     counter_table counters;
     acl_table acls;
