@@ -17,8 +17,7 @@
 #define COMMAND_SIZE 256
 
 /* Join the words with blanks. Returns 0, or -1 when they do not fit. */
-static int join_words(char command[COMMAND_SIZE], int count, char *const words[])
-{
+static int join_words(char command[COMMAND_SIZE], int count, char *const words[]) {
     size_t length = 0;
     command[0] = '\0';
     for (int i = 0; i < count; i++) {
@@ -33,8 +32,7 @@ static int join_words(char command[COMMAND_SIZE], int count, char *const words[]
 }
 
 /* Run the text and print what it left in the buffer. Returns the continuation word. */
-static uint32_t print_page(const char *text)
-{
+static uint32_t print_page(const char *text) {
     hmx_rcli_buffer[0] = '\0';
     hmx_rcli_buffer_ptr = hmx_rcli_buffer;
     hmx_rcli_entry_start_ptr = NULL;
@@ -46,8 +44,7 @@ static uint32_t print_page(const char *text)
 }
 
 /* Print page after page. A cookie that comes back unchanged would ask for the same page again. */
-static int print_pages(const char *command)
-{
+static int print_pages(const char *command) {
     char text[COMMAND_SIZE];
     uint32_t previous = 0;
     uint32_t cookie = print_page(command);
@@ -63,8 +60,7 @@ static int print_pages(const char *command)
     return 0;
 }
 
-int main(int argc, char *argv[])
-{
+int main(int argc, char *argv[]) {
     char command[COMMAND_SIZE];
     int result;
     if (argc < 2 || join_words(command, argc - 1, argv + 1) != 0) {

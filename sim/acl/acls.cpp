@@ -51,8 +51,9 @@ void answer_dump_policy(host &state, exchange &talk) {
     const auto id = talk.input_as<uint32_t>();
     const auto &acls = state.acls.acls;
     if (std::none_of(acls.begin(), acls.end(),
-                     [&](const kx_acl_record &acl) { return acl.id == id; }))
+                     [&](const kx_acl_record &acl) { return acl.id == id; })) {
         talk.fail();
+    }
 }
 
 // What the operation changes or writes is not visible through the driver.

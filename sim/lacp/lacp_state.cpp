@@ -82,19 +82,21 @@ void parse_lacp(object_reader &file, host &into) {
 }
 
 template <typename T> void reply_or_fail(exchange &talk, const std::optional<T> &value) {
-    if (value)
+    if (value) {
         talk.reply_with(*value);
-    else
+    } else {
         talk.fail();
+    }
 }
 
 // Answers with a member of the uplink that the argument names; fails where it has none.
 template <auto member> void answer_uplink(host &state, exchange &talk) {
     const auto found = state.lacp.uplinks.find(talk.request.arg);
-    if (found == state.lacp.uplinks.end())
+    if (found == state.lacp.uplinks.end()) {
         talk.fail();
-    else
+    } else {
         reply_or_fail(talk, std::optional(found->second.*member));
+    }
 }
 
 void answer_offload(host &state, exchange &talk) {

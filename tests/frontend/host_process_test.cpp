@@ -31,16 +31,6 @@ struct run {
 
 // Handlers that are about to land; the list goes when it is empty.
 const std::set<kestrel_cmd_handler> PENDING = {
-    kx_port_vlan_table_dump,
-    kx_port_seg_table_dump,
-    kx_port_security_table_dump,
-    kx_port_old_table_dump,
-    kx_trunk_table_dump,
-    kx_port_dvport_info_table_dump,
-    kx_show_port_device_type,
-    kx_port_table_mac_dump,
-    kx_pc_table_dump,
-    kx_show_ltl_range,
     kx_card_version,
     kx_show_krt_uptime,
     kx_card_dump,
@@ -104,7 +94,10 @@ protected:
     void SetUp() override {
         std::string error;
         ASSERT_TRUE(parse_host(builtin_host_text(), "builtin", driver.state, error)) << error;
-        driver.trace = [this](const std::string &) { ++requests; };
+        driver.trace = [this](const std::string &line) {
+            ++requests;
+            last_request = line;
+        };
         driver.complain = [](const std::string &line) { ADD_FAILURE() << line; };
         interpose_model(&driver);
         ASSERT_EQ(kx_dpa_api_init(), 0);
@@ -170,6 +163,7 @@ protected:
 
     model driver;
     int requests = 0;
+    std::string last_request;
 };
 
 TEST_F(HostProcess, RefusesRowsThatAreNotAllowedFromTheAgent) {
@@ -290,6 +284,14 @@ TEST_F(HostProcess, ComplainsAboutAnArgumentWithoutAWord) {
     }
     EXPECT_STREQ(hmx_rcli_buffer, "Invalid arg\nInvalid arg\n");
     EXPECT_EQ(requests, 0);
+}
+
+// No row of the table names the handler.
+TEST_F(HostProcess, CleansAPortAclEntry) {
+    EXPECT_EQ(kx_acl_clean_pacl_table(nullptr), -1);
+    EXPECT_EQ(requests, 0);
+    EXPECT_EQ(kx_acl_clean_pacl_table("0x11"), 0);
+    EXPECT_EQ(last_request, "op 367 arg 0x11 flags 16 -> 0");
 }
 
 } // namespace
