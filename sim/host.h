@@ -3,6 +3,7 @@
 #define SIM_HOST_H
 
 #include "sim/acl/acls.h"
+#include "sim/agent/agent.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
 #include "sim/card/memory.h"
@@ -14,6 +15,7 @@
 #include "sim/port/ports.h"
 #include "sim/port/private_vlans.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,6 +30,8 @@ struct host {
     counter_table counters;
     acl_table acls;
     lacp_state lacp;
+    std::optional<agent_description> agent;        // none when absent
+    std::optional<std::string> management_address; // as the host's own program tells it
     std::vector<override_rule> overrides;
 };
 

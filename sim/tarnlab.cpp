@@ -1,5 +1,7 @@
 // Runs a command on a simulated host.
+#include "sim/agent/agent_process.h"
 #include "sim/host.h"
+#include "sim/host_programs.h"
 #include "sim/preload_variables.h"
 
 #include <algorithm>
@@ -27,14 +29,16 @@ constexpr const char *HELP =
     "Usage: tarnlab [--host FILE] [--trace FILE] COMMAND [ARGS...]\n"
     "\n"
     "Runs COMMAND, a 32-bit program, on a simulated host: its kestrel driver device is answered\n"
-    "from a description of the host, no driver is needed.\n"
+    "from a description of the host, no driver is needed. Where the description has an agent, that\n"
+    "runs beside the command, at its own socket and pipe.\n"
     "\n"
     "  --host FILE   describe the host by FILE (JSON); the built-in host without it\n"
     "  --trace FILE  write one line for every request to the driver into FILE\n"
     "  --help        print this text\n"
     "\n"
     "The exit value is the command's, or 128 and the number of the signal that ended it. It is 2\n"
-    "when the arguments or the host description are wrong, 127 when COMMAND is not found.\n";
+    "when the arguments or the host description are wrong or the agent's paths are taken, 127 when\n"
+    "COMMAND is not found.\n";
 
 struct lab_options {
     std::string host;  // empty for the built-in one
@@ -84,14 +88,15 @@ std::string library_path() {
     return path + "/lib/" + PRELOAD_LIBRARY;
 }
 
-bool check_host(const lab_options &options) {
-    host ignored;
+bool read_host(const lab_options &options, host &described) {
     std::string error;
-    if (options.host.empty() || load_host(options.host, ignored, error)) {
-        return true;
+    const bool read = options.host.empty()
+                          ? parse_host(builtin_host_text(), "built-in host", described, error)
+                          : load_host(options.host, described, error);
+    if (!read) {
+        std::fprintf(stderr, "tarnlab: %s\n", error.c_str());
     }
-    std::fprintf(stderr, "tarnlab: %s\n", error.c_str());
-    return false;
+    return read;
 }
 
 bool start_trace(const lab_options &options) {
@@ -135,6 +140,15 @@ void set_variables(const lab_options &options) {
     _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
 }
 
+// Whoever ends this program means the command; what stands around the command is still removed.
+volatile pid_t running_command = -1;
+
+void pass_on(int signal) {
+    if (running_command > 0) {
+        kill(running_command, signal);
+    }
+}
+
 int run_command(const lab_options &options) {
     const pid_t child = fork();
     if (child == 0) {
@@ -144,6 +158,9 @@ int run_command(const lab_options &options) {
         std::perror("tarnlab: fork");
         return EXIT_CANNOT_RUN;
     }
+    running_command = child;
+    std::signal(SIGTERM, pass_on);
+    std::signal(SIGHUP, pass_on);
     // An interrupt from the terminal is the command's to handle.
     std::signal(SIGINT, SIG_IGN);
     std::signal(SIGQUIT, SIG_IGN);
@@ -151,6 +168,19 @@ int run_command(const lab_options &options) {
     while (waitpid(child, &status, 0) == -1 && errno == EINTR) {
     }
     return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// The command with everything that its host has besides the driver.
+int run_on_host(const lab_options &options, const host &described) {
+    agent_process agent;
+    host_programs programs;
+    std::string error;
+    if ((!described.agent || agent.start(*described.agent, error)) &&
+        programs.install(described, error)) {
+        return run_command(options);
+    }
+    std::fprintf(stderr, "tarnlab: %s\n", error.c_str());
+    return EXIT_USAGE;
 }
 
 } // namespace
@@ -161,8 +191,9 @@ int main(int argc, char **argv) {
     if (!read_options(argc, argv, options, exit_value)) {
         return exit_value;
     }
-    if (!check_host(options) || !start_trace(options)) {
+    host described;
+    if (!read_host(options, described) || !start_trace(options)) {
         return EXIT_USAGE;
     }
-    return run_command(options);
+    return run_on_host(options, described);
 }

@@ -7,6 +7,7 @@
 // "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
 // have to be written for the results that were seen.
 #include "frontend/hmx_cmd.h"
+#include "sim/host_programs.h"
 #include "sim/interpose.h"
 
 #include <algorithm>
@@ -167,7 +168,9 @@ void run_agent(const transcript_case &asked) {
 int run_in_process(const transcript_case &asked, const fs::path &folder) {
     static model driver;
     std::string error;
-    if (!load_host(folder / "host", driver.state, error)) {
+    host_programs programs;
+    if (!load_host(folder / "host", driver.state, error) ||
+        !programs.install(driver.state, error)) {
         fprintf(stderr, "%s\n", error.c_str());
         return 2;
     }

@@ -95,6 +95,17 @@ TEST(Tarnlab, TraceHoldsTheRequestsOfOneRun) {
     unlink(path.c_str());
 }
 
+TEST(Tarnlab, TheAgentRunsBesideTheCommand) {
+    if (access("/var/log", W_OK) != 0)
+        GTEST_SKIP() << "the output file's folder cannot be written";
+    const outcome seen = run(LAB + " " + TARNCMD_PATH + " dpa show version");
+    EXPECT_EQ(seen.text, "=>dpa command is: show version\n"
+                         "DPA version 2.3.1, built for ESX 6.0\n"
+                         "Uptime: 41 days, 3 hours\n"
+                         "#byeBye#\n");
+    EXPECT_EQ(seen.exit_value, 0);
+}
+
 } // namespace
 
 #endif

@@ -1,0 +1,160 @@
+#include "sim/agent/agent_channel.h"
+
+#include "dpa/userspace/kxdpa_request.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr uint64_t MESSAGE_LIMIT = uint64_t{1} << 24;
+
+// Where the buffers lie in a message.
+struct regions {
+    uint64_t first;  // bytes of buffer 1
+    uint64_t second; // bytes of buffer 2
+    uint64_t total;  // bytes of the message
+};
+
+regions regions_of(const kxdpa_request &request) {
+    regions of{};
+    of.first = uint64_t{request.len1} + uint64_t{request.max1} * (request.max1_valid & 1);
+    if ((request.flags & KXDPA_FLAG_TWO) != 0) {
+        of.second = uint64_t{request.len2} + uint64_t{request.max2} * (request.max2_valid & 1);
+    }
+    of.total = sizeof request + of.first + of.second;
+    return of;
+}
+
+// Names the first field that is wrong, nullptr for none.
+const char *wrong_field(const kxdpa_request &request) {
+    const auto valid = static_cast<uint32_t>((request.flags & KXDPA_FLAG_MAX) != 0);
+    if (request.marker != KXDPA_SOCKET_MARKER) {
+        return "marker";
+    }
+    if (request.version != KXDPA_SOCKET_VERSION) {
+        return "version";
+    }
+    if (request.reserved[0] != 0 || request.reserved[1] != 0 || request.reserved[2] != 0) {
+        return "reserved";
+    }
+    if (request.max1_valid != valid) {
+        return "max1_valid";
+    }
+    if (request.max2_valid != ((request.flags & KXDPA_FLAG_TWO) != 0 ? valid : 0)) {
+        return "max2_valid";
+    }
+    return nullptr;
+}
+
+agent_answer *find_answer(std::vector<agent_answer> &answers, const kxdpa_request &request) {
+    agent_answer *found = nullptr;
+    for (agent_answer &answer : answers) {
+        if (answer.opcode != request.opcode ||
+            (answer.argument && *answer.argument != request.arg)) {
+            continue;
+        }
+        answer.seen++;
+        if (found == nullptr && (answer.only_time == 0 || answer.only_time == answer.seen)) {
+            found = &answer;
+        }
+    }
+    return found;
+}
+
+void set_status(std::vector<uint8_t> &message, uint32_t status) {
+    std::memcpy(message.data() + offsetof(kxdpa_request, status), &status, sizeof status);
+}
+
+// The answer goes where the flags say; everything else is the request's own bytes.
+void fill_reply(std::vector<uint8_t> &message, const kxdpa_request &request,
+                const agent_answer &answer) {
+    const regions of = regions_of(request);
+    set_status(message, answer.status);
+    if (answer.status != KXDPA_STATUS_SUCCESS || (request.flags & KXDPA_FLAG_OUT) == 0) {
+        return;
+    }
+    const bool two = (request.flags & KXDPA_FLAG_TWO) != 0;
+    const auto room = static_cast<size_t>(two ? of.second : of.first);
+    uint8_t *to = message.data() + sizeof request + (two ? static_cast<size_t>(of.first) : 0);
+    const size_t count = std::min(room, answer.reply.size());
+    std::copy_n(answer.reply.begin(), count, to);
+    std::fill(to + count, to + room, uint8_t{0});
+}
+
+bool send_all(int descriptor, const std::vector<uint8_t> &message, size_t count) {
+    for (size_t sent = 0; sent < count;) {
+        const ssize_t took = send(descriptor, message.data() + sent, count - sent, MSG_NOSIGNAL);
+        if (took < 1) {
+            return false;
+        }
+        sent += static_cast<size_t>(took);
+    }
+    return true;
+}
+
+} // namespace
+
+agent_channel::agent_channel(int descriptor, std::vector<agent_answer> &answers)
+    : descriptor_(descriptor), answers_(answers) {
+}
+
+agent_channel::~agent_channel() {
+    close(descriptor_);
+}
+
+bool agent_channel::serve() {
+    uint8_t piece[65536];
+    const ssize_t got = read(descriptor_, piece, sizeof piece);
+    if (got < 1) {
+        return false;
+    }
+    received_.insert(received_.end(), piece, piece + got);
+    while (received_.size() >= sizeof(kxdpa_request)) {
+        kxdpa_request request{};
+        std::memcpy(&request, received_.data(), sizeof request);
+        const uint64_t total = regions_of(request).total;
+        if (total > MESSAGE_LIMIT) {
+            std::fprintf(stderr, "agent: op %u: a message of %llu bytes\n", request.opcode, total);
+            return false;
+        }
+        if (received_.size() < total) {
+            break;
+        }
+        const auto end = received_.begin() + static_cast<ptrdiff_t>(total);
+        std::vector<uint8_t> message(received_.begin(), end);
+        received_.erase(received_.begin(), end);
+        if (!answer_message(std::move(message))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool agent_channel::answer_message(std::vector<uint8_t> message) {
+    kxdpa_request request{};
+    std::memcpy(&request, message.data(), sizeof request);
+    const char *wrong = wrong_field(request);
+    if (wrong != nullptr) {
+        std::fprintf(stderr, "agent: op %u: %s is wrong\n", request.opcode, wrong);
+        set_status(message, SIM_STATUS_MALFORMED);
+        return send_all(descriptor_, message, message.size());
+    }
+    const agent_answer *answer = find_answer(answers_, request);
+    if (answer == nullptr) {
+        set_status(message, SIM_STATUS_UNKNOWN_OPCODE);
+        return send_all(descriptor_, message, message.size());
+    }
+    poll(nullptr, 0, static_cast<int>(answer->delay));
+    if (answer->silent) {
+        return true;
+    }
+    fill_reply(message, request, *answer);
+    const size_t count = std::min<size_t>(answer->close_after.value_or(UINT32_MAX), message.size());
+    return send_all(descriptor_, message, count) && !answer->close_after;
+}

@@ -1,0 +1,35 @@
+// The agent's end of the socket channel: one connection, requests answered in order.
+#ifndef SIM_AGENT_AGENT_CHANNEL_H
+#define SIM_AGENT_AGENT_CHANNEL_H
+
+#include "sim/agent/agent.h"
+
+#include <cstdint>
+#include <vector>
+
+class agent_channel {
+public:
+    // `answers` are shared by all connections and outlive them; the descriptor becomes the
+    // channel's.
+    agent_channel(int descriptor, std::vector<agent_answer> &answers);
+    ~agent_channel();
+    agent_channel(const agent_channel &) = delete;
+    agent_channel &operator=(const agent_channel &) = delete;
+
+    int descriptor() const {
+        return descriptor_;
+    }
+
+    // Take what has arrived and answer the messages that are whole. Returns false when the
+    // connection is over.
+    bool serve();
+
+private:
+    bool answer_message(std::vector<uint8_t> message);
+
+    int descriptor_;
+    std::vector<agent_answer> &answers_;
+    std::vector<uint8_t> received_;
+};
+
+#endif

@@ -1,0 +1,292 @@
+#include "dpa/command/kxtarncmd_indirect.h"
+#include "frontend/hmx_cmd.h"
+#include "sim/agent/agent_paths.h"
+#include "tests/infra/printed_by.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <regex>
+#include <string>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr uint32_t HEADER = 48;
+constexpr uint32_t ANY_ARG = 0x00C0FFEE;
+constexpr uint32_t AGENT_STATUS = 77;
+constexpr size_t MARGIN = 16; // bytes behind a buffer that nobody may write
+
+std::string le16(uint32_t value) {
+    return {static_cast<char>(value), static_cast<char>(value >> 8)};
+}
+
+std::string le32(uint32_t value) {
+    return le16(value) + le16(value >> 16);
+}
+
+uint32_t address(const std::string *buffer) {
+    return buffer == nullptr ? 0 : reinterpret_cast<uintptr_t>(buffer->data());
+}
+
+std::string pattern(size_t size, unsigned step) {
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; i++)
+        bytes[i] = static_cast<char>(1 + i * step % 251);
+    return bytes;
+}
+
+// Trace lines without their stamps.
+std::string traced_by(const std::function<void()> &call) {
+    static const std::regex stamp("[A-Z][a-z]{2} [ 0-9][0-9] [0-9:]{8}\\.[0-9]{6}: ");
+    return std::regex_replace(printed_by(call), stamp, "");
+}
+
+// Receive up to `size` bytes, fewer when the tool closes first.
+std::string receive(int fd, size_t size) {
+    std::string bytes(size, '\0');
+    return bytes.substr(
+        0, static_cast<size_t>(std::max<ssize_t>(recv(fd, bytes.data(), size, MSG_WAITALL), 0)));
+}
+
+// A reply whose head, apart from the status, is nothing that the tool may use.
+std::string reply_head() {
+    std::string head(HEADER, '\xFF');
+    return head.replace(12, 4, le32(AGENT_STATUS));
+}
+
+// The tool's connection is one end of a pair; the agent's end is `peer`.
+class AgentSocket : public testing::Test {
+protected:
+    void SetUp() override {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+        kx_tarncmd_call_fd = ends[0];
+        peer = ends[1];
+    }
+    void TearDown() override {
+        kx_debug_print_kxtarncmd_indirect = 0x87;
+        dpa_platform_close();
+        if (peer != -1)
+            close(peer);
+    }
+    int peer = -1;
+};
+
+struct Framing {
+    const char *what;
+    bool two_buffer_form;
+    uint8_t flags;
+    uint32_t len1;
+    uint32_t max1; // given by reference whatever the flags say
+    uint32_t len2;
+    uint32_t max2;
+    bool buffer_missing; // buffer 1
+    uint32_t sent1;      // bytes of buffer 1 in the message
+    uint32_t sent2;
+};
+
+// One request over the pair; the message that it sent and both buffers are compared byte for byte.
+void check_framing(const Framing &row, int peer) {
+    SCOPED_TRACE(row.what);
+    std::string first = pattern(row.sent1 + MARGIN, 3);
+    std::string second = pattern(row.sent2 + MARGIN, 5);
+    uint32_t max1 = row.max1;
+    uint32_t max2 = row.max2;
+    const bool capacity = (row.flags & KXDPA_FLAG_MAX) != 0;
+    const bool second_capacity = capacity && row.two_buffer_form;
+    const std::string *buf1 = row.buffer_missing ? nullptr : &first;
+    const std::string expected =
+        le16(0x1234) + "\x03" + std::string(1, '\0') +
+        std::string(1, static_cast<char>(row.flags)) + std::string(3, '\0') + le32(ANY_ARG) +
+        le32(KXDPA_STATUS_NO_EXCHANGE) + le32(row.len1) + le32(row.two_buffer_form ? row.len2 : 0) +
+        le32(capacity ? row.max1 : 0) + le32(second_capacity ? row.max2 : 0) +
+        le32(capacity ? 1 : 0) + le32(second_capacity ? 1 : 0) + le32(address(buf1)) +
+        le32(row.two_buffer_form ? address(&second) : 0) +
+        (row.buffer_missing ? std::string(row.sent1, '\0') : first.substr(0, row.sent1)) +
+        second.substr(0, row.sent2);
+    const std::string reply1 = pattern(row.sent1, 7);
+    const std::string reply2 = pattern(row.sent2, 11);
+
+    std::string message;
+    std::thread agent([&] {
+        message = receive(peer, expected.size());
+        const std::string reply = reply_head() + reply1 + reply2;
+        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
+    });
+    char *data = row.buffer_missing ? nullptr : first.data();
+    const uint32_t status =
+        row.two_buffer_form
+            ? kx_tarncmd_call_indirect2(0x61234, ANY_ARG, row.flags, data, row.len1, &max1,
+                                        second.data(), row.len2, &max2)
+            : kx_tarncmd_call_indirect1(0x61234, ANY_ARG, row.flags, data, row.len1, &max1);
+    agent.join();
+
+    EXPECT_EQ(status, AGENT_STATUS);
+    EXPECT_TRUE(message == expected);
+    char extra = 0;
+    EXPECT_EQ(recv(peer, &extra, 1, MSG_DONTWAIT), -1) << "more than the message was sent";
+    const std::string margin1 = pattern(row.sent1 + MARGIN, 3).substr(row.sent1);
+    const std::string margin2 = pattern(row.sent2 + MARGIN, 5).substr(row.sent2);
+    if (!row.buffer_missing) {
+        EXPECT_TRUE(first == reply1 + margin1);
+    }
+    EXPECT_TRUE(second == reply2 + margin2);
+    EXPECT_EQ(max1, row.max1);
+    EXPECT_EQ(max2, row.max2);
+}
+
+TEST_F(AgentSocket, SendsRecordAndBuffersAndTakesThemBack) {
+    const Framing rows[] = {
+        {"fixed reply", false, 1, 16, 99, 0, 0, false, 16, 0},
+        {"no data", false, 16, 0, 99, 0, 0, true, 0, 0},
+        {"input comes back as the agent's echo", false, 2, 8, 0, 0, 0, false, 8, 0},
+        {"capacity counts", false, 7, 4, 8, 0, 0, false, 12, 0},
+        {"capacity alone", false, 5, 0, 128, 0, 0, false, 128, 0},
+        {"missing buffer keeps its region", false, 1, 32, 0, 0, 0, true, 32, 0},
+        {"4096 bytes", false, 3, 4096 - HEADER, 0, 0, 0, false, 4096 - HEADER, 0},
+        {"4097 bytes", false, 3, 4097 - HEADER, 0, 0, 0, false, 4097 - HEADER, 0},
+        {"more than the socket holds", false, 3, 1 << 20, 0, 0, 0, false, 1 << 20, 0},
+        {"two buffers", true, 11, 8, 99, 24, 99, false, 8, 24},
+        {"two capacities", true, 15, 8, 100, 4, 4000, false, 108, 4004},
+        {"second buffer without its flag", true, 3, 8, 0, 24, 0, false, 8, 0},
+    };
+    for (const Framing &row : rows)
+        check_framing(row, peer);
+}
+
+TEST_F(AgentSocket, SimpleFormHasNoCapacities) {
+    uint32_t word = 5;
+    std::string message;
+    std::thread agent([&] {
+        message = receive(peer, HEADER + 4);
+        const std::string reply = reply_head() + le32(6);
+        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
+    });
+    EXPECT_EQ(kx_tarncmd_call_indirect_simple(4, 9, 7, &word, 4), static_cast<int>(AGENT_STATUS));
+    agent.join();
+    EXPECT_EQ(word, 6U);
+    EXPECT_EQ(message.substr(0, 12),
+              le16(4) + "\x03" + std::string(1, '\0') + "\x07" + std::string(3, '\0') + le32(9));
+    EXPECT_EQ(message.substr(20, 20), std::string(20, '\0'));
+}
+
+TEST_F(AgentSocket, TracesSayWhatFailed) {
+    const std::string place = "dpa/command/kxtarncmd_indirect.cpp";
+    const std::string sending =
+        "kx_tarncmd_socket_api: Sending (52) bytes across\n"
+        "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n"
+        "kx_tarncmd_socket_api: EOF writing more data -1\n";
+    uint32_t word = 0;
+    uint32_t huge = UINT32_MAX;
+    const struct {
+        const char *what;
+        bool peer_gone;
+        uint32_t debug_word;
+        std::function<uint32_t()> call;
+        uint32_t status;
+        std::string trace;
+    } rows[] = {
+        {"one buffer without capacity", false, 0x97,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2,
+         place + "/321: Failed, opcode 2\n"},
+        {"the line is off by default", false, 0x87,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2, ""},
+        {"two buffers without the first capacity", false, 0x97,
+         [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, nullptr, &word, 4, &huge); }, 2,
+         place + "/368: Failed, opcode 2\n"},
+        {"two buffers without the second", false, 0x97,
+         [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, &huge, &word, 4, nullptr); }, 2,
+         place + "/382: Failed, opcode 2\n"},
+        {"a size that wraps is never allocated", false, 0x87,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 5, &huge); }, 1,
+         "kx_tarncmd_socket_api: Failed allocating return buffer\n"},
+        {"one buffer to nobody", true, 0x97,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1,
+         sending + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+        {"two buffers to nobody", true, 0x97,
+         [&] { return kx_tarncmd_call_indirect2(2, 0, 3, &word, 4, nullptr, nullptr, 0, nullptr); },
+         1, sending + place + "/395: Failed, opcode 2\ndi status 1\n"},
+        {"simple to nobody", true, 0x87,
+         [&] { return static_cast<uint32_t>(kx_tarncmd_call_indirect_simple(2, 0, 1, &word, 4)); },
+         1, place + "/294: Failed\n"},
+        {"no record", false, 0x97,
+         [&] { return static_cast<uint32_t>(kx_tarncmd_socket_api(3, nullptr, HEADER)); },
+         UINT32_MAX, "kx_tarncmd_socket_api: Invalid args passed \n"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        TearDown();
+        SetUp();
+        kx_debug_print_kxtarncmd_indirect = row.debug_word;
+        if (row.peer_gone)
+            close(std::exchange(peer, -1));
+        uint32_t status = 0;
+        EXPECT_EQ(traced_by([&] { status = row.call(); }), row.trace);
+        EXPECT_EQ(status, row.status);
+        EXPECT_EQ(kx_tarncmd_call_fd == -1, row.peer_gone);
+    }
+}
+
+// The agent's own path, served by the test.
+class AgentSocketPath : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string error;
+        ASSERT_TRUE(paths.claim(error)) << error;
+    }
+    void TearDown() override {
+        dpa_platform_close();
+    }
+    agent_paths paths;
+};
+
+TEST_F(AgentSocketPath, ConnectsAnewAfterAReplyThatEndsEarly) {
+    constexpr size_t total = HEADER + 12;
+    std::thread agent([&] {
+        const std::string reply = reply_head() + std::string(12, 'r');
+        // The last connection answers two requests.
+        for (size_t length = 0; length <= total; length++) {
+            const int client = accept(paths.listener(), nullptr, nullptr);
+            for (int requests = length == total ? 2 : 1; requests > 0; requests--) {
+                receive(client, total);
+                send(client, reply.data(), length, MSG_NOSIGNAL);
+            }
+            close(client);
+        }
+    });
+    std::string data;
+    const auto ask = [&] {
+        uint32_t capacity = 8;
+        data.assign(12, 's');
+        return kx_tarncmd_call_indirect1(3, 0, 7, data.data(), 4, &capacity);
+    };
+    for (size_t length = 0; length < total; length++) {
+        EXPECT_EQ(ask(), 1U) << length;
+        EXPECT_EQ(data, std::string(12, 's')) << length;
+        EXPECT_EQ(kx_tarncmd_call_fd, -1) << length;
+    }
+    for (int requests = 0; requests < 2; requests++) {
+        EXPECT_EQ(ask(), AGENT_STATUS);
+        EXPECT_EQ(data, std::string(12, 'r'));
+    }
+    agent.join();
+}
+
+TEST_F(AgentSocketPath, WithoutAnAgentTheConnectLineSaysWhy) {
+    ASSERT_EQ(unlink(AGENT_SOCKET_PATH), 0);
+    uint32_t word = 0;
+    uint32_t status = 0;
+    EXPECT_EQ(traced_by([&] { status = kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }),
+              "dpa_platform_open: Failed connect local socket err: 2 - No such file or "
+              "directory\n");
+    EXPECT_EQ(status, 1U);
+    EXPECT_EQ(kx_tarncmd_call_fd, -1);
+    EXPECT_EQ(kx_tarncmd_api_exit(), -1);
+}
+
+} // namespace

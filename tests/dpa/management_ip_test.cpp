@@ -1,0 +1,84 @@
+#include "dpa/command/management_ip.h"
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "sim/host_programs.h"
+#include "sim/interpose.h"
+#include "tests/infra/printed_by.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+
+namespace {
+
+TEST(ManagementAddress, ConvertsDottedText) {
+    const struct {
+        const char *text;
+        uint32_t value;
+    } rows[] = {
+        {"", 0},
+        {"10.1.2.3", 0x0A010203},
+        {"10.0.0.010", 0x0A000008}, // octal
+        {"0x0a.0X10.1.1", 0x0A100101},
+        {"1.2.3.4.5", 0x02030405}, // the first part leaves at the top
+        {"300.1", 300 * 256 + 1},  // no part is tested
+        {"7", 7},
+        {"..10...1.", 10 * 256 + 1}, // empty parts do not count
+        {"a.1", 1},
+    };
+    for (const auto &row : rows) {
+        char text[32];
+        strcpy(text, row.text);
+        EXPECT_EQ(conv_ip_address(text), row.value) << row.text;
+    }
+}
+
+TEST(ManagementAddress, IsAskedFromTheHostAndToldToTheDriver) {
+    const struct {
+        std::optional<std::string> told; // by the host's program, none without the program
+        const char *sent;                // in network byte order
+        uint32_t stored;                 // the same bytes read as a word of this machine
+    } rows[] = {
+        {"10.193.4.21", "0ac10415", 0x1504C10A},
+        {"255.255.255.255", "ffffffff", 0xFFFFFFFF},
+        {"1.2.3.4.5.6.7.8.9.10.11.12.13", "0a0b0c0d", 0x0D0C0B0A}, // the line's last piece counts
+        {"", "00000000", 0},
+        {std::nullopt, "00000000", 0},
+    };
+    for (const auto &row : rows) {
+        std::string asked;
+        model driver;
+        driver.state.management_address = row.told;
+        driver.trace = [&](const std::string &line) { asked += line; };
+        host_programs programs;
+        std::string error;
+        ASSERT_TRUE(programs.install(driver.state, error)) << error;
+        interpose_model(&driver);
+        kx_platform_open();
+        testing::internal::CaptureStderr(); // the shell's complaint about a missing program
+        uint32_t address = 1;
+        EXPECT_EQ(kx_dpa_platform_get_management_ip(&address), 0U);
+        testing::internal::GetCapturedStderr();
+        kx_platform_close();
+        interpose_model(nullptr);
+        EXPECT_EQ(address, row.stored);
+        EXPECT_EQ(asked.substr(0, asked.find(" ->")),
+                  std::string("op 57 arg 0x0 flags 2 len 4 in ") + row.sent);
+    }
+    EXPECT_EQ(kx_dpa_platform_get_management_ip(nullptr), 1U);
+}
+
+TEST(ManagementAddress, TracesEveryLineThatItReads) {
+    host described;
+    host_programs programs;
+    std::string error;
+    ASSERT_TRUE(parse_host(R"({"management_address": "10.1.1.1"})", "test", described, error));
+    ASSERT_TRUE(programs.install(described, error)) << error;
+    kx_debug_print_dpa_platform = 0x97;
+    uint32_t address = 0;
+    const std::string traced = printed_by([&] { kx_dpa_platform_get_management_ip(&address); });
+    kx_debug_print_dpa_platform = 0x87;
+    EXPECT_TRUE(traced.ends_with(": value of 10.1.1.1\n ")) << traced;
+}
+
+} // namespace
