@@ -291,9 +291,17 @@ int32_t bitset_nth_free_bit(const bitset *b, int32_t index) {
 }
 
 int32_t bitset_bitcount(const bitset *b) {
+    const uint8_t *const bits = bits_of(b);
     int32_t count = 0;
-    for (uint32_t i = 0; i < b->size; ++i) {
-        count += std::popcount(bits_of(b)[i]);
+    uint32_t i = 0;
+    for (uint32_t word = 0; i + sizeof word <= b->size; i += sizeof word) {
+        memcpy(&word, bits + i, sizeof word);
+        if (word != 0) {
+            count += std::popcount(word);
+        }
+    }
+    for (; i < b->size; ++i) {
+        count += std::popcount(bits[i]);
     }
     return count;
 }
