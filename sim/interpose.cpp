@@ -41,21 +41,8 @@ int open_device(int flags) {
 }
 
 int device_ioctl(unsigned long code, void *argument) {
-    if (code != 0) {
-        model_complain(*answering, "request code is " + std::to_string(code) + ", expected 0");
-        errno = ENOTTY;
-        return -1;
-    }
     own_memory memory;
-    kxdpa_request record{};
-    const auto address = reinterpret_cast<uintptr_t>(argument);
-    int error = memory.read(address, &record, sizeof record) ? 0 : EFAULT;
-    if (error == 0) {
-        error = model_request(*answering, record, memory);
-    }
-    if (error == 0) {
-        memory.write(address, &record, sizeof record);
-    }
+    const int error = model_ioctl(*answering, code, reinterpret_cast<uintptr_t>(argument), memory);
     errno = error == 0 ? errno : error;
     return error == 0 ? 0 : -1;
 }

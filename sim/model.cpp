@@ -237,6 +237,14 @@ void answer_request(host &state, exchange &talk, const answer *known, const over
     }
 }
 
+void complain(const model &driver, const std::string &line) {
+    if (driver.complain) {
+        driver.complain(line);
+    } else {
+        std::fprintf(stderr, "kestrel: %s\n", line.c_str());
+    }
+}
+
 int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
                 std::vector<uint8_t> &input) {
     const answer *known = find_answer(record);
@@ -244,7 +252,7 @@ int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
     const std::string complaint = check_request(record, known);
     const bool readable = read_input(record, memory, input);
     if (!complaint.empty()) {
-        model_complain(driver, format("op %u: %s", record.opcode, complaint.c_str()));
+        complain(driver, format("op %u: %s", record.opcode, complaint.c_str()));
         record.status = SIM_STATUS_MALFORMED;
         return 0;
     }
@@ -285,14 +293,6 @@ bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
     return true;
 }
 
-void model_complain(const model &driver, const std::string &line) {
-    if (driver.complain) {
-        driver.complain(line);
-    } else {
-        std::fprintf(stderr, "kestrel: %s\n", line.c_str());
-    }
-}
-
 int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
     std::vector<uint8_t> input;
     const kxdpa_request asked = record;
@@ -306,4 +306,18 @@ int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
                                                    : " -> " + std::string(strerrorname_np(error))));
     }
     return error;
+}
+
+int model_ioctl(model &driver, unsigned long code, uint32_t address, caller_memory &memory) {
+    if (code != 0) {
+        complain(driver, format("request code is %lu, expected 0", code));
+        return ENOTTY;
+    }
+    kxdpa_request record{};
+    if (!memory.read(address, &record, sizeof record))
+        return EFAULT;
+    const int error = model_request(driver, record, memory);
+    if (error != 0)
+        return error;
+    return memory.write(address, &record, sizeof record) ? 0 : EFAULT;
 }

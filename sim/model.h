@@ -40,7 +40,8 @@ struct model {
 // SIM_STATUS_MALFORMED.
 int model_request(model &driver, kxdpa_request &record, caller_memory &memory);
 
-// A complaint of the seam that receives the ioctl.
-void model_complain(const model &driver, const std::string &line);
+// The ioctl itself: the request code, which is always 0, and the record's address. Returns 0 or the
+// errno that it fails with.
+int model_ioctl(model &driver, unsigned long code, uint32_t address, caller_memory &memory);
 
 #endif
