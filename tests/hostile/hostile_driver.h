@@ -1,0 +1,66 @@
+// A driver and a host that answer whatever a seed makes them: the tool must stand all of it.
+//
+// Linked into a program with the command layer, this module takes over the system calls that reach
+// the driver and the host (ioctl, popen, creat, open of the agent's pipe, sleep). It never writes
+// outside the buffers that a request names, so whatever the sanitizers report is the tool's.
+#ifndef TESTS_HOSTILE_HOSTILE_DRIVER_H
+#define TESTS_HOSTILE_HOSTILE_DRIVER_H
+
+#include <cstddef>
+#include <cstdint>
+
+// A small deterministic generator (splitmix64), so that a seed means the same everywhere.
+class hostile_random {
+public:
+    explicit hostile_random(uint64_t seed) : state_(seed) {
+    }
+    uint32_t next();
+    uint32_t below(uint32_t limit) {
+        return next() % limit;
+    }
+    bool one_in(uint32_t chances) {
+        return below(chances) == 0;
+    }
+
+private:
+    uint64_t state_;
+};
+
+enum class hostile_reply {
+    zeros,
+    ones,
+    noise,
+    letters, // strings without a terminator
+    formats, // the same, of conversions
+    small,   // words of small numbers
+    edges,   // words around the limits of types and tables
+    nothing, // the buffer stays as it was
+    host,    // the simulated host's answer
+    damaged, // the same with some bytes changed
+    mixed,   // any of these, changing from request to request
+};
+constexpr uint32_t HOSTILE_REPLIES = static_cast<uint32_t>(hostile_reply::mixed) + 1;
+
+enum class hostile_walk { forward, still, backward, anywhere };
+
+struct hostile_driver {
+    hostile_random random{0};
+    hostile_reply reply = hostile_reply::zeros;
+    hostile_walk walk = hostile_walk::forward;
+    uint32_t failures = 0;  // one request in so many fails; 0 for none
+    uint32_t patience = 64; // requests until walks are ended by failing
+    uint32_t requests = 0;  // so far
+};
+
+extern hostile_driver the_hostile_driver;
+
+// A driver for one run: everything about it follows from the seed.
+void hostile_driver_restart(uint64_t seed);
+
+// A driver that only ever says that there is no such entry.
+void hostile_driver_quiet();
+
+// A run that goes on asking for so many requests will never end.
+constexpr uint32_t HOSTILE_REQUESTS_LIMIT = 1000000;
+
+#endif
