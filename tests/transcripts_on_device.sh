@@ -9,7 +9,7 @@ if [ ! -x "$program" ]; then
     echo "skipped: $program is not built"
     exit 77
 fi
-if ! reason=$("$lab" --device true 2>&1); then
+if ! reason=$("$lab" --device --host "$(dirname "$0")/hosts/empty.json" true 2>&1); then
     echo "skipped: $reason"
     exit 77
 fi
