@@ -34,6 +34,9 @@
 extern "C" {
 #endif
 
+/* These names, and no others, leave the library. */
+#pragma GCC visibility push(default)
+
 /* Bytes of the remote-CLI output buffer; its end bounds every buffered write. */
 #define HMX_RCLI_BUFFER_SIZE 50000
 
@@ -121,6 +124,8 @@ extern uint32_t kx_debug_print_kxcmd;              /* command matcher */
 extern uint32_t kx_debug_print_kxstrings;          /* text parsing */
 extern uint32_t kx_debug_print_dpa_platform;       /* platform open and close */
 extern uint32_t kx_debug_print_dpa_main;           /* the agent's main loop; no line here */
+
+#pragma GCC visibility pop
 
 #ifdef __cplusplus
 }

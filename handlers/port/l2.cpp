@@ -22,6 +22,9 @@ constexpr int BDS_OF_A_PAGE = 2;
 
 constexpr size_t REMOTE_IP_SIZE = 20;
 
+// The letters of the flags column are padded to this; the PVLAN stands behind them.
+constexpr size_t FLAGS_WIDTH = 10;
+
 struct l2_limits {
     int32_t table_limit = -1; // entries
     int32_t entry_count = -1;
@@ -154,24 +157,20 @@ const char *kx_l2_type(uint8_t flags) {
 }
 
 kx_l2_flags_text kx_l2_flags(const kx_l2_entry &entry) {
-    char letters[4] = "";
-    size_t count = 0;
+    kx_l2_flags_text column;
+    memset(column.text, ' ', FLAGS_WIDTH);
+    column.text[FLAGS_WIDTH] = '\0';
+    char *letter = column.text;
     if ((entry.flags & KX_L2_PVLAN) != 0) {
-        letters[count++] = 'P';
+        *letter++ = 'P';
+        snprintf(column.text + FLAGS_WIDTH, sizeof column.text - FLAGS_WIDTH, "%4d",
+                 static_cast<int32_t>(entry.pvlan));
     }
     if ((entry.flags & KX_L2_SECURE) != 0) {
-        letters[count++] = 'S';
+        *letter++ = 'S';
     }
     if ((entry.flags & KX_L2_DROP) != 0) {
-        letters[count++] = 'D';
-    }
-    letters[count] = '\0';
-    kx_l2_flags_text column;
-    if ((entry.flags & KX_L2_PVLAN) != 0) {
-        snprintf(column.text, sizeof column.text, "%-10s%4d", letters,
-                 static_cast<int32_t>(entry.pvlan));
-    } else {
-        snprintf(column.text, sizeof column.text, "%-10s", letters);
+        *letter = 'D';
     }
     return column;
 }
