@@ -13,7 +13,7 @@ void hmx_cmd_exit() {
 int hmx_cmd_run(const char *text, int length, int from_agent) {
     kx_trace(kx_debug_print_hmx_cmds, KX_DEBUG_TRACE, "hmx_cmd_run(buffer %p, length %d)\n",
              static_cast<const void *>(text), length);
-    kx_trace(kx_debug_print_hmx_cmds, KX_DEBUG_TRACE, "buff:%.*s\n", length, text);
+    kx_trace(kx_debug_print_hmx_cmds, KX_DEBUG_TRACE, "buff:%.*s\n", length < 0 ? 0 : length, text);
     kxcmd_parse_multiple(kestrel_cmd_list, text, length, from_agent);
     return length;
 }

@@ -211,7 +211,7 @@ int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index) {
     if (text == nullptr || if_index == nullptr) {
         return 0;
     }
-    text += strspn(text, " \t");
+    text += strspn(text, " ");
     if (strcasecmp(text, "null0") == 0) {
         *if_index = if_index_get_null_interface();
         return 1;

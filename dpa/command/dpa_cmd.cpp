@@ -30,7 +30,7 @@ constexpr size_t READ_SIZE = 127;
 constexpr int IDLE_READS_LIMIT = 20;
 
 // Between two commands the agent may be about to open its pipe again.
-constexpr int PIPE_READER_TRIES = 10;
+constexpr int PIPE_READER_TRIES = 30;
 constexpr int PIPE_READER_PAUSE = 100; // milliseconds
 
 // An operator sees the output as it comes, also behind a pipe.
@@ -59,6 +59,7 @@ int open_output_file(const char *name) {
 int open_command_pipe() {
     int pipe = open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK);
     for (int tries = 1; pipe == -1 && errno == ENXIO && tries < PIPE_READER_TRIES; ++tries) {
+        fflush(stdout);
         poll(nullptr, 0, PIPE_READER_PAUSE);
         pipe = open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK);
     }
@@ -109,6 +110,17 @@ void run_in_agent(int pipe, int file, const char *file_name, const char *command
     }
 }
 
+// The output is text; a NUL in it, such as one behind the marker, is not shown and hides nothing.
+void print_without_nuls(const char *text, size_t length) {
+    while (length > 0) {
+        const size_t piece = strnlen(text, length);
+        fwrite(text, 1, piece, stdout);
+        const size_t passed = std::min(piece + 1, length);
+        text += passed;
+        length -= passed;
+    }
+}
+
 } // namespace
 
 int kx_send_to_fd(int fd, const void *data, int length) {
@@ -141,8 +153,7 @@ const char *kx_read_out_from_fd(int fd) {
             continue;
         }
         idle_reads = 0;
-        // Not as a C string: a NUL in the output must not hide what follows it.
-        fwrite(window + carried, 1, static_cast<size_t>(got), stdout);
+        print_without_nuls(window + carried, static_cast<size_t>(got));
         const size_t length = carried + static_cast<size_t>(got);
         if (memmem(window, length, END_MARKER, END_MARKER_LENGTH) != nullptr) {
             return END_MARKER;

@@ -167,7 +167,11 @@ bool exchange(int fd, kxdpa_request *record, uint32_t header_len) {
 }
 
 kxdpa_request make_request(int opcode, uint32_t arg, uint8_t flags) {
-    return kxdpa_make_request(KXDPA_SOCKET_MARKER, KXDPA_SOCKET_VERSION, opcode, arg, flags);
+    kxdpa_request request =
+        kxdpa_make_request(KXDPA_SOCKET_MARKER, KXDPA_SOCKET_VERSION, opcode, arg, flags);
+    // A failed exchange sets the status itself; an agent that echoes the head says success.
+    request.status = KXDPA_STATUS_SUCCESS;
+    return request;
 }
 
 int exchange_record(kxdpa_request *request) {

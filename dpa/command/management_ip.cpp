@@ -49,6 +49,9 @@ uint32_t kx_dpa_platform_get_management_ip(uint32_t *out) {
 }
 
 uint32_t conv_ip_address(char *text) {
+    if (text == nullptr) {
+        return 0;
+    }
     uint32_t value = 0;
     char *rest = nullptr;
     for (const char *part = strtok_r(text, ".", &rest); part != nullptr;

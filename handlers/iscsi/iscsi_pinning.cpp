@@ -12,17 +12,14 @@ int kx_set_iscsi_pinning(const char *arg) {
         !kx_read_setting_number(setting.words[1], UINT16_MAX, &vmnic_ltl)) {
         return kx_refuse_setting("set iscsi pinning <vmk-ltl> <vmnic-ltl>");
     }
-    // A host that does not know its pinning state is not asked to change it; the state itself does
-    // not matter here, since a manual pinning overrides whatever there is.
+    // The state is asked for but does not matter: a manual pinning overrides whatever there is.
     uint32_t state = 0;
-    uint32_t status = kx_dpa_get(KXDPA_OP_ISCSI_PINNING_STATE, 0, &state);
-    if (status == KXDPA_STATUS_SUCCESS) {
-        const kx_iscsi_pinning pinning = {
-            .vmk_ltl = static_cast<uint16_t>(vmk_ltl),
-            .vmnic_ltl = static_cast<uint16_t>(vmnic_ltl),
-            .reserved4 = {},
-        };
-        status = kx_dpa_set(KXDPA_OP_SET_ISCSI_PINNING, 0, &pinning);
-    }
-    return kx_report_setting("set iscsi pinning", status);
+    kx_dpa_get(KXDPA_OP_ISCSI_PINNING_STATE, 0, &state);
+    const kx_iscsi_pinning pinning = {
+        .vmk_ltl = static_cast<uint16_t>(vmk_ltl),
+        .vmnic_ltl = static_cast<uint16_t>(vmnic_ltl),
+        .reserved4 = {},
+    };
+    return kx_report_setting("set iscsi pinning",
+                             kx_dpa_set(KXDPA_OP_SET_ISCSI_PINNING, 0, &pinning));
 }

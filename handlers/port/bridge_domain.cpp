@@ -125,7 +125,8 @@ int kx_find_named_bd(const char *arg, kx_named_bd *bd) {
 
 int32_t kx_get_bd_port_count(uint32_t index) {
     int32_t count = -1;
-    return kx_dpa_get(KXDPA_OP_BD_PORT_COUNT, index, &count) == KXDPA_STATUS_SUCCESS ? count : -1;
+    kx_dpa_get(KXDPA_OP_BD_PORT_COUNT, index, &count);
+    return count;
 }
 
 void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl) {

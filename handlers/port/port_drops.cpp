@@ -79,7 +79,7 @@ drops_text column_titles(const direction &shown) {
         }
         const size_t room = sizeof titles.text - length;
         if (room < CELL_LENGTH) {
-            break;
+            continue;
         }
         const auto name = kx_field_text(stage.name);
         const size_t prefix =

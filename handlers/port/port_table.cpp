@@ -119,7 +119,7 @@ bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &r
 // blocked one makes the footnote due.
 const char *vlan_port_state(uint32_t ltl, kx_port_view view, const kx_port_record &record,
                             bool leaf_mode, int vlan_count, bool *footnote_due) {
-    const int expected_count = kx_get_usable_vlan_count();
+    const int64_t expected_count = kx_get_usable_vlan_count();
     const bool forwards = forwards_somewhere(ltl, view, record, vlan_count);
     if (leaf_mode && (record.port_mode == KX_PORT_MODE_SUB_GROUP_A ||
                       record.port_mode == KX_PORT_MODE_LEAF_VLANS)) {

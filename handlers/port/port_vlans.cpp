@@ -34,7 +34,7 @@ bool kx_port_forwards_on_vlan(uint32_t ltl, kx_port_view view, uint16_t vlan) {
            query.forwarding != 0;
 }
 
-int kx_get_usable_vlan_count() {
+int64_t kx_get_usable_vlan_count() {
     uint32_t vlans = 0;
     if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &vlans) != KXDPA_STATUS_SUCCESS) {
         vlans = 0;
@@ -42,7 +42,7 @@ int kx_get_usable_vlan_count() {
     uint32_t mode = TUNNEL_MODE_L3;
     const bool one_more = kx_dpa_get(KXDPA_OP_TUNNEL_MODE, 0, &mode) == KXDPA_STATUS_SUCCESS &&
                           mode != TUNNEL_MODE_L3;
-    return static_cast<int>(vlans) - RESERVED_VLANS - (one_more ? 1 : 0);
+    return int64_t{vlans} - RESERVED_VLANS - (one_more ? 1 : 0);
 }
 
 void kx_print_vlan_list(const bmp4096 &vlans, int column) {

@@ -14,7 +14,7 @@ int32_t kx_get_port_vlans(uint32_t ltl, kx_port_view view, bmp4096 *vlans);
 bool kx_port_forwards_on_vlan(uint32_t ltl, kx_port_view view, uint16_t vlan);
 
 // How many VLANs a port can have: those that exist, less the reserved ones.
-int kx_get_usable_vlan_count();
+int64_t kx_get_usable_vlan_count();
 
 // Print the set as a range list that ends its line. A long list goes on in lines of its own, under
 // the column where it started.

@@ -176,7 +176,7 @@ void bitset_fill(bitset *b) {
 }
 
 void bitset_copy(bitset *dst, const bitset *src) {
-    if (!kx_assert(dst != nullptr && src != nullptr, __func__, "dst && src") ||
+    if (!kx_assert(dst != nullptr && src != nullptr, __func__, "b && b1") ||
         !kx_assert(dst->size == src->size, __func__, "dst->size == src->size")) {
         return;
     }

@@ -103,7 +103,7 @@ void check_framing(const Framing &row, int peer) {
     const std::string expected =
         le16(0x1234) + "\x03" + std::string(1, '\0') +
         std::string(1, static_cast<char>(row.flags)) + std::string(3, '\0') + le32(ANY_ARG) +
-        le32(KXDPA_STATUS_NO_EXCHANGE) + le32(row.len1) + le32(row.two_buffer_form ? row.len2 : 0) +
+        le32(KXDPA_STATUS_SUCCESS) + le32(row.len1) + le32(row.two_buffer_form ? row.len2 : 0) +
         le32(capacity ? row.max1 : 0) + le32(second_capacity ? row.max2 : 0) +
         le32(capacity ? 1 : 0) + le32(second_capacity ? 1 : 0) + le32(address(buf1)) +
         le32(row.two_buffer_form ? address(&second) : 0) +
