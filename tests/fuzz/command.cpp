@@ -1,0 +1,70 @@
+// Command texts: splitting, matching and every handler, on a driver that hardly answers.
+#include "dpa/userspace/kxdpa_request.h"
+#include "frontend/hmx_cmd.h"
+#include "frontend/kestrel_cmd_list.h"
+#include "frontend/run_state.h"
+#include "tests/fuzz/fuzz.h"
+#include "tests/hostile/hostile_agent.h"
+
+#include <cstdarg>
+
+namespace {
+
+constexpr uint32_t NO_ENTRY = 61;
+constexpr uint32_t PATIENCE = 32; // requests that are all answered alike
+
+uint32_t requests = 0;
+bool answers = false; // with what stands in the buffer already, instead of no entry
+
+// The keywords of a row, up to the first one that only documents its arguments.
+std::string command_of(uint32_t row) {
+    std::string command;
+    for (const char *keyword : kestrel_cmd_list[row % KESTREL_CMD_ROWS].keywords) {
+        if (keyword == nullptr || strpbrk(keyword, "[]<>|") != nullptr ||
+            strcmp(keyword, "cookie") == 0) {
+            break;
+        }
+        command += std::string(keyword) + " ";
+    }
+    return command;
+}
+
+} // namespace
+
+extern "C" int ioctl(int /*descriptor*/, unsigned long code, ...) noexcept {
+    va_list values;
+    va_start(values, code);
+    auto *record = va_arg(values, kxdpa_request *);
+    va_end(values);
+    // Walks end with a failure, and one command asks again until a request succeeds.
+    const bool late = ++requests > PATIENCE;
+    record->status = (late ? requests % 4 == 0 : answers) ? 0 : NO_ENTRY;
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
+    fuzz_input input(bytes, size);
+    const auto choice = input.take<uint8_t>();
+    // Most inputs name a row by its number, which finds more of the handlers than spelling does.
+    const std::string command = (choice & 16) != 0 ? "" : command_of(input.take<uint8_t>());
+    size_t rest_length = 0;
+    const std::unique_ptr<char[]> rest = input.take_rest(&rest_length);
+    const size_t length = command.size() + rest_length;
+    const auto text = std::make_unique<char[]>(length);
+    memcpy(text.get(), command.data(), command.size());
+    memcpy(text.get() + command.size(), rest.get(), rest_length);
+
+    hostile_agent agent;
+    agent.reads_pipe = (choice & 4) != 0;
+    agent.shell_output = "10.1.2.3\n";
+    hostile_agent_restart(agent);
+    hmx_rcli_fromdpa = choice & 1;
+    hmx_rcli_buffer_ptr = (choice & 1) != 0 ? hmx_rcli_buffer : nullptr;
+    hmx_rcli_more_output = 0;
+    kx_run_broken = false;
+    requests = 0;
+    answers = (choice & 8) != 0;
+    const int said = static_cast<int>(length);
+    fuzz_require(hmx_cmd_run(text.get(), said, choice & 2) == said, "the length is returned");
+    return 0;
+}
