@@ -153,18 +153,18 @@ uint32_t answer(kxdpa_request *request) {
 
 extern "C" {
 
-int open64(const char *path, int flags, ...) {
-    if (strcmp(path, DEVICE_PATH) == 0) {
+int open64(const char *file, int oflag, ...) {
+    if (strcmp(file, DEVICE_PATH) == 0) {
         device = dup(STDIN_FILENO);
         return device;
     }
     va_list arguments;
-    va_start(arguments, flags);
+    va_start(arguments, oflag);
     const mode_t mode = va_arg(arguments, mode_t);
     va_end(arguments);
     using real_open = int (*)(const char *, int, ...);
     static const auto next = reinterpret_cast<real_open>(dlsym(RTLD_NEXT, "open64"));
-    return next(path, flags, mode);
+    return next(file, oflag, mode);
 }
 
 int ioctl(int fd, unsigned long request, ...) {

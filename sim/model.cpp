@@ -314,10 +314,12 @@ int model_ioctl(model &driver, unsigned long code, uint32_t address, caller_memo
         return ENOTTY;
     }
     kxdpa_request record{};
-    if (!memory.read(address, &record, sizeof record))
+    if (!memory.read(address, &record, sizeof record)) {
         return EFAULT;
+    }
     const int error = model_request(driver, record, memory);
-    if (error != 0)
+    if (error != 0) {
         return error;
+    }
     return memory.write(address, &record, sizeof record) ? 0 : EFAULT;
 }

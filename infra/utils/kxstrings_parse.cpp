@@ -165,7 +165,7 @@ int kx_parse_ipv6_address(uint8_t address[16], const char *text) {
         }
         unsigned group = 0;
         size_t digits = 0;
-        for (; is_hex_digit(text[digits]) && digits < IPV6_GROUP_DIGITS; ++digits) {
+        for (; digits < IPV6_GROUP_DIGITS && is_hex_digit(text[digits]); ++digits) {
             group = group << 4 | hex_value(text[digits]);
         }
         if (text[digits] == '.' && filled + 4 <= IPV6_SIZE) {
