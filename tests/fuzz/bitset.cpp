@@ -53,7 +53,8 @@ std::string list_of(const plain &bits) {
     return text;
 }
 
-// Piece by piece, in buffers that may be small, but never so small that the list stops.
+// Piece by piece, in buffers that may be small, but never so small that the list stops. A piece
+// does not begin with a comma.
 std::string listed(const bitset *set, size_t room) {
     std::string text;
     int done = 0;
@@ -61,6 +62,7 @@ std::string listed(const bitset *set, size_t room) {
         const auto piece = std::make_unique<char[]>(room);
         const int length = bitset_snprintf(piece.get(), room, set, first, &done);
         fuzz_require(length >= 0 && static_cast<size_t>(length) < room, "length of a piece");
+        text += text.empty() || length == 0 ? "" : ",";
         text.append(piece.get(), static_cast<size_t>(length));
     }
     return text;

@@ -23,10 +23,12 @@ namespace {
 
 constexpr const char *COMMAND_PIPE = "/tmp/dpafifo";
 constexpr const char *OUTPUT_FILE_PREFIX = "/var/log/dpaout";
+constexpr const char *MEMORY_FILE = "agents-output";
 
-int pipe_reader = -1; // the agent's end of the command pipe
-int output_file = -1; // where the agent prints
-int socket_peer = -1; // the agent's end of the connection
+int pipe_reader = -1;          // the agent's end of the command pipe
+int output_file = -1;          // where the agent prints
+int socket_peer = -1;          // the agent's end of the connection
+std::vector<int> read_by_tool; // descriptors of output files, some of which it leaves open
 size_t next_piece = 0;
 std::string heard;
 
@@ -35,6 +37,20 @@ void close_and_forget(int &descriptor) {
         close(descriptor);
     }
     descriptor = -1;
+}
+
+// The numbers of those that the tool has closed may mean other files by now.
+void close_what_the_tool_left() {
+    for (const int descriptor : read_by_tool) {
+        char name[32];
+        char target[64] = {};
+        snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
+        if (readlink(name, target, sizeof target - 1) > 0 &&
+            strstr(target, MEMORY_FILE) != nullptr) {
+            close(descriptor);
+        }
+    }
+    read_by_tool.clear();
 }
 
 void listen_to_pipe() {
@@ -82,12 +98,13 @@ int open_output_file() {
     }
     char name[32];
     snprintf(name, sizeof name, "/proc/self/fd/%d", output_file);
-    const long reading = syscall(SYS_openat, AT_FDCWD, name, O_RDONLY, 0);
+    const auto reading = static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, O_RDONLY, 0));
+    read_by_tool.push_back(reading);
     if (the_hostile_agent.replaces_file) {
         close_and_forget(output_file);
-        output_file = memfd_create("another", 0);
+        output_file = memfd_create(MEMORY_FILE, 0);
     }
-    return static_cast<int>(reading);
+    return reading;
 }
 
 int any_open(const char *path, int flags, mode_t mode) {
@@ -106,7 +123,7 @@ mode_t mode_of(int flags, va_list values) {
 
 int create_output_file() {
     close_and_forget(output_file);
-    output_file = memfd_create("dpaout", 0);
+    output_file = memfd_create(MEMORY_FILE, 0);
     return dup(output_file);
 }
 
@@ -116,6 +133,7 @@ void hostile_agent_restart(hostile_agent next) {
     close_and_forget(pipe_reader);
     close_and_forget(output_file);
     close_and_forget(socket_peer);
+    close_what_the_tool_left();
     the_hostile_agent = std::move(next);
     next_piece = 0;
     heard.clear();
