@@ -5,8 +5,8 @@
 #include "frontend/hmx_cmd.h"
 #include "sim/interpose.h"
 #include "tests/infra/printed_by.h"
+#include "tests/text.h"
 
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -28,12 +28,10 @@ protected:
 
     // What the command prints, its time stamps masked; `requests` holds what it asked.
     std::string run(const std::string &command) {
-        static const std::regex stamp(
-            "[A-Z][a-z]{2} [ 0-9][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{6}: ");
         requests.clear();
         const std::string text =
             printed_by([&] { hmx_cmd_run(command.c_str(), static_cast<int>(command.size()), 0); });
-        return std::regex_replace(text, stamp, "STAMP: ");
+        return replace_stamps(text, "STAMP: ");
     }
 
     model driver;

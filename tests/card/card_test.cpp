@@ -116,7 +116,7 @@ TEST_F(ShowCard, PrintsALineForEveryRequest) {
             }
         }
         if (tunnel_mode != 3)
-            text = std::regex_replace(text, std::regex("L3 Mode"), "L2 Mode");
+            text = replace_all(text, "L3 Mode", "L2 Mode");
         EXPECT_EQ(run("show card and more"), text);
         for (std::string &request : requests)
             request = request.substr(0, request.find(" -> "));

@@ -125,9 +125,11 @@ TEST_F(Settings, SuccessIsTracedByItsOwnBit) {
                           expected.text.find("uuid") != std::string::npos;
         for (const uint32_t bit : {8U, 16U}) {
             kx_debug_print_hmx_cmds = bit;
-            // The command layer traces its own entry with bit 16.
-            const std::string seen = std::regex_replace(
-                run(expected.command), std::regex("STAMP: (hmx_cmd_run|buff:)[^\n]*\n"), "");
+            std::string seen = run(expected.command);
+            if (bit == 16) {
+                // The command layer traces its own entry in two lines.
+                seen.erase(0, seen.find('\n', seen.find('\n') + 1) + 1);
+            }
             EXPECT_EQ(seen, text == (bit == 8) ? expected.text : "") << expected.command;
         }
     }
@@ -209,9 +211,7 @@ TEST_F(Settings, ARefusedFeatureTellsItsStatus) {
         rule.status = 7;
         driver.state.overrides = {rule};
         const std::string text = run(command);
-        EXPECT_TRUE(
-            std::regex_match(text, std::regex("STAMP: (set|clear) .* failed with status 7\n")))
-            << text;
+        EXPECT_TRUE(text.ends_with(" failed with status 7\n")) << text;
         EXPECT_EQ(std::string(command).rfind(text.substr(7, text.find(" failed") - 7), 0), 0U);
     }
 }

@@ -2,13 +2,13 @@
 #include "frontend/hmx_cmd.h"
 #include "sim/agent/agent_paths.h"
 #include "tests/infra/printed_by.h"
+#include "tests/text.h"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
-#include <regex>
 #include <string>
 #include <sys/socket.h>
 #include <thread>
@@ -42,8 +42,7 @@ std::string pattern(size_t size, unsigned step) {
 
 // Trace lines without their stamps.
 std::string traced_by(const std::function<void()> &call) {
-    static const std::regex stamp("[A-Z][a-z]{2} [ 0-9][0-9] [0-9:]{8}\\.[0-9]{6}: ");
-    return std::regex_replace(printed_by(call), stamp, "");
+    return replace_stamps(printed_by(call), "");
 }
 
 // Receive up to `size` bytes, fewer when the tool closes first.

@@ -1,10 +1,10 @@
 #include "frontend/kxcmd.h"
 
 #include "frontend/hmx_cmd.h"
+#include "tests/text.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -64,9 +64,7 @@ protected:
         testing::internal::CaptureStdout();
         kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
         fflush(stdout);
-        printed =
-            std::regex_replace(testing::internal::GetCapturedStdout(),
-                               std::regex("(^|\n)\\w{3} [ \\d]\\d [\\d:]{8}\\.\\d{6}: "), "$1");
+        printed = replace_stamps(testing::internal::GetCapturedStdout(), "");
         std::string joined;
         for (const std::string &call : calls) {
             joined += joined.empty() ? call : ", " + call;

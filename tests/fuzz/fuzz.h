@@ -13,7 +13,8 @@
 #include <string>
 
 // The commands and parsers print; libFuzzer itself writes to standard error.
-extern "C" __attribute__((used)) inline int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/) {
+extern "C" __attribute__((used)) inline int LLVMFuzzerInitialize(int * /*argc*/,
+                                                                 char *** /*argv*/) {
     return freopen("/dev/null", "w", stdout) == nullptr ? 1 : 0;
 }
 

@@ -1,0 +1,16 @@
+// Small edits of texts that several tests make.
+#ifndef TESTS_TEXT_H
+#define TESTS_TEXT_H
+
+#include <string>
+#include <string_view>
+
+// Every time stamp "Nov 21 10:00:00.123456: " of a trace line replaced by `with`.
+std::string replace_stamps(std::string_view text, std::string_view with);
+
+std::string replace_all(std::string text, std::string_view what, std::string_view with);
+
+// A host file with a JSON merge patch applied; empty when either one is not JSON.
+std::string patch_host(const std::string &host, const std::string &patch);
+
+#endif
