@@ -22,53 +22,27 @@ struct port_state {
 
 constexpr const char *NO_CAUSE = " - ";
 
-const char *errdis_event_short_str(uint8_t event) {
-    switch (event) {
-    case 0:
-        return "LnkFlpEr";
-    case 1:
-        return "UdldEr";
-    case 2:
-        return "BpduEr";
-    case 3:
-        return "LpbckEr";
-    case 4:
-        return "StmCtlEr";
-    case 5:
-        return "DhcpEr";
-    case 6:
-        return "ArpEr";
-    case 7:
-        return "SecEr";
-    case 8:
-        return "PsecEr";
-    case 9:
-        return "VpcEr";
-    case 10:
-        return "StpEr";
-    case 12:
-        return "VicEr";
-    case 13:
-        return "DcbxEr";
-    case 14:
-        return "RtLmEr";
-    case 19:
-        return "IpAdEr";
-    case 22:
-        return "QosEr";
-    case 23:
-        return "SoftEr";
-    case 24:
-        return "InLnPwEr";
-    case 253:
-        return "HmxCfgEr";
-    case 254:
-        return "HmxEr";
-    case 255:
-        return "none";
-    default:
-        return "";
+struct errdis_event {
+    uint8_t code;
+    const char *name;
+};
+
+constexpr errdis_event ERRDIS_EVENTS[] = {
+    {0, "LnkFlpEr"}, {1, "UdldEr"},  {2, "BpduEr"},    {3, "LpbckEr"},    {4, "StmCtlEr"},
+    {5, "DhcpEr"},   {6, "ArpEr"},   {7, "SecEr"},     {8, "PsecEr"},     {9, "VpcEr"},
+    {10, "StpEr"},   {12, "VicEr"},  {13, "DcbxEr"},   {14, "RtLmEr"},    {19, "IpAdEr"},
+    {22, "QosEr"},   {23, "SoftEr"}, {24, "InLnPwEr"}, {253, "HmxCfgEr"}, {254, "HmxEr"},
+    {255, "none"},
+};
+
+// The short name of an err-disable event; empty for a code without one.
+const char *kx_get_errdis_event_short_str(uint8_t code) {
+    for (const errdis_event &event : ERRDIS_EVENTS) {
+        if (event.code == code) {
+            return event.name;
+        }
     }
+    return "";
 }
 
 const char *leaf_block_cause(const kx_port_record &record) {
@@ -95,8 +69,8 @@ port_state whole_port_state(const kx_port_record &record, bool leaf_mode) {
     if (record.forwarding != 0) {
         return {FORWARDING, NO_CAUSE};
     }
-    return {BLOCKED,
-            leaf_mode ? leaf_block_cause(record) : errdis_event_short_str(record.errdis_event)};
+    return {BLOCKED, leaf_mode ? leaf_block_cause(record)
+                               : kx_get_errdis_event_short_str(record.errdis_event)};
 }
 
 // True when the port forwards on some VLAN, as far as the walk looks: a port whose forwarding byte

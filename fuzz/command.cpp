@@ -3,7 +3,7 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/run_state.h"
-#include "tests/fuzz/fuzz.h"
+#include "fuzz/fuzz.h"
 #include "tests/hostile/hostile_agent.h"
 
 #include <cstdarg>

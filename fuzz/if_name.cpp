@@ -2,7 +2,7 @@
 // own names are bounded. The first bytes are the keyword and numbers of the other entry.
 #include "if_index/if_index_name.h"
 #include "if_index/if_index_parse.h"
-#include "tests/fuzz/fuzz.h"
+#include "fuzz/fuzz.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // parser.
 #include "frontend/hmx_cmd.h"
 #include "infra/utils/kxstrings.h"
-#include "tests/fuzz/fuzz.h"
+#include "fuzz/fuzz.h"
 
 #include <cctype>
 #include <string_view>
