@@ -22,9 +22,8 @@ using kestrel_cmd_handler = int (*)(const char *arg);
 // Writes its line of help at `position`, `room` bytes at most; returns the characters written.
 using kestrel_cmd_help_callback = int (*)(char *position, int room);
 
-// Fourteen 32-bit words. Keywords in brackets, and "cookie" and the like, are documentation: they
-// never equal a word that is typed, so the row matches through its last literal keyword and the
-// handler receives the rest.
+// Fourteen 32-bit words. Keywords in brackets are documentation: they never equal a value that is
+// typed, so the row matches through its last literal keyword and the handler receives the rest.
 struct kestrel_cmd_row {
     kestrel_cmd_kind kind;
     kestrel_cmd_handler handler;

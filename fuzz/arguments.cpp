@@ -1,8 +1,8 @@
 // The argument parsers, each against another reading of the same rule. The first byte chooses the
 // parser.
 #include "frontend/hmx_cmd.h"
-#include "infra/utils/kxstrings.h"
 #include "fuzz/fuzz.h"
+#include "infra/utils/kxstrings.h"
 
 #include <cctype>
 #include <string_view>

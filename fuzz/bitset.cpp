@@ -1,7 +1,7 @@
 // The bit set operations against a plain vector. The input is a program: an operation and its
 // numbers, again and again, over three sets of one size.
-#include "infra/utils/kxlibbmp.h"
 #include "fuzz/fuzz.h"
+#include "infra/utils/kxlibbmp.h"
 
 #include <array>
 #include <vector>

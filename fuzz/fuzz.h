@@ -1,7 +1,7 @@
 // What the fuzz targets share. Each target is one function over the bytes that libFuzzer makes up;
 // it aborts when something does not hold.
-#ifndef TESTS_FUZZ_FUZZ_H
-#define TESTS_FUZZ_FUZZ_H
+#ifndef FUZZ_FUZZ_H
+#define FUZZ_FUZZ_H
 
 #include <algorithm>
 #include <cstddef>

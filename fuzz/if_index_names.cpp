@@ -1,7 +1,7 @@
 // Every naming form over arbitrary indexes and buffer sizes: the bound is kept, the text ends, and
 // a cut name is the beginning of the whole one.
-#include "if_index/if_index_name.h"
 #include "fuzz/fuzz.h"
+#include "if_index/if_index_name.h"
 
 namespace {
 

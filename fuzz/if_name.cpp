@@ -1,8 +1,8 @@
 // Typed interface names: the parser never reads past a name, and what it builds is an index whose
 // own names are bounded. The first bytes are the keyword and numbers of the other entry.
+#include "fuzz/fuzz.h"
 #include "if_index/if_index_name.h"
 #include "if_index/if_index_parse.h"
-#include "fuzz/fuzz.h"
 
 namespace {
 

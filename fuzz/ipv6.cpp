@@ -1,6 +1,6 @@
 // The IPv6 parser gives what the C library's conversion gives. Nothing deviates.
-#include "infra/utils/kxstrings.h"
 #include "fuzz/fuzz.h"
+#include "infra/utils/kxstrings.h"
 
 #include <arpa/inet.h>
 

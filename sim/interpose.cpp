@@ -18,8 +18,9 @@ namespace {
 model *answering = nullptr;
 
 std::set<int> &device_descriptors() {
-    static std::set<int> descriptors;
-    return descriptors;
+    // Never destroyed: close is still called while the process ends.
+    static auto *const descriptors = new std::set<int>;
+    return *descriptors;
 }
 
 // The C library's function that a definition below hides.

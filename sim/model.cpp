@@ -168,7 +168,8 @@ bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &t
     if (to.returned == nullptr && !forced && talk.status == KXDPA_STATUS_SUCCESS) {
         bytes.resize(std::min(to.room, TRANSFER_LIMIT));
     }
-    const auto count = static_cast<uint32_t>(std::min<size_t>(bytes.size(), to.room + talk.behind));
+    const auto count =
+        static_cast<uint32_t>(std::min<uint64_t>(bytes.size(), uint64_t{to.room} + talk.behind));
     if (to.returned != nullptr) {
         const auto full = static_cast<uint32_t>(bytes.size());
         const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;

@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr uint32_t LONGEST_RANGE = 65536;
+
 // A whole text as a number in C notation.
 std::optional<uint64_t> number_in(const std::string &text) {
     if (text.empty() || text[0] < '0' || text[0] > '9') {
@@ -170,13 +172,6 @@ uint32_t object_reader::choice_or(std::string_view key, uint32_t otherwise,
     fail(key, "expected one of" + expected + " or a number");
 }
 
-void object_reader::long_number(std::string_view key, uint64_t &field) {
-    const json_value *value = take(key, json_value::kind::number, "a number");
-    if (value != nullptr) {
-        field = value->number;
-    }
-}
-
 void object_reader::text(std::string_view key, std::string &field, size_t most) {
     const json_value *value = take(key, json_value::kind::text, "a text");
     if (value == nullptr) {
@@ -245,7 +240,7 @@ void object_reader::interface(std::string_view key, uint32_t &field) {
         return;
     }
     const uint32_t named = interface_index(value->text);
-    if (named == 0 && value->type == json_value::kind::text && number_in(value->text) < 0) {
+    if (named == 0 && value->type == json_value::kind::text && !number_in(value->text)) {
         fail(key, "expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or a number");
     }
     field = named != 0 ? named : static_cast<uint32_t>(number_of(key, *value, 0, UINT32_MAX));
@@ -285,8 +280,11 @@ void object_reader::numbers(std::string_view key, std::set<uint32_t> &field, uin
         if (first < least || last > most || first > last) {
             fail(key, expected);
         }
-        for (uint32_t number = first; number <= last; number++) {
-            field.insert(number);
+        if (last - first > LONGEST_RANGE) {
+            fail(key, "a range of more than " + std::to_string(LONGEST_RANGE) + " numbers");
+        }
+        for (uint32_t count = 0; count <= last - first; count++) {
+            field.insert(first + count);
         }
     }
 }

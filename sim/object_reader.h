@@ -40,9 +40,6 @@ public:
         field = static_cast<T>(number_or(key, field, least, most));
     }
 
-    // A number of up to 64 bits.
-    void long_number(std::string_view key, uint64_t &field);
-
     // true is 1, false is 0.
     template <std::integral T> void flag(std::string_view key, T &field) {
         field = static_cast<T>(flag_or(key, field != 0));

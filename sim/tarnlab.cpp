@@ -253,6 +253,8 @@ int run_on_host(const lab_options &options, const host &described) {
 } // namespace
 
 int main(int argc, char **argv) {
+    // Whoever started this program may have left it ignored, and then no child can be waited for.
+    std::signal(SIGCHLD, SIG_DFL);
     lab_options options;
     int exit_value = 0;
     if (!read_options(argc, argv, options, exit_value)) {

@@ -9,6 +9,10 @@ if [ ! -x "$program" ]; then
     echo "skipped: $program is not built"
     exit 77
 fi
+if [ -n "$(find "$(dirname "$0")/.." -path '*/build' -prune -o -name '*.cpp' -newer "$program" -print -quit)" ]; then
+    echo "skipped: $program is older than its sources"
+    exit 77
+fi
 if ! reason=$("$lab" --device --host "$(dirname "$0")/hosts/empty.json" true 2>&1); then
     echo "skipped: $reason"
     exit 77

@@ -194,7 +194,8 @@ void trace_status(const kxdpa_request &request) {
 int kx_tarncmd_call_fd = -1;
 
 int dpa_platform_open() {
-    kx_tarncmd_call_fd = socket(AF_UNIX, SOCK_STREAM, 0);
+    dpa_platform_close();
+    kx_tarncmd_call_fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (kx_tarncmd_call_fd == -1) {
         kx_trace(kx_debug_print_kxtarncmd_indirect, KX_DEBUG_FAILURE,
                  "%s: Error opening local socket\n", __func__);

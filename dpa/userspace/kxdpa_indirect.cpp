@@ -45,7 +45,7 @@ uint32_t fail_without_capacity(int place, int opcode) {
 int kx_dpa_call_fd = -1;
 
 int kx_platform_open() {
-    kx_dpa_call_fd = open(DEVICE_PATH, O_RDONLY);
+    kx_dpa_call_fd = open(DEVICE_PATH, O_RDONLY | O_CLOEXEC);
     return kx_dpa_call_fd;
 }
 

@@ -58,21 +58,11 @@ bool next_group(uint32_t vlan, uint32_t *group) {
     return *group != 0;
 }
 
-// The table of one group belongs to the multicast display, which this tool does not have: it says
-// that nothing was printed.
-bool print_group_table(uint32_t /*vlan*/, uint32_t /*group*/) {
-    return false;
-}
-
-// Print the multicast groups of a VLAN and then the VLAN's own entries, which count as group 0.
-void print_groups(uint32_t vlan) {
-    bool printed = false;
-    for (uint32_t group = 0; next_group(vlan, &group);) {
-        printed |= print_group_table(vlan, group);
-    }
-    printed |= print_group_table(vlan, 0);
-    if (printed) {
-        kx_print("\n");
+// Walk the multicast groups of a VLAN. Their tables belong to the multicast display, which this
+// tool does not have: the groups are asked for and traced, and nothing is printed.
+void walk_groups(uint32_t vlan) {
+    uint32_t group = 0;
+    while (next_group(vlan, &group)) {
     }
 }
 
@@ -118,7 +108,7 @@ void kx_bd_vlan_dump(uint32_t number, int selector) {
     kx_print("\nPortlist:\n");
     kx_print_bd_ports(index, nullptr);
     if (vlan != NO_VLAN) {
-        print_groups(vlan);
+        walk_groups(vlan);
     }
 }
 

@@ -19,7 +19,7 @@ constexpr ltl_range LTL_RANGES[] = {
 } // namespace
 
 int kx_show_ltl_range(const char * /*arg*/) {
-    kx_print("     LTL Range   Description %s\n", "");
+    kx_print("     LTL Range   Description \n");
     for (const ltl_range &row : LTL_RANGES) {
         kx_print("  %16s   %s\n", row.range, row.description);
     }

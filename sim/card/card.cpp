@@ -20,7 +20,7 @@ void parse_texts(object_reader &keys, card_state &card) {
         versions.text("system", card.versions.system, LONGEST_TEXT);
         versions.text("opflex_sdk", card.versions.opflex_sdk, LONGEST_TEXT);
         versions.number("update_level", card.versions.update_level);
-        versions.long_number("word", card.versions.word);
+        versions.number("word", card.versions.word);
     });
 }
 
@@ -64,7 +64,7 @@ void parse_host_state(object_reader &keys, card_state &card) {
     keys.number("processors", card.processors.processors);
     keys.number("processor_cores", card.processors.cores);
     keys.number("processor_sockets", card.processors.sockets);
-    keys.long_number("kernel_memory", card.processors.kernel_memory);
+    keys.number("kernel_memory", card.processors.kernel_memory);
     keys.number("link_up_delay", card.link_up_delay);
     keys.number("load_balancing", card.load_balancing);
     keys.flag("uufb", card.uufb);

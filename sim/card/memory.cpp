@@ -7,29 +7,29 @@ namespace {
 
 void parse_heap(object_reader &keys, kx_heap_record &heap) {
     keys.text("name", heap.name);
-    keys.long_number("objects", heap.objects);
-    keys.long_number("bytes", heap.bytes);
-    keys.long_number("denied", heap.denied);
-    keys.long_number("denied_bytes", heap.denied_bytes);
-    keys.long_number("largest_object", heap.largest_object);
-    keys.long_number("minimum", heap.minimum);
-    keys.long_number("maximum", heap.maximum);
-    keys.long_number("null_pointers", heap.null_pointers);
-    keys.long_number("bad_magics", heap.bad_magics);
-    keys.long_number("bad_redzones", heap.bad_redzones);
-    keys.long_number("wrong_heaps", heap.wrong_heaps);
+    keys.number("objects", heap.objects);
+    keys.number("bytes", heap.bytes);
+    keys.number("denied", heap.denied);
+    keys.number("denied_bytes", heap.denied_bytes);
+    keys.number("largest_object", heap.largest_object);
+    keys.number("minimum", heap.minimum);
+    keys.number("maximum", heap.maximum);
+    keys.number("null_pointers", heap.null_pointers);
+    keys.number("bad_magics", heap.bad_magics);
+    keys.number("bad_redzones", heap.bad_redzones);
+    keys.number("wrong_heaps", heap.wrong_heaps);
 }
 
 void parse_pool(object_reader &keys, kx_memory_pool_record &pool) {
     keys.text("name", pool.name);
-    keys.long_number("object_size", pool.object_size);
-    keys.long_number("pages", pool.pages);
-    keys.long_number("minimum", pool.minimum);
-    keys.long_number("maximum", pool.maximum);
-    keys.long_number("total", pool.total);
-    keys.long_number("available", pool.available);
-    keys.long_number("low_water_mark", pool.low_water_mark);
-    keys.long_number("high_water_mark", pool.high_water_mark);
+    keys.number("object_size", pool.object_size);
+    keys.number("pages", pool.pages);
+    keys.number("minimum", pool.minimum);
+    keys.number("maximum", pool.maximum);
+    keys.number("total", pool.total);
+    keys.number("available", pool.available);
+    keys.number("low_water_mark", pool.low_water_mark);
+    keys.number("high_water_mark", pool.high_water_mark);
 }
 
 void parse_memory(object_reader &file, host &into) {
