@@ -17,10 +17,6 @@ constexpr const char *SET_SECTION_HEADING = "--- Set commands - be careful! ---"
 constexpr int KEYWORD_COLUMN_SIZE = 79;  // bytes of the keyword column, its NUL included
 constexpr int KEYWORD_COLUMN_WIDTH = 31; // wider columns push the help text to the next line
 
-bool is_space(char c) {
-    return isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 bool is_command_character(char c) {
     return c >= ' ' && c <= '~' && c != ';';
 }
@@ -146,7 +142,7 @@ void kxcmd_parse_multiple(kestrel_cmd_row *table, const char *text, int length, 
     int position = 0;
     int result = 0;
     while (position < length && result != KXCMD_STOP) {
-        if (is_space(text[position]) || !is_command_character(text[position])) {
+        if (kx_is_space(text[position]) || !is_command_character(text[position])) {
             ++position;
             continue;
         }

@@ -9,7 +9,8 @@ if [ ! -x "$program" ]; then
     echo "skipped: $program is not built"
     exit 77
 fi
-if [ -n "$(find "$(dirname "$0")/.." -path '*/build' -prune -o -name '*.cpp' -newer "$program" -print -quit)" ]; then
+root=$(dirname "$0")/..
+if [ -n "$(find "$root"/{frontend,dpa,infra,if_index,handlers} -newer "$program" -name '*.cpp' -print -quit)" ]; then
     echo "skipped: $program is older than its sources"
     exit 77
 fi

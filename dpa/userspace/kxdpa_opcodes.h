@@ -148,4 +148,7 @@ enum kxdpa_opcode : uint16_t {
     KXDPA_OP_LACP_PORT_STATE = 823, // arg: LTL
 };
 
+// Reply of KXDPA_OP_TUNNEL_MODE; every other value is L2.
+constexpr uint32_t KX_TUNNEL_MODE_L3 = 3;
+
 #endif

@@ -66,9 +66,6 @@ enum kx_version_of : uint32_t {
     KX_VERSION_SYSTEM = 2,
 };
 
-// Reply of KXDPA_OP_TUNNEL_MODE.
-constexpr uint32_t KX_TUNNEL_MODE_L3 = 3;
-
 // Argument of KXDPA_OP_L3_CONTROL_VLAN: the class of the L3 control index, above the index.
 constexpr uint32_t KX_L3_CONTROL_CLASS = 0x2000000;
 

@@ -33,18 +33,14 @@ struct port_mode_words {
     bool saw_ltl = false;  // likewise
 };
 
-bool begins_with(const char *word, const char *keyword) {
-    return strncmp(word, keyword, strlen(keyword)) == 0;
-}
-
 // The readers of a word return false after the message for a wrong one.
 
 bool read_mode(const char *text, port_mode_words *words) {
     char word[MODE_SIZE];
     strncpy_until_space(word, sizeof word, text);
-    if (begins_with(word, "trunk")) {
+    if (kx_begins_with(word, "trunk")) {
         words->request.mode = KX_PORT_TRUNK;
-    } else if (begins_with(word, "access")) {
+    } else if (kx_begins_with(word, "access")) {
         words->request.mode = KX_PORT_ACCESS;
     } else {
         kx_print_stamped("Invalid port mode %s\n", word);
@@ -56,13 +52,13 @@ bool read_mode(const char *text, port_mode_words *words) {
 bool read_keyword(const char *text, port_mode_words *words) {
     char word[KEYWORD_SIZE];
     strncpy_until_space(word, sizeof word, text);
-    if (begins_with(word, "native-vlan")) {
+    if (kx_begins_with(word, "native-vlan")) {
         if (words->saw_ltl) {
             kx_print_stamped("Specify the native-vlan before the LTL.\n");
             return false;
         }
         words->saw_vlan = true;
-    } else if (begins_with(word, "ltl")) {
+    } else if (kx_begins_with(word, "ltl")) {
         words->saw_ltl = true;
     } else {
         kx_print_stamped("Unknown argument %s\n", word);

@@ -1,13 +1,14 @@
 #ifndef HANDLERS_CARD_PORT_MODE_RECORD_H
 #define HANDLERS_CARD_PORT_MODE_RECORD_H
 
+#include "handlers/port/bridge_domain_record.h" // KX_LAST_VLAN
+
 #include <cstddef>
 #include <cstdint>
 
 constexpr uint32_t KX_PORT_ACCESS = 0; // of kx_port_mode_request::mode
 constexpr uint32_t KX_PORT_TRUNK = 1;
 
-constexpr uint32_t KX_LAST_VLAN = 4095;
 constexpr uint32_t KX_NO_NATIVE_VLAN = 4096;
 
 // Input of KXDPA_OP_SET_PORT_MODE.

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+constexpr uint32_t KX_LAST_VLAN = 4095;
+
 constexpr uint16_t KX_BD_KIND_SEGMENT = 1;
 
 enum kx_segment_mode : uint8_t {

@@ -7,15 +7,13 @@
 
 namespace {
 
-constexpr uint32_t LAST_VLAN = 4095;
-
 bool print_listed_dr(uint32_t index) {
     kx_bd_dump_dr(index);
     return true;
 }
 
 int print_given_dr(uint32_t vlan) {
-    if (vlan == 0 || vlan > LAST_VLAN) {
+    if (vlan == 0 || vlan > KX_LAST_VLAN) {
         kx_print("vlan %u is out of range \n", vlan);
         return -1;
     }

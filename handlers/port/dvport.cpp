@@ -3,6 +3,7 @@
 #include "frontend/output_sink.h"
 #include "handlers/port/port_walk.h"
 #include "infra/utils/field_text.h"
+#include "infra/utils/kxstrings.h"
 
 int kx_port_dvport_info_table_dump(const char *arg) {
     const kx_port_selection shown = {KX_VIEW_HMX, kx_begins_with(arg, "internal")};

@@ -51,7 +51,3 @@ uint32_t kx_get_first_ltl(const char *arg) {
     return kx_is_agent_driven() ? static_cast<uint32_t>(kx_get_ltl_cookie_frm_args(arg))
                                 : KX_LTL_BEFORE_FIRST;
 }
-
-bool kx_begins_with(const char *arg, const char *word) {
-    return arg != nullptr && strncmp(arg, word, strlen(word)) == 0;
-}

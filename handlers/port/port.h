@@ -48,9 +48,6 @@ kx_sub_group_text kx_format_sub_group(uint32_t sub_group);
 // agent-driven runs page; every other starts from KX_LTL_BEFORE_FIRST.
 uint32_t kx_get_first_ltl(const char *arg);
 
-// True when the argument begins with `word`, compared with case.
-bool kx_begins_with(const char *arg, const char *word);
-
 inline const char *kx_up_or_down(uint8_t state) {
     return state == KX_PORT_UP ? "UP" : "DOWN";
 }

@@ -5,6 +5,7 @@
 #include "handlers/port/port_pvlan.h"
 #include "handlers/port/port_security_record.h"
 #include "handlers/port/port_walk.h"
+#include "infra/utils/kxstrings.h"
 
 #include <cstdio>
 

@@ -8,8 +8,6 @@ namespace {
 // VLANs that the DPA keeps for itself; one more outside L3 tunnel mode.
 constexpr int RESERVED_VLANS = 4;
 
-constexpr uint32_t TUNNEL_MODE_L3 = 3;
-
 } // namespace
 
 int32_t kx_get_port_vlans(uint32_t ltl, kx_port_view view, bmp4096 *vlans) {
@@ -39,9 +37,9 @@ int64_t kx_get_usable_vlan_count() {
     if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &vlans) != KXDPA_STATUS_SUCCESS) {
         vlans = 0;
     }
-    uint32_t mode = TUNNEL_MODE_L3;
+    uint32_t mode = KX_TUNNEL_MODE_L3;
     const bool one_more = kx_dpa_get(KXDPA_OP_TUNNEL_MODE, 0, &mode) == KXDPA_STATUS_SUCCESS &&
-                          mode != TUNNEL_MODE_L3;
+                          mode != KX_TUNNEL_MODE_L3;
     return int64_t{vlans} - RESERVED_VLANS - (one_more ? 1 : 0);
 }
 

@@ -20,6 +20,12 @@ const char *kx_find_next_arg(const char *word);
 // ignoring case. Returns 0 when equal, 1 otherwise; an abbreviation is not equal.
 int stris(const char *word, const char *keyword);
 
+// True when the text begins with `beginning`, compared with case. False for NULL.
+bool kx_begins_with(const char *text, const char *beginning);
+
+// True for a character of the white-space class.
+bool kx_is_space(char c);
+
 // Compare exactly `count` characters, ignoring case; a NUL is a character like any other.
 // Returns 0 when equal, 1 otherwise. REQUIRES: both texts hold `count` characters, or they differ
 // before either one ends.

@@ -30,12 +30,8 @@ bool is_hex_digit(char c) {
     return isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-bool is_space(char c) {
-    return isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 bool ends_argument(char c) {
-    return c == '\0' || is_space(c);
+    return c == '\0' || kx_is_space(c);
 }
 
 unsigned hex_value(char c) {
@@ -43,7 +39,7 @@ unsigned hex_value(char c) {
 }
 
 const char *skip_space(const char *text) {
-    while (is_space(*text)) {
+    while (kx_is_space(*text)) {
         ++text;
     }
     return text;
@@ -85,7 +81,7 @@ int kx_get_adjusted_mac_string(char copy[MAC_COPY_SIZE], const char *text) {
     }
     // Deliberately at the same place for the shorter dotted form, whose second word must therefore
     // be short.
-    if (strlen(copy) > MAC_TEXT_LENGTH && !is_space(copy[MAC_TEXT_LENGTH])) {
+    if (strlen(copy) > MAC_TEXT_LENGTH && !kx_is_space(copy[MAC_TEXT_LENGTH])) {
         kx_trace(kx_debug_print_kxstrings, KX_DEBUG_COMPLAINT,
                  "%s: Mac[%s] parsed has extra characters\n", __func__, text);
         return -1;

@@ -6,12 +6,8 @@
 
 namespace {
 
-bool is_space(char c) {
-    return isspace(static_cast<unsigned char>(c)) != 0;
-}
-
 bool ends_word(char c) {
-    return c == '\0' || c == ';' || is_space(c);
+    return c == '\0' || c == ';' || kx_is_space(c);
 }
 
 int lower(char c) {
@@ -20,14 +16,22 @@ int lower(char c) {
 
 } // namespace
 
+bool kx_is_space(char c) {
+    return isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+bool kx_begins_with(const char *text, const char *beginning) {
+    return text != nullptr && strncmp(text, beginning, strlen(beginning)) == 0;
+}
+
 const char *kx_find_next_arg(const char *word) {
     if (word == nullptr) {
         return nullptr;
     }
-    while (*word != '\0' && !is_space(*word)) {
+    while (*word != '\0' && !kx_is_space(*word)) {
         ++word;
     }
-    while (is_space(*word)) {
+    while (kx_is_space(*word)) {
         ++word;
     }
     return *word == '\0' ? nullptr : word;
@@ -62,7 +66,7 @@ int strncpy_until_space(char *destination, size_t size, const char *source) {
         return 0;
     }
     size_t length = 0;
-    while (length < size - 1 && source[length] != '\0' && !is_space(source[length])) {
+    while (length < size - 1 && source[length] != '\0' && !kx_is_space(source[length])) {
         destination[length] = source[length];
         ++length;
     }

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr uint32_t LAST_VLAN = 4095;
 constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside a view
 constexpr uint32_t BEFORE_FIRST_LTL = 0xFFFFFFFF;
 constexpr uint16_t DEFAULT_VDC = 1;
@@ -19,7 +18,7 @@ kx_bd_record parse_record(object_reader &keys) {
     record.native_encap = 1;
     keys.require("index");
     keys.number("index", record.index, 1);
-    keys.number("vlan", record.vlan, 0, LAST_VLAN);
+    keys.number("vlan", record.vlan, 0, KX_LAST_VLAN);
     keys.number("vdc", record.vdc);
     keys.number("designated_receiver", record.dr_ltl);
     keys.flag("multiple_uplinks", record.multi_uplinks);
@@ -42,7 +41,7 @@ kx_bd_record parse_record(object_reader &keys) {
 
 void parse_bridge_domains(object_reader &file, host &into) {
     bridge_domain_table &table = into.bridge_domains;
-    file.numbers("vlans", table.vlans, 1, LAST_VLAN);
+    file.numbers("vlans", table.vlans, 1, KX_LAST_VLAN);
     file.each("bridge_domains", [&](object_reader &keys) {
         bridge_domain parsed;
         parsed.record = parse_record(keys);

@@ -1,11 +1,11 @@
 #include "sim/port/ports.h"
 
+#include "handlers/port/bridge_domain_record.h"
 #include "sim/host.h"
 #include "sim/object_reader.h"
 
 namespace {
 
-constexpr uint32_t LAST_VLAN = 4095;
 constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside the view
 constexpr uint32_t NO_SUB_GROUP = 0xFFFFFFFF;
 constexpr uint8_t NO_ERROR_EVENT = 255;
@@ -59,8 +59,8 @@ void parse_record(object_reader &keys, kx_port_record &record) {
 void parse_view(object_reader &keys, port_view &view) {
     keys.flag("known", view.known);
     parse_record(keys, view.record);
-    keys.numbers("vlans", view.vlans, 0, LAST_VLAN);
-    keys.numbers("forwards_on", view.forwards_on, 0, LAST_VLAN);
+    keys.numbers("vlans", view.vlans, 0, KX_LAST_VLAN);
+    keys.numbers("forwards_on", view.forwards_on, 0, KX_LAST_VLAN);
 }
 
 // The port's own keys are the HMX's view; the other views say where they differ.

@@ -1,11 +1,10 @@
 #include "sim/port/private_vlans.h"
 
+#include "handlers/port/bridge_domain_record.h"
 #include "sim/host.h"
 #include "sim/object_reader.h"
 
 namespace {
-
-constexpr uint32_t LAST_VLAN = 4095;
 
 void parse_private_vlans(object_reader &file, host &into) {
     file.each("private_vlans", [&](object_reader &keys) {
@@ -14,15 +13,15 @@ void parse_private_vlans(object_reader &file, host &into) {
         keys.require("ltl");
         keys.number("ltl", ltl);
         keys.require("vlan");
-        keys.number("vlan", pvlan.vlan, 0, LAST_VLAN);
+        keys.number("vlan", pvlan.vlan, 0, KX_LAST_VLAN);
         keys.choice("role", pvlan.role,
                     {{"none", KX_PVLAN_NONE},
                      {"isolated", KX_PVLAN_ISOLATED},
                      {"community", KX_PVLAN_COMMUNITY},
                      {"promiscuous", KX_PVLAN_PROMISCUOUS},
                      {"promiscuous-trunk", KX_PVLAN_PROMISCUOUS_TRUNK}});
-        keys.number("primary", pvlan.primary, 0, LAST_VLAN);
-        keys.number("secondary", pvlan.secondary, 0, LAST_VLAN);
+        keys.number("primary", pvlan.primary, 0, KX_LAST_VLAN);
+        keys.number("secondary", pvlan.secondary, 0, KX_LAST_VLAN);
         if (!into.private_vlans.emplace(std::pair{ltl, pvlan.vlan}, pvlan).second) {
             keys.fail("vlan", "is used twice on the port");
         }
