@@ -1,6 +1,7 @@
 #include "sim/port/ports.h"
 
 #include "handlers/port/bridge_domain_record.h"
+#include "infra/utils/kxlibbmp.h"
 #include "sim/host.h"
 #include "sim/object_reader.h"
 
@@ -9,12 +10,6 @@ namespace {
 constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside the view
 constexpr uint32_t NO_SUB_GROUP = 0xFFFFFFFF;
 constexpr uint8_t NO_ERROR_EVENT = 255;
-
-// Reply of KXDPA_OP_PORT_VLAN_SET: VLAN 0 is the most significant bit of the first byte.
-struct vlan_set {
-    uint32_t size; // bytes
-    uint8_t bits[512];
-};
 
 void parse_states(object_reader &keys, kx_port_record &record) {
     keys.choice("admin", record.admin_state, {{"up", KX_PORT_UP}, {"down", 0}});
@@ -159,7 +154,7 @@ void answer_vlan_set(host &state, exchange &talk) {
         talk.fail();
         return;
     }
-    vlan_set set{};
+    bmp4096 set{};
     set.size = sizeof set.bits;
     for (const uint32_t vlan : view->vlans) {
         set.bits[vlan / 8] = static_cast<uint8_t>(set.bits[vlan / 8] | 0x80U >> vlan % 8);
@@ -191,8 +186,8 @@ constexpr answer ANSWERS[] = {
      .reply = answer_forwarding},
     {.opcode = KXDPA_OP_PORT_VLAN_SET,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_MAX,
-     .len1 = sizeof(vlan_set),
-     .capacity = sizeof(vlan_set),
+     .len1 = sizeof(bmp4096),
+     .capacity = sizeof(bmp4096),
      .reply = answer_vlan_set},
 };
 
