@@ -2,7 +2,7 @@
 #include "frontend/output_sink.h"
 #include "handlers/lacp/lacp.h"
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
+#include "handlers/port/shared/port.h"
 #include "infra/utils/kxstrings.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #ifndef HANDLERS_PORT_BD_H
 #define HANDLERS_PORT_BD_H
 
-#include "handlers/port/bridge_domain.h"
+#include "handlers/port/shared/bridge_domain.h"
 
 // Print one bridge domain: what it is, its member ports and, for a VLAN, its multicast groups.
 // `selector` is a kx_bd_selector: the number is a VLAN to look up, with a complaint when no bridge

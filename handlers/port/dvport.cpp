@@ -1,7 +1,7 @@
 // "show dvport": the distributed virtual port behind each port.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_walk.h"
 #include "infra/utils/field_text.h"
 #include "infra/utils/kxstrings.h"
 

@@ -2,8 +2,8 @@
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/bridge_domain.h"
 #include "handlers/port/l2_record.h"
+#include "handlers/port/shared/bridge_domain.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -6,8 +6,8 @@
 #include "frontend/output_sink.h"
 #include "handlers/leaf_mode.h"
 #include "handlers/paging.h"
-#include "handlers/port/bridge_domain.h"
 #include "handlers/port/port_security_record.h"
+#include "handlers/port/shared/bridge_domain.h"
 #include "infra/utils/field_text.h"
 #include "infra/utils/kxstrings.h"
 

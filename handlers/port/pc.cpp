@@ -3,9 +3,9 @@
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
 #include "handlers/port/port_channel_record.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port.h"
+#include "handlers/port/shared/port_walk.h"
 
 #include <algorithm>
 

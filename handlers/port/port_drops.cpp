@@ -6,7 +6,7 @@
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
+#include "handlers/port/shared/port.h"
 #include "infra/utils/field_text.h"
 #include "infra/utils/kxstrings.h"
 

@@ -1,8 +1,8 @@
 // "show port-old": the port table as it once was, with the private VLANs of each port.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/port_pvlan.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_pvlan.h"
+#include "handlers/port/shared/port_walk.h"
 #include "infra/utils/field_text.h"
 
 #include <cstdio>

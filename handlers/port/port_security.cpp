@@ -2,9 +2,9 @@
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/port_pvlan.h"
 #include "handlers/port/port_security_record.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_pvlan.h"
+#include "handlers/port/shared/port_walk.h"
 #include "infra/utils/kxstrings.h"
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 // "show port segments": the ports that are in an overlay segment.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_walk.h"
 #include "infra/utils/field_text.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // "show portdevice": the kind of device behind each port.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_walk.h"
 #include "infra/utils/field_text.h"
 
 int kx_show_port_device_type(const char *arg) {

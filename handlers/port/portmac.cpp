@@ -3,7 +3,7 @@
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
+#include "handlers/port/shared/port.h"
 
 int kx_port_table_mac_dump(const char * /*arg*/) {
     kx_print("  LTL     Mac Address\n");

@@ -1,9 +1,9 @@
 // "show trunk": on which VLANs each trunk port forwards.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
-#include "handlers/port/bridge_domain.h"
-#include "handlers/port/port_vlans.h"
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/bridge_domain.h"
+#include "handlers/port/shared/port_vlans.h"
+#include "handlers/port/shared/port_walk.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #ifndef SIM_PORT_PRIVATE_VLANS_H
 #define SIM_PORT_PRIVATE_VLANS_H
 
-#include "handlers/port/port_pvlan.h"
+#include "handlers/port/shared/port_pvlan.h"
 #include "sim/answer.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "handlers/port/port_walk.h"
+#include "handlers/port/shared/port_walk.h"
 
 #include "infra/utils/kxstrings.h"
 

@@ -1,6 +1,6 @@
 // A port's VLANs, as far as several port views ask for them.
-#ifndef HANDLERS_PORT_PORT_VLANS_H
-#define HANDLERS_PORT_PORT_VLANS_H
+#ifndef HANDLERS_PORT_SHARED_PORT_VLANS_H
+#define HANDLERS_PORT_SHARED_PORT_VLANS_H
 
 #include "handlers/port/port_record.h"
 #include "infra/utils/kxlibbmp.h"

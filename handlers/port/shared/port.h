@@ -1,7 +1,7 @@
 // What the port views share: the walk over the LTLs, the port's record, the rule for empty entries
 // and the name columns.
-#ifndef HANDLERS_PORT_PORT_H
-#define HANDLERS_PORT_PORT_H
+#ifndef HANDLERS_PORT_SHARED_PORT_H
+#define HANDLERS_PORT_SHARED_PORT_H
 
 #include "handlers/port/port_record.h"
 

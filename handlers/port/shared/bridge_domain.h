@@ -1,7 +1,7 @@
 // What the views over bridge domains share: the walks, the lookups, the record, the list of member
 // ports and the paged list of all bridge domains.
-#ifndef HANDLERS_PORT_BRIDGE_DOMAIN_H
-#define HANDLERS_PORT_BRIDGE_DOMAIN_H
+#ifndef HANDLERS_PORT_SHARED_BRIDGE_DOMAIN_H
+#define HANDLERS_PORT_SHARED_BRIDGE_DOMAIN_H
 
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "handlers/list_page.h"

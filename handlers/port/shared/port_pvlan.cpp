@@ -1,7 +1,7 @@
-#include "handlers/port/port_pvlan.h"
+#include "handlers/port/shared/port_pvlan.h"
 
 #include "dpa/userspace/kxdpa_indirect.h"
-#include "handlers/port/bridge_domain.h"
+#include "handlers/port/shared/bridge_domain.h"
 
 bool kx_next_pvlan(uint32_t ltl, kx_port_view view, uint32_t *bd_index, kx_port_pvlan *pvlan) {
     kx_bd_record bd;

@@ -1,6 +1,6 @@
 // Private VLANs of a port.
-#ifndef HANDLERS_PORT_PORT_PVLAN_H
-#define HANDLERS_PORT_PORT_PVLAN_H
+#ifndef HANDLERS_PORT_SHARED_PORT_PVLAN_H
+#define HANDLERS_PORT_SHARED_PORT_PVLAN_H
 
 #include "handlers/port/port_record.h"
 

@@ -1,9 +1,9 @@
-#include "handlers/port/bridge_domain.h"
+#include "handlers/port/shared/bridge_domain.h"
 
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/output_sink.h"
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
+#include "handlers/port/shared/port.h"
 #include "infra/utils/field_text.h"
 #include "infra/utils/kxstrings.h"
 

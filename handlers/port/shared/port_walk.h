@@ -1,9 +1,9 @@
 // The frame of every port view: which ports are asked for, the walk over them, and its pages.
-#ifndef HANDLERS_PORT_PORT_WALK_H
-#define HANDLERS_PORT_PORT_WALK_H
+#ifndef HANDLERS_PORT_SHARED_PORT_WALK_H
+#define HANDLERS_PORT_SHARED_PORT_WALK_H
 
 #include "handlers/paging.h"
-#include "handlers/port/port.h"
+#include "handlers/port/shared/port.h"
 
 // What the first word of a port view's argument chooses.
 struct kx_port_selection {

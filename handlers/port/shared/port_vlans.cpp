@@ -1,0 +1,55 @@
+#include "handlers/port/shared/port_vlans.h"
+
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "frontend/output_sink.h"
+
+namespace {
+
+// VLANs that the DPA keeps for itself; one more outside L3 tunnel mode.
+constexpr int RESERVED_VLANS = 4;
+
+} // namespace
+
+int32_t kx_get_port_vlans(uint32_t ltl, kx_port_view view, bmp4096 *vlans) {
+    bmp4096_init(vlans);
+    // The whole record is the input, and its size the capacity of the reply.
+    const uint32_t length = bitset_size(vlans);
+    uint32_t capacity = length;
+    const uint32_t status = kx_dpa_call_indirect1(
+        KXDPA_OP_PORT_VLAN_SET, kx_port_argument(view, ltl),
+        KXDPA_FLAG_IN | KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, vlans, length, &capacity);
+    if (status != KXDPA_STATUS_SUCCESS) {
+        bmp4096_init(vlans);
+    }
+    return bmp4096_bitcount(vlans);
+}
+
+bool kx_port_forwards_on_vlan(uint32_t ltl, kx_port_view view, uint16_t vlan) {
+    kx_vlan_forwarding query{};
+    query.vlan = vlan;
+    return kx_dpa_exchange(KXDPA_OP_VLAN_FORWARDING, kx_port_argument(view, ltl), &query) ==
+               KXDPA_STATUS_SUCCESS &&
+           query.forwarding != 0;
+}
+
+int64_t kx_get_usable_vlan_count() {
+    uint32_t vlans = 0;
+    if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &vlans) != KXDPA_STATUS_SUCCESS) {
+        vlans = 0;
+    }
+    uint32_t mode = KX_TUNNEL_MODE_L3;
+    const bool one_more = kx_dpa_get(KXDPA_OP_TUNNEL_MODE, 0, &mode) == KXDPA_STATUS_SUCCESS &&
+                          mode != KX_TUNNEL_MODE_L3;
+    return int64_t{vlans} - RESERVED_VLANS - (one_more ? 1 : 0);
+}
+
+void kx_print_vlan_list(const bmp4096 &vlans, int column) {
+    char piece[128];
+    int done = 0;
+    bitset_snprintf(piece, sizeof piece, &vlans, 1, &done);
+    kx_print("%s\n", piece);
+    while (done == 0) {
+        bitset_snprintf(piece, sizeof piece, &vlans, 0, &done);
+        kx_print("%*s%s\n", column, "", piece);
+    }
+}
