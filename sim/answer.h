@@ -3,12 +3,12 @@
 #define SIM_ANSWER_H
 
 #include "dpa/userspace/kxdpa_opcodes.h"
+#include "host/host.h"
 #include "sim/exchange.h"
 
 #include <cstdint>
 #include <span>
 
-struct host;
 class object_reader;
 
 constexpr uint32_t ANY_LENGTH = 0xFFFFFFFF;

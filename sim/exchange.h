@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -44,6 +45,17 @@ struct exchange {
     void reply_with_text(std::string_view text) {
         reply.assign(text.begin(), text.end());
         reply.push_back(0);
+    }
+
+    // Answer with a value, or refuse one that this driver does not tell.
+    template <typename record> void tell(const std::optional<record> &value) {
+        if (!value) {
+            fail();
+        } else if constexpr (std::is_same_v<record, std::string>) {
+            reply_with_text(*value);
+        } else {
+            reply_with(*value);
+        }
     }
 
     void fail(uint32_t with_status = SIM_STATUS_NOT_FOUND) {

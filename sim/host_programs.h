@@ -2,7 +2,7 @@
 #ifndef SIM_HOST_PROGRAMS_H
 #define SIM_HOST_PROGRAMS_H
 
-#include "sim/host.h"
+#include "host/host.h"
 
 #include <string>
 

@@ -1,7 +1,8 @@
 #include "sim/model.h"
 
+#include "host/hex.h"
 #include "sim/answer.h"
-#include "sim/hex.h"
+#include "sim/overrides.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -6,7 +6,7 @@
 #define SIM_MODEL_H
 
 #include "dpa/userspace/kxdpa_request.h"
-#include "sim/host.h"
+#include "host/host.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "sim/object_reader.h"
 
-#include "sim/hex.h"
+#include "host/hex.h"
 
 #include <arpa/inet.h>
 

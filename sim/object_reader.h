@@ -5,7 +5,7 @@
 #ifndef SIM_OBJECT_READER_H
 #define SIM_OBJECT_READER_H
 
-#include "sim/json_tree.h"
+#include "host/json_tree.h"
 
 #include <array>
 #include <concepts>
@@ -14,6 +14,7 @@
 #include <functional>
 #include <initializer_list>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -73,6 +74,21 @@ public:
     // A nested object, or each object of a list; keys that `read` leaves over are complained about.
     void object(std::string_view key, const std::function<void(object_reader &)> &read);
     void each(std::string_view key, const std::function<void(object_reader &)> &read);
+
+    // The same for values that the driver may refuse to tell.
+    template <std::unsigned_integral T>
+    void number(std::string_view key, std::optional<T> &field, uint64_t least = 0,
+                uint64_t most = std::numeric_limits<T>::max()) {
+        number(key, field.emplace(field.value_or(0)), least, most);
+    }
+    template <std::integral T> void flag(std::string_view key, std::optional<T> &field) {
+        flag(key, field.emplace(field.value_or(0)));
+    }
+    template <std::unsigned_integral T>
+    void choice(std::string_view key, std::optional<T> &field,
+                std::initializer_list<named_number> names) {
+        choice(key, field.emplace(field.value_or(0)), names);
+    }
 
     [[noreturn]] void fail(std::string_view key, const std::string &reason) const;
     void finish() const;

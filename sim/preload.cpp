@@ -1,5 +1,6 @@
 // libkestrelsim.so: gives the process that preloads it a simulated driver device.
-#include "sim/host.h"
+#include "host/host_file.h"
+#include "sim/builtin_host.h"
 #include "sim/interpose.h"
 #include "sim/preload_variables.h"
 #include "sim/trace_file.h"

@@ -1,7 +1,8 @@
 // Runs a command on a simulated host.
+#include "host/host_file.h"
 #include "sim/agent/agent_process.h"
+#include "sim/builtin_host.h"
 #include "sim/device/device_file.h"
-#include "sim/host.h"
 #include "sim/host_programs.h"
 #include "sim/model.h"
 #include "sim/preload_variables.h"

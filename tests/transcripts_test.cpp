@@ -7,6 +7,7 @@
 // "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
 // have to be written for the results that were seen.
 #include "frontend/hmx_cmd.h"
+#include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
 #include "tests/text.h"

@@ -1,57 +1,74 @@
 #include "sim/acl/acls.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
-// The record is packed, so its fields are read into locals first.
-template <typename T> T number(object_reader &keys, const char *key) {
-    T value = 0;
-    keys.number(key, value);
-    return value;
-}
-
-kx_acl_record parse_acl(object_reader &keys) {
-    kx_acl_record acl{};
+access_list parse_acl(object_reader &keys) {
+    access_list acl;
     keys.require("id");
-    acl.id = number<uint32_t>(keys, "id");
-    acl.references = number<uint32_t>(keys, "references");
-    acl.rules = number<uint32_t>(keys, "rules");
+    keys.number("id", acl.id);
+    keys.number("references", acl.references);
+    keys.number("rules", acl.rules);
     keys.choice("type", acl.type,
                 {{"ipv4", KX_ACL_IPV4}, {"ipv6", KX_ACL_IPV6}, {"mac", KX_ACL_MAC}});
-    keys.choice("statistics", acl.statistics_state,
+    keys.choice("statistics", acl.statistics,
                 {{"enabled", KX_ACL_STATISTICS_ENABLED}, {"disabled", KX_ACL_STATISTICS_DISABLED}});
-    acl.statistics_id = number<uint16_t>(keys, "statistics_id");
-    acl.permitted = number<uint32_t>(keys, "permitted");
-    acl.denied = number<uint32_t>(keys, "denied");
-    acl.unmatched = number<uint32_t>(keys, "unmatched");
+    keys.number("statistics_id", acl.statistics_id);
+    keys.number("permitted", acl.permitted);
+    keys.number("denied", acl.denied);
+    keys.number("unmatched", acl.unmatched);
     keys.text("name", acl.name);
     return acl;
 }
 
 void parse_acls(object_reader &file, host &into) {
-    file.each("acls", [&](object_reader &keys) { into.acls.acls.push_back(parse_acl(keys)); });
+    file.each("acls", [&](object_reader &keys) { into.acls.acls->push_back(parse_acl(keys)); });
 }
 
 void answer_count(host &state, exchange &talk) {
-    talk.reply_with(static_cast<uint32_t>(state.acls.acls.size()));
+    if (state.acls.acls) {
+        talk.reply_with(static_cast<uint32_t>(state.acls.acls->size()));
+    } else {
+        talk.fail();
+    }
+}
+
+kx_acl_record wire_record(const access_list &acl) {
+    kx_acl_record wire{};
+    wire.id = acl.id;
+    wire.references = acl.references;
+    wire.rules = acl.rules;
+    wire.type = acl.type;
+    wire.statistics_state = acl.statistics;
+    wire.statistics_id = acl.statistics_id;
+    wire.permitted = acl.permitted;
+    wire.denied = acl.denied;
+    wire.unmatched = acl.unmatched;
+    std::copy(std::begin(acl.name), std::end(acl.name), wire.name);
+    return wire;
 }
 
 void answer_list(host &state, exchange &talk) {
-    for (const kx_acl_record &acl : state.acls.acls) {
-        const auto *bytes = reinterpret_cast<const uint8_t *>(&acl);
-        talk.reply.insert(talk.reply.end(), bytes, bytes + sizeof acl);
+    if (!state.acls.acls) {
+        talk.fail();
+        return;
+    }
+    for (const access_list &acl : *state.acls.acls) {
+        const kx_acl_record wire = wire_record(acl);
+        const auto *bytes = reinterpret_cast<const uint8_t *>(&wire);
+        talk.reply.insert(talk.reply.end(), bytes, bytes + sizeof wire);
     }
 }
 
 void answer_dump_policy(host &state, exchange &talk) {
     const auto id = talk.input_as<uint32_t>();
     const auto &acls = state.acls.acls;
-    if (std::none_of(acls.begin(), acls.end(),
-                     [&](const kx_acl_record &acl) { return acl.id == id; })) {
+    if (!acls || std::none_of(acls->begin(), acls->end(),
+                              [&](const access_list &acl) { return acl.id == id; })) {
         talk.fail();
     }
 }

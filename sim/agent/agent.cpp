@@ -1,6 +1,5 @@
 #include "sim/agent/agent.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 namespace {

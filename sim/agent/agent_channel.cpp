@@ -1,6 +1,7 @@
 #include "sim/agent/agent_channel.h"
 
 #include "dpa/userspace/kxdpa_request.h"
+#include "sim/exchange.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 #ifndef SIM_AGENT_AGENT_CHANNEL_H
 #define SIM_AGENT_AGENT_CHANNEL_H
 
-#include "sim/agent/agent.h"
+#include "host/agent.h"
 
 #include <cstdint>
 #include <vector>

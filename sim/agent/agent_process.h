@@ -2,7 +2,7 @@
 #ifndef SIM_AGENT_AGENT_PROCESS_H
 #define SIM_AGENT_AGENT_PROCESS_H
 
-#include "sim/agent/agent.h"
+#include "host/agent.h"
 #include "sim/agent/agent_paths.h"
 
 #include <string>

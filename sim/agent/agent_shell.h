@@ -2,7 +2,7 @@
 #ifndef SIM_AGENT_AGENT_SHELL_H
 #define SIM_AGENT_AGENT_SHELL_H
 
-#include "sim/agent/agent.h"
+#include "host/agent.h"
 
 #include <string>
 #include <string_view>

@@ -1,21 +1,17 @@
 #include "sim/bridge_domain/bridge_domains.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 namespace {
 
-constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside a view
 constexpr uint32_t BEFORE_FIRST_LTL = 0xFFFFFFFF;
-constexpr uint16_t DEFAULT_VDC = 1;
 
 kx_bd_record parse_record(object_reader &keys) {
-    kx_bd_record record{};
-    record.vdc = DEFAULT_VDC;
-    record.native_encap = 1;
+    kx_bd_record record = bridge_domain{}.record;
     keys.require("index");
     keys.number("index", record.index, 1);
     keys.number("vlan", record.vlan, 0, KX_LAST_VLAN);
@@ -41,11 +37,12 @@ kx_bd_record parse_record(object_reader &keys) {
 
 void parse_bridge_domains(object_reader &file, host &into) {
     bridge_domain_table &table = into.bridge_domains;
-    file.numbers("vlans", table.vlans, 1, KX_LAST_VLAN);
+    file.numbers("vlans", *table.vlans, 1, KX_LAST_VLAN);
     file.each("bridge_domains", [&](object_reader &keys) {
         bridge_domain parsed;
         parsed.record = parse_record(keys);
-        keys.numbers("members", parsed.members, 0, LAST_LTL);
+        keys.flag("known", parsed.known);
+        keys.numbers("members", *parsed.members, 0, LAST_LTL);
         keys.each("multicast",
                   [&](object_reader &group) { group.ipv4("group", parsed.groups.emplace_back()); });
         if (!table.by_index.emplace(parsed.record.index, parsed).second) {
@@ -67,12 +64,18 @@ void answer_next_index(host &state, exchange &talk) {
     }
 }
 
+// nullptr when there is none of that index.
+const bridge_domain *find_bridge_domain(const host &state, uint32_t index) {
+    const auto found = state.bridge_domains.by_index.find(index);
+    return found == state.bridge_domains.by_index.end() ? nullptr : &found->second;
+}
+
 void answer_record(host &state, exchange &talk) {
-    const auto found = state.bridge_domains.by_index.find(talk.request.arg);
-    if (found == state.bridge_domains.by_index.end()) {
+    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
+    if (found == nullptr || !found->known) {
         talk.fail();
     } else {
-        talk.reply_with(found->second.record);
+        talk.reply_with(found->record);
     }
 }
 
@@ -80,7 +83,7 @@ void answer_record(host &state, exchange &talk) {
 template <typename predicate> void find_record(host &state, exchange &talk, predicate matches) {
     const auto asked = talk.input_as<kx_bd_record>();
     for (const auto &[index, found] : state.bridge_domains.by_index) {
-        if (matches(found.record, asked)) {
+        if (found.known && matches(found.record, asked)) {
             talk.reply_with(found.record);
             return;
         }
@@ -117,21 +120,21 @@ void answer_by_segment(host &state, exchange &talk) {
 }
 
 void answer_port_count(host &state, exchange &talk) {
-    const auto found = state.bridge_domains.by_index.find(talk.request.arg);
-    if (found == state.bridge_domains.by_index.end()) {
+    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
+    if (found == nullptr || !found->members) {
         talk.fail();
     } else {
-        talk.reply_with(static_cast<uint32_t>(found->second.members.size()));
+        talk.reply_with(static_cast<uint32_t>(found->members->size()));
     }
 }
 
 void answer_next_port(host &state, exchange &talk) {
-    const auto found = state.bridge_domains.by_index.find(talk.request.arg);
-    if (found == state.bridge_domains.by_index.end()) {
+    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
+    if (found == nullptr || !found->members) {
         talk.fail();
         return;
     }
-    const auto &members = found->second.members;
+    const auto &members = *found->members;
     const auto ltl = talk.input_as<uint32_t>();
     const auto next = ltl == BEFORE_FIRST_LTL ? members.begin() : members.upper_bound(ltl);
     if (next == members.end()) {
@@ -145,7 +148,7 @@ void answer_next_port(host &state, exchange &talk) {
 void answer_next_group(host &state, exchange &talk) {
     const auto group = talk.input_as<uint32_t>();
     for (const auto &[index, bd] : state.bridge_domains.by_index) {
-        if (bd.record.kind != 0 || bd.record.vlan != talk.request.arg) {
+        if (!bd.known || bd.record.kind != 0 || bd.record.vlan != talk.request.arg) {
             continue;
         }
         const auto current = std::find(bd.groups.begin(), bd.groups.end(), group);
@@ -158,12 +161,22 @@ void answer_next_group(host &state, exchange &talk) {
 }
 
 void answer_vlan_count(host &state, exchange &talk) {
-    talk.reply_with(static_cast<uint32_t>(state.bridge_domains.vlans.size()));
+    const auto &vlans = state.bridge_domains.vlans;
+    if (vlans) {
+        talk.reply_with(static_cast<uint32_t>(vlans->size()));
+    } else {
+        talk.fail();
+    }
 }
 
 void answer_next_vlan(host &state, exchange &talk) {
-    const auto next = state.bridge_domains.vlans.upper_bound(talk.request.arg);
-    if (next == state.bridge_domains.vlans.end()) {
+    const auto &vlans = state.bridge_domains.vlans;
+    if (!vlans) {
+        talk.fail();
+        return;
+    }
+    const auto next = vlans->upper_bound(talk.request.arg);
+    if (next == vlans->end()) {
         talk.fail();
     } else {
         talk.reply_with(*next);

@@ -1,24 +1,29 @@
 #include "sim/card/card.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <type_traits>
 
 namespace {
 
 constexpr size_t LONGEST_TEXT = 255;
 
 void parse_texts(object_reader &keys, card_state &card) {
-    keys.text("name", card.name, LONGEST_TEXT);
-    keys.text("uuid", card.uuid, LONGEST_TEXT);
+    keys.text("name", *card.name, LONGEST_TEXT);
+    keys.text("uuid", *card.uuid, LONGEST_TEXT);
     keys.number("uuid_type", card.uuid_type);
-    keys.text("switch_name", card.switch_name, LONGEST_TEXT);
-    keys.text("switch_alias", card.switch_alias, LONGEST_TEXT);
-    keys.text("switch_uuid", card.switch_uuid, LONGEST_TEXT);
+    keys.text("switch_name", *card.switch_name, LONGEST_TEXT);
+    keys.text("switch_alias", *card.switch_alias, LONGEST_TEXT);
+    keys.text("switch_uuid", *card.switch_uuid, LONGEST_TEXT);
     keys.object("versions", [&](object_reader &versions) {
-        versions.text("hmx", card.versions.hmx, LONGEST_TEXT);
-        versions.text("krt", card.versions.krt, LONGEST_TEXT);
-        versions.text("system", card.versions.system, LONGEST_TEXT);
-        versions.text("opflex_sdk", card.versions.opflex_sdk, LONGEST_TEXT);
+        versions.text("hmx", *card.versions.hmx, LONGEST_TEXT);
+        versions.text("krt", *card.versions.krt, LONGEST_TEXT);
+        versions.text("system", *card.versions.system, LONGEST_TEXT);
+        versions.text("opflex_sdk", *card.versions.opflex_sdk, LONGEST_TEXT);
         versions.number("update_level", card.versions.update_level);
         versions.number("word", card.versions.word);
     });
@@ -26,18 +31,18 @@ void parse_texts(object_reader &keys, card_state &card) {
 
 void parse_addresses(object_reader &keys, card_state &card) {
     keys.object("macs", [&](object_reader &macs) {
-        macs.mac("control", card.macs.control);
-        macs.mac("packet", card.macs.packet);
-        macs.mac("span", card.macs.span);
-        macs.mac("agent", card.macs.agent);
-        macs.mac("primary_krt", card.macs.primary_krt);
-        macs.mac("primary_krt_packet", card.macs.primary_krt_packet);
-        macs.mac("primary_krt_management", card.macs.primary_krt_management);
-        macs.mac("standby_krt_control", card.macs.standby_krt_control);
-        macs.mac("secondary_krt", card.macs.secondary_krt);
+        macs.mac("control", *card.macs.control);
+        macs.mac("packet", *card.macs.packet);
+        macs.mac("span", *card.macs.span);
+        macs.mac("agent", *card.macs.agent);
+        macs.mac("primary_krt", *card.macs.primary_krt);
+        macs.mac("primary_krt_packet", *card.macs.primary_krt_packet);
+        macs.mac("primary_krt_management", *card.macs.primary_krt_management);
+        macs.mac("standby_krt_control", *card.macs.standby_krt_control);
+        macs.mac("secondary_krt", *card.macs.secondary_krt);
     });
-    keys.ipv6("management_ipv6", card.management_ipv6);
-    keys.ipv4("l3_control_ipv4", card.l3_control_ipv4);
+    keys.ipv6("management_ipv6", *card.management_ipv6);
+    keys.ipv4("l3_control_ipv4", *card.l3_control_ipv4);
 }
 
 void parse_switch(object_reader &keys, card_state &card) {
@@ -61,10 +66,10 @@ void parse_switch(object_reader &keys, card_state &card) {
 
 void parse_host_state(object_reader &keys, card_state &card) {
     keys.flag("dpa_up", card.dpa_up);
-    keys.number("processors", card.processors.processors);
-    keys.number("processor_cores", card.processors.cores);
-    keys.number("processor_sockets", card.processors.sockets);
-    keys.number("kernel_memory", card.processors.kernel_memory);
+    keys.number("processors", card.processors->processors);
+    keys.number("processor_cores", card.processors->cores);
+    keys.number("processor_sockets", card.processors->sockets);
+    keys.number("kernel_memory", card.processors->kernel_memory);
     keys.number("link_up_delay", card.link_up_delay);
     keys.number("load_balancing", card.load_balancing);
     keys.flag("uufb", card.uufb);
@@ -89,7 +94,7 @@ void answer_domain(host &state, exchange &talk) {
     if (state.card.version_mismatch) {
         talk.fail(KXDPA_STATUS_VERSION_MISMATCH);
     } else {
-        talk.reply_with(state.card.domain);
+        talk.tell(state.card.domain);
     }
 }
 
@@ -99,12 +104,15 @@ void answer_card_api(host &, exchange &talk) {
 
 // The type stands behind the caller's 48 bytes, whatever the text's length.
 void answer_uuid(host &state, exchange &talk) {
+    if (!state.card.uuid) {
+        return talk.fail();
+    }
     kx_card_uuid uuid{};
-    const std::string &text = state.card.uuid;
+    const std::string &text = *state.card.uuid;
     std::memcpy(uuid.text, text.data(), std::min(text.size(), sizeof uuid.text));
-    uuid.type = state.card.uuid_type;
+    uuid.type = state.card.uuid_type.value_or(0);
     talk.reply_with(uuid);
-    talk.behind = sizeof uuid.type;
+    talk.behind = state.card.uuid_type ? sizeof uuid.type : 0;
     talk.returned = static_cast<uint32_t>(std::min(text.size() + 1, sizeof uuid.text));
 }
 
@@ -112,11 +120,11 @@ void answer_card_mac(host &state, exchange &talk) {
     const card_macs &macs = state.card.macs;
     switch (talk.request.arg) {
     case KX_CARD_MAC_CONTROL:
-        return talk.reply_with(macs.control);
+        return talk.tell(macs.control);
     case KX_CARD_MAC_PACKET:
-        return talk.reply_with(macs.packet);
+        return talk.tell(macs.packet);
     case KX_CARD_MAC_SPAN:
-        return talk.reply_with(macs.span);
+        return talk.tell(macs.span);
     default:
         return talk.fail();
     }
@@ -125,17 +133,18 @@ void answer_card_mac(host &state, exchange &talk) {
 void answer_max_ports(host &state, exchange &talk) {
     switch (talk.request.arg) {
     case KX_CARD_PHYSICAL_PORTS:
-        return talk.reply_with(state.card.physical_ports);
+        return talk.tell(state.card.physical_ports);
     case KX_CARD_VIRTUAL_PORTS:
-        return talk.reply_with(state.card.virtual_ports);
+        return talk.tell(state.card.virtual_ports);
     default:
         return talk.fail();
     }
 }
 
+// Asked for the index that was told before, 0 when that was refused.
 void answer_l3_control_vlan(host &state, exchange &talk) {
-    if (talk.request.arg == (state.card.l3_control_index | KX_L3_CONTROL_CLASS)) {
-        talk.reply_with(state.card.l3_control_vlan);
+    if (talk.request.arg == (state.card.l3_control_index.value_or(0) | KX_L3_CONTROL_CLASS)) {
+        talk.tell(state.card.l3_control_vlan);
     } else {
         talk.fail();
     }
@@ -145,69 +154,68 @@ void answer_version(host &state, exchange &talk) {
     const card_versions &versions = state.card.versions;
     switch (talk.request.arg) {
     case KX_VERSION_HMX:
-        return talk.reply_with_text(versions.hmx);
+        return talk.tell(versions.hmx);
     case KX_VERSION_KRT:
-        return talk.reply_with_text(versions.krt);
+        return talk.tell(versions.krt);
     case KX_VERSION_SYSTEM:
-        return talk.reply_with_text(versions.system);
+        return talk.tell(versions.system);
     default:
         return talk.fail();
     }
 }
 
-void answer_sdk_version(host &state, exchange &talk) {
-    talk.reply_with_text(state.card.versions.opflex_sdk);
-}
-
 void answer_uptime(host &state, exchange &talk) {
-    talk.reply_with(kx_krt_uptime{state.card.krt_uptime, {}});
+    if (state.card.krt_uptime) {
+        talk.reply_with(kx_krt_uptime{*state.card.krt_uptime, {}});
+    } else {
+        talk.fail();
+    }
 }
 
 void set_name(host &state, exchange &talk) {
-    state.card.name.assign(talk.input.begin(), talk.input.end());
+    state.card.name.emplace(talk.input.begin(), talk.input.end());
 }
 
 void set_uuid(host &state, exchange &talk) {
-    state.card.uuid.assign(talk.input.begin(), talk.input.end());
+    state.card.uuid.emplace(talk.input.begin(), talk.input.end());
     state.card.uuid_type = talk.request.arg;
 }
 
-void get_update_level(host &state, exchange &talk) {
-    talk.reply_with(state.card.versions.update_level);
-}
-
-void set_update_level(host &state, exchange &talk) {
-    state.card.versions.update_level = talk.input_as<uint8_t>();
-}
-
-void get_version_word(host &state, exchange &talk) {
-    talk.reply_with(state.card.versions.word);
-}
-
-void set_version_word(host &state, exchange &talk) {
-    state.card.versions.word = talk.input_as<uint64_t>();
+// Nothing reads it back.
+void set_management_ipv4(host &, exchange &) {
 }
 
 // Most requests read or write one member.
 
-template <auto member> void reply_member(host &state, exchange &talk) {
-    talk.reply_with(state.card.*member);
-}
+template <auto member>
+using value_of = typename std::remove_reference_t<decltype(card_state{}.*member)>::value_type;
 
-template <auto member> void reply_text(host &state, exchange &talk) {
-    talk.reply_with_text(state.card.*member);
+template <auto member> void reply_member(host &state, exchange &talk) {
+    talk.tell(state.card.*member);
 }
 
 template <auto member> void reply_mac(host &state, exchange &talk) {
-    talk.reply_with(state.card.macs.*member);
+    talk.tell(state.card.macs.*member);
 }
 
 template <auto member> void set_member(host &state, exchange &talk) {
-    auto &value = state.card.*member;
-    value = talk.input_as<std::remove_reference_t<decltype(value)>>();
+    state.card.*member = talk.input_as<value_of<member>>();
 }
 
-template <auto member> constexpr uint32_t SIZE_OF = sizeof(card_state{}.*member);
+template <auto member> constexpr uint32_t SIZE_OF = sizeof(value_of<member>);
+
+template <auto member> void reply_version(host &state, exchange &talk) {
+    talk.tell(state.card.versions.*member);
+}
+
+template <auto member> void set_version(host &state, exchange &talk) {
+    auto &field = state.card.versions.*member;
+    field = talk.input_as<typename std::remove_reference_t<decltype(field)>::value_type>();
+}
+
+void answer_sdk_version(host &state, exchange &talk) {
+    talk.tell(state.card.versions.opflex_sdk);
+}
 
 template <auto member> constexpr answer get(kxdpa_opcode opcode) {
     return {opcode, KXDPA_FLAG_OUT, SIZE_OF<member>, 0, 0, reply_member<member>};
@@ -244,11 +252,11 @@ constexpr answer ANSWERS[] = {
     fixed(KXDPA_OP_CARD_DOMAIN, KXDPA_FLAG_OUT, 4, answer_domain),
     fixed(KXDPA_OP_CARD_API, KXDPA_FLAG_OUT, 4, answer_card_api),
     get_text(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid),
-    get_text(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY, reply_text<&card_state::name>),
+    get_text(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY, reply_member<&card_state::name>),
     // Asked with whatever the request before has left.
-    get_text(KXDPA_OP_SWITCH_NAME, 0, reply_text<&card_state::switch_name>),
-    get_text(KXDPA_OP_SWITCH_ALIAS, 0, reply_text<&card_state::switch_alias>),
-    get_text(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY, reply_text<&card_state::switch_uuid>),
+    get_text(KXDPA_OP_SWITCH_NAME, 0, reply_member<&card_state::switch_name>),
+    get_text(KXDPA_OP_SWITCH_ALIAS, 0, reply_member<&card_state::switch_alias>),
+    get_text(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY, reply_member<&card_state::switch_uuid>),
     get<&card_state::slot>(KXDPA_OP_CARD_SLOT),
     get<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
     get<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
@@ -283,16 +291,17 @@ constexpr answer ANSWERS[] = {
 
     get_text(KXDPA_OP_VERSION_TEXT, KX_VERSION_CAPACITY, answer_version),
     get_text(KXDPA_OP_OPFLEX_SDK_VERSION, KX_SDK_VERSION_CAPACITY, answer_sdk_version),
-    fixed(KXDPA_OP_GET_UPDATE_LEVEL, KXDPA_FLAG_OUT, 1, get_update_level),
-    fixed(KXDPA_OP_GET_VERSION_WORD, KXDPA_FLAG_OUT, 8, get_version_word),
+    fixed(KXDPA_OP_GET_UPDATE_LEVEL, KXDPA_FLAG_OUT, 1,
+          reply_version<&card_versions::update_level>),
+    fixed(KXDPA_OP_GET_VERSION_WORD, KXDPA_FLAG_OUT, 8, reply_version<&card_versions::word>),
     get_text(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime), answer_uptime),
 
-    set<&card_state::management_ipv4>(KXDPA_OP_SET_MANAGEMENT_IPV4),
+    fixed(KXDPA_OP_SET_MANAGEMENT_IPV4, KXDPA_FLAG_IN, 4, set_management_ipv4),
     set<&card_state::management_ipv6>(KXDPA_OP_SET_MANAGEMENT_IPV6),
     set_text(KXDPA_OP_SET_CARD_UUID, KX_CARD_UUID_CAPACITY, set_uuid),
     set_text(KXDPA_OP_SET_CARD_NAME, KX_CARD_NAME_CAPACITY, set_name),
-    fixed(KXDPA_OP_SET_UPDATE_LEVEL, KXDPA_FLAG_IN, 1, set_update_level),
-    fixed(KXDPA_OP_SET_VERSION_WORD, KXDPA_FLAG_IN, 8, set_version_word),
+    fixed(KXDPA_OP_SET_UPDATE_LEVEL, KXDPA_FLAG_IN, 1, set_version<&card_versions::update_level>),
+    fixed(KXDPA_OP_SET_VERSION_WORD, KXDPA_FLAG_IN, 8, set_version<&card_versions::word>),
 };
 
 } // namespace

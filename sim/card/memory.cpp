@@ -1,7 +1,10 @@
 #include "sim/card/memory.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -62,7 +65,7 @@ template <auto list> void answer_next(host &state, exchange &talk) {
 }
 
 void answer_asserts(host &state, exchange &talk) {
-    talk.reply_with(state.memory.asserts);
+    talk.tell(state.memory.asserts);
 }
 
 constexpr answer ANSWERS[] = {

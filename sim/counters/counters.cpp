@@ -1,6 +1,5 @@
 #include "sim/counters/counters.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 #include <algorithm>
@@ -66,7 +65,11 @@ void parse_counters(object_reader &file, host &into) {
 
 void answer_traffic(host &state, exchange &talk) {
     const auto found = state.counters.traffic.find(talk.request.arg);
-    talk.reply_with(found == state.counters.traffic.end() ? kx_port_statistics{} : found->second);
+    if (found == state.counters.traffic.end()) {
+        talk.reply_with(kx_port_statistics{});
+    } else {
+        talk.tell(found->second);
+    }
 }
 
 void answer_clear_traffic(host &state, exchange &talk) {
@@ -97,23 +100,19 @@ kx_drop_counters no_drops(const counter_table &table) {
 void answer_drops(host &state, exchange &talk) {
     const counter_table &table = state.counters;
     const auto found = table.drops.find(talk.request.arg);
-    talk.reply_with(found == table.drops.end() ? no_drops(table) : found->second);
-}
-
-void answer_optional(const std::optional<kx_drop_counters> &counters, exchange &talk) {
-    if (counters) {
-        talk.reply_with(*counters);
+    if (found == table.drops.end()) {
+        talk.reply_with(no_drops(table));
     } else {
-        talk.fail();
+        talk.tell(found->second);
     }
 }
 
 void answer_multicast_drops(host &state, exchange &talk) {
-    answer_optional(state.counters.multicast_drops, talk);
+    talk.tell(state.counters.multicast_drops);
 }
 
 void answer_flood_drops(host &state, exchange &talk) {
-    answer_optional(state.counters.flood_drops, talk);
+    talk.tell(state.counters.flood_drops);
 }
 
 constexpr answer ANSWERS[] = {

@@ -1,10 +1,11 @@
 #include "sim/l2/l2_tables.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
+#include <cstddef>
+#include <set>
 
 namespace {
 
@@ -16,18 +17,12 @@ void parse_flag(object_reader &keys, const char *key, uint8_t bit, uint8_t &flag
     }
 }
 
-// `now` is the time of the DPA; an entry says how long ago it was seen.
-kx_l2_entry parse_entry(object_reader &keys, uint32_t now) {
-    kx_l2_entry entry{};
-    mac_address mac{};
-    uint32_t age = 0;
+l2_entry parse_entry(object_reader &keys) {
+    l2_entry entry{};
     keys.require("mac");
-    keys.mac("mac", mac);
-    std::copy(mac.begin(), mac.end(), entry.mac);
+    keys.mac("mac", entry.mac);
     keys.number("ltl", entry.ltl);
-    keys.number("age", age);
-    entry.now = now;
-    entry.seen_time = now - age;
+    keys.number("age", entry.age);
     parse_flag(keys, "static", KX_L2_STATIC, entry.flags);
     parse_flag(keys, "secure", KX_L2_SECURE, entry.flags);
     parse_flag(keys, "drop", KX_L2_DROP, entry.flags);
@@ -43,56 +38,69 @@ kx_l2_entry parse_entry(object_reader &keys, uint32_t now) {
     return entry;
 }
 
-kx_get_mac_entry parse_announced(object_reader &keys, uint32_t bd_index) {
-    kx_get_mac_entry entry{};
-    mac_address mac{};
-    entry.bd_index = bd_index;
-    keys.mac("mac", mac);
-    std::copy(mac.begin(), mac.end(), entry.mac);
+announced_mac parse_announced(object_reader &keys) {
+    announced_mac entry{};
+    keys.mac("mac", entry.mac);
     keys.flag("sent", entry.sent);
     keys.number("last_sent", entry.last_sent);
     return entry;
 }
 
-void parse_table(object_reader &keys, l2_state &into, uint32_t now) {
+void parse_table(object_reader &keys, l2_state &into) {
     uint32_t index = 0;
     keys.require("bridge_domain");
     keys.number("bridge_domain", index, 1);
     l2_table &table = into.tables[index];
     keys.number("limit", table.limit);
     keys.number("aging_time", table.aging_time);
+    std::set<mac_address> used;
     keys.each("entries", [&](object_reader &entry_keys) {
-        const kx_l2_entry entry = parse_entry(entry_keys, now);
-        if (!table.entries.emplace(std::to_array(entry.mac), entry).second) {
+        const l2_entry entry = parse_entry(entry_keys);
+        if (!used.insert(entry.mac).second) {
             entry_keys.fail("mac", "is used twice");
         }
+        table.entries.push_back(entry);
     });
     keys.each("announced", [&](object_reader &entry_keys) {
-        table.announced.push_back(parse_announced(entry_keys, index));
+        table.announced->push_back(parse_announced(entry_keys));
     });
-    if (table.announced.size() > KX_GET_MAC_ENTRIES) {
+    if (table.announced->size() > KX_GET_MAC_ENTRIES) {
         keys.fail("announced", "too many addresses");
     }
 }
 
 void parse_l2(object_reader &file, host &into) {
     file.object("l2", [&](object_reader &keys) {
-        uint32_t now = 100000;
-        keys.number("now", now);
+        keys.number("now", into.l2.now);
         keys.number("slots", into.l2.slots, 1);
-        uint32_t flow_entries = 0;
+        uint64_t flow_entries = 0;
         keys.number("flow_entries", flow_entries);
-        into.l2.totals.flow_entries = flow_entries;
-        keys.number("vnic_entries", into.l2.totals.vnic_entries);
-        keys.number("aged", into.l2.aging.aged);
-        keys.number("rejected", into.l2.aging.rejected);
-        keys.each("tables", [&](object_reader &table) { parse_table(table, into.l2, now); });
+        into.l2.totals->flow_entries = flow_entries;
+        keys.number("vnic_entries", into.l2.totals->vnic_entries);
+        keys.number("aged", into.l2.aging->aged);
+        keys.number("rejected", into.l2.aging->rejected);
+        keys.each("tables", [&](object_reader &table) { parse_table(table, into.l2); });
     });
+}
+
+kx_l2_entry wire_entry(const l2_entry &entry, uint32_t now) {
+    kx_l2_entry wire{};
+    std::copy(entry.mac.begin(), entry.mac.end(), wire.mac);
+    wire.ltl = entry.ltl;
+    wire.pvlan = entry.pvlan;
+    wire.seen_time = now - entry.age;
+    wire.now = now;
+    wire.flags = entry.flags;
+    wire.dsn = entry.dsn;
+    wire.remote_ip = entry.remote_ip;
+    wire.slot = entry.slot;
+    wire.encap = entry.encap;
+    return wire;
 }
 
 // The table of a bridge domain, empty when the host file says nothing about it; nullptr, with the
 // request failed, for a bridge domain that does not exist.
-const l2_table *table_of(host &state, exchange &talk) {
+l2_table *table_of(host &state, exchange &talk) {
     const uint32_t index = talk.request.arg;
     if (!state.bridge_domains.by_index.contains(index)) {
         talk.fail();
@@ -103,7 +111,7 @@ const l2_table *table_of(host &state, exchange &talk) {
 
 void answer_limit(host &state, exchange &talk) {
     if (const l2_table *table = table_of(state, talk)) {
-        talk.reply_with(table->limit);
+        talk.tell(table->limit);
     }
 }
 
@@ -115,54 +123,74 @@ void answer_count(host &state, exchange &talk) {
 
 void answer_aging_time(host &state, exchange &talk) {
     if (const l2_table *table = table_of(state, talk)) {
-        talk.reply_with(table->aging_time);
+        talk.tell(table->aging_time);
     }
 }
 
+// The place of the entry behind the one with the address, of the first for the address zero. A walk
+// asks for one after the other, so the place of the last answer is looked at first.
+size_t place_behind(l2_table &table, const mac_address &mac) {
+    const auto &entries = table.entries;
+    size_t &last = table.last_asked;
+    if (mac == mac_address{}) {
+        last = 0;
+        return 0;
+    }
+    if (last >= entries.size() || entries[last].mac != mac) {
+        const auto found = std::find_if(entries.begin(), entries.end(),
+                                        [&](const l2_entry &entry) { return entry.mac == mac; });
+        last = static_cast<size_t>(found - entries.begin());
+    }
+    last = std::min(last + 1, entries.size());
+    return last;
+}
+
 void answer_next_entry(host &state, exchange &talk) {
-    const l2_table *table = table_of(state, talk);
+    l2_table *table = table_of(state, talk);
     if (table == nullptr) {
         return;
     }
-    const auto next = table->entries.upper_bound(talk.input_as<mac_address>());
-    if (next == table->entries.end()) {
-        talk.fail();
+    const size_t next = place_behind(*table, talk.input_as<mac_address>());
+    if (next < table->entries.size()) {
+        talk.reply_with(wire_entry(table->entries[next], state.l2.now));
     } else {
-        talk.reply_with(next->second);
+        talk.fail();
     }
 }
 
 // Behind the entry that the step names, the slot's next one: first in the same bridge domain.
 void answer_slot_step(host &state, exchange &talk) {
-    const l2_state &l2 = state.l2;
-    auto step = talk.input_as<kx_l2_slot_step>();
-    if (talk.request.arg >= l2.slots) {
+    l2_state &l2 = state.l2;
+    const auto step = talk.input_as<kx_l2_slot_step>();
+    if (!l2.slots || talk.request.arg >= *l2.slots) {
         talk.fail();
         return;
     }
-    const auto in_slot = [&](const auto &entry) {
-        return entry.first.back() % l2.slots == talk.request.arg;
+    const auto in_slot = [&](const l2_entry &entry) {
+        return entry.mac.back() % *l2.slots == talk.request.arg;
     };
-    const mac_address behind = std::to_array(step.entry.mac);
     for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
         const auto &entries = table->second.entries;
-        const auto first =
-            table->first == step.bd_index ? entries.upper_bound(behind) : entries.begin();
-        const auto found = std::find_if(first, entries.end(), in_slot);
+        const bool goes_on = table->first == step.bd_index;
+        const size_t first =
+            goes_on ? place_behind(table->second, std::to_array(step.entry.mac)) : 0;
+        const auto found =
+            std::find_if(entries.begin() + static_cast<ptrdiff_t>(first), entries.end(), in_slot);
         if (found != entries.end()) {
-            talk.reply_with(kx_l2_slot_step{l2.slots, table->first, found->second});
+            table->second.last_asked = static_cast<size_t>(found - entries.begin());
+            talk.reply_with(kx_l2_slot_step{*l2.slots, table->first, wire_entry(*found, l2.now)});
             return;
         }
     }
-    talk.reply_with(kx_l2_slot_step{l2.slots, 0, {}});
+    talk.reply_with(kx_l2_slot_step{*l2.slots, 0, {}});
 }
 
 void answer_totals(host &state, exchange &talk) {
-    talk.reply_with(state.l2.totals);
+    talk.tell(state.l2.totals);
 }
 
 void answer_aging(host &state, exchange &talk) {
-    talk.reply_with(state.l2.aging);
+    talk.tell(state.l2.aging);
 }
 
 void answer_get_mac(host &state, exchange &talk) {
@@ -170,9 +198,18 @@ void answer_get_mac(host &state, exchange &talk) {
     if (table == nullptr) {
         return;
     }
+    if (!table->announced) {
+        talk.fail();
+        return;
+    }
     kx_get_mac_info info{};
-    info.count = static_cast<uint32_t>(table->announced.size());
-    std::copy(table->announced.begin(), table->announced.end(), info.entries);
+    for (const announced_mac &announced : *table->announced) {
+        kx_get_mac_entry &entry = info.entries[info.count++];
+        entry.bd_index = talk.request.arg;
+        std::copy(announced.mac.begin(), announced.mac.end(), entry.mac);
+        entry.sent = announced.sent;
+        entry.last_sent = announced.last_sent;
+    }
     talk.reply_with(info);
 }
 

@@ -1,9 +1,11 @@
 #include "sim/lacp/lacp_state.h"
 
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
+#include <set>
 
 namespace {
 
@@ -81,30 +83,22 @@ void parse_lacp(object_reader &file, host &into) {
     });
 }
 
-template <typename T> void reply_or_fail(exchange &talk, const std::optional<T> &value) {
-    if (value) {
-        talk.reply_with(*value);
-    } else {
-        talk.fail();
-    }
-}
-
 // Answers with a member of the uplink that the argument names; fails where it has none.
 template <auto member> void answer_uplink(host &state, exchange &talk) {
     const auto found = state.lacp.uplinks.find(talk.request.arg);
     if (found == state.lacp.uplinks.end()) {
         talk.fail();
     } else {
-        reply_or_fail(talk, std::optional(found->second.*member));
+        talk.tell(found->second.*member);
     }
 }
 
 void answer_offload(host &state, exchange &talk) {
-    talk.reply_with(state.lacp.offload);
+    talk.tell(state.lacp.offload);
 }
 
 void answer_carriers(host &state, exchange &talk) {
-    reply_or_fail(talk, state.lacp.carriers);
+    talk.tell(state.lacp.carriers);
 }
 
 constexpr answer record(kxdpa_opcode opcode, uint32_t size, void (*reply)(host &, exchange &)) {

@@ -2,14 +2,9 @@
 
 #include "handlers/port/bridge_domain_record.h"
 #include "infra/utils/kxlibbmp.h"
-#include "sim/host.h"
 #include "sim/object_reader.h"
 
 namespace {
-
-constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside the view
-constexpr uint32_t NO_SUB_GROUP = 0xFFFFFFFF;
-constexpr uint8_t NO_ERROR_EVENT = 255;
 
 void parse_states(object_reader &keys, kx_port_record &record) {
     keys.choice("admin", record.admin_state, {{"up", KX_PORT_UP}, {"down", 0}});
@@ -22,7 +17,7 @@ void parse_states(object_reader &keys, kx_port_record &record) {
                  {"vpc", 9},          {"stp", 10},        {"vic", 12},
                  {"dcbx", 13},        {"rate-limit", 14}, {"ip-address", 19},
                  {"qos", 22},         {"software", 23},   {"power", 24},
-                 {"hmx-config", 253}, {"hmx", 254},       {"none", NO_ERROR_EVENT}});
+                 {"hmx-config", 253}, {"hmx", 254},       {"none", NO_ERRDIS_EVENT}});
     keys.choice("leaf_block", record.leaf_block_reason,
                 {{"bpdu", KX_LEAF_BLOCK_BPDU}, {"zero-mac", KX_LEAF_BLOCK_ZERO_MAC}});
     keys.choice("leaf_wait", record.leaf_wait_state,
@@ -54,7 +49,7 @@ void parse_record(object_reader &keys, kx_port_record &record) {
 void parse_view(object_reader &keys, port_view &view) {
     keys.flag("known", view.known);
     parse_record(keys, view.record);
-    keys.numbers("vlans", view.vlans, 0, KX_LAST_VLAN);
+    keys.numbers("vlans", *view.vlans, 0, KX_LAST_VLAN);
     keys.numbers("forwards_on", view.forwards_on, 0, KX_LAST_VLAN);
 }
 
@@ -62,9 +57,6 @@ void parse_view(object_reader &keys, port_view &view) {
 port parse_port(object_reader &keys) {
     port parsed;
     port_view &own = parsed.views[KX_VIEW_HMX];
-    own.record.sub_group_a = NO_SUB_GROUP;
-    own.record.sub_group_b = NO_SUB_GROUP;
-    own.record.errdis_event = NO_ERROR_EVENT;
     parse_view(keys, own);
     parsed.views[KX_VIEW_KRT] = own;
     parsed.views[KX_VIEW_SYSTEM] = own;
@@ -75,7 +67,7 @@ port parse_port(object_reader &keys) {
         keys.mac("mac", parsed.mac.emplace());
     }
     keys.flag("secure", parsed.secure);
-    keys.number("secure_learning", parsed.security.learning);
+    keys.number("secure_learning", parsed.security->learning);
     return parsed;
 }
 
@@ -112,10 +104,10 @@ void answer_record(host &state, exchange &talk) {
 
 void answer_mac(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr || !found->mac) {
+    if (found == nullptr) {
         talk.fail();
     } else {
-        talk.reply_with(*found->mac);
+        talk.tell(found->mac);
     }
 }
 
@@ -124,7 +116,7 @@ void answer_security(host &state, exchange &talk) {
     if (found == nullptr) {
         talk.fail();
     } else {
-        talk.reply_with(found->security);
+        talk.tell(found->security);
     }
 }
 
@@ -150,13 +142,13 @@ void answer_forwarding(host &state, exchange &talk) {
 
 void answer_vlan_set(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
-    if (view == nullptr) {
+    if (view == nullptr || !view->vlans) {
         talk.fail();
         return;
     }
     bmp4096 set{};
     set.size = sizeof set.bits;
-    for (const uint32_t vlan : view->vlans) {
+    for (const uint32_t vlan : *view->vlans) {
         set.bits[vlan / 8] = static_cast<uint8_t>(set.bits[vlan / 8] | 0x80U >> vlan % 8);
     }
     talk.reply_with(set);

@@ -1,8 +1,8 @@
 #include "sim/port/private_vlans.h"
 
 #include "handlers/port/bridge_domain_record.h"
-#include "sim/host.h"
 #include "sim/object_reader.h"
+#include "sim/port/ports.h"
 
 namespace {
 

@@ -3,7 +3,8 @@
 #include "handlers/bvl/bvl_record.h"
 #include "handlers/card/port_mode_record.h"
 #include "handlers/iscsi/iscsi_record.h"
-#include "sim/host.h"
+#include "handlers/port/bridge_domain_record.h"
+#include "sim/port/ports.h"
 
 namespace {
 
@@ -15,13 +16,15 @@ void set_port_mode(port_view &view, const kx_port_mode_request &request) {
     const bool trunk = request.mode == KX_PORT_TRUNK;
     view.record.vlan_mode = trunk ? KX_VLAN_MODE : 0;
     if (!trunk) {
-        view.vlans.clear();
+        view.vlans.emplace();
         view.forwards_on.clear();
     }
     if (request.native_vlan == KX_NO_NATIVE_VLAN) {
         return;
     }
-    view.vlans.insert(request.native_vlan);
+    if (view.vlans) {
+        view.vlans->insert(request.native_vlan);
+    }
     if (view.record.forwarding != 0) {
         view.forwards_on.insert(request.native_vlan);
     }

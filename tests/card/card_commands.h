@@ -3,6 +3,7 @@
 #define TESTS_CARD_CARD_COMMANDS_H
 
 #include "frontend/hmx_cmd.h"
+#include "host/host_file.h"
 #include "sim/interpose.h"
 #include "tests/infra/printed_by.h"
 #include "tests/text.h"

@@ -171,7 +171,7 @@ TEST_F(ShowCard, AsksTheControlVlanWithTheIndexAndItsClass) {
 
 TEST_F(ShowCard, ReadsValuesItsOwnWay) {
     const struct {
-        uint32_t card_state::*member;
+        std::optional<uint32_t> card_state::*member;
         uint32_t value;
         const char *line;
     } cases[] = {

@@ -1,5 +1,6 @@
 #include "dpa/command/management_ip.h"
 #include "dpa/userspace/kxdpa_indirect.h"
+#include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
 #include "tests/infra/printed_by.h"

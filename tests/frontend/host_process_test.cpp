@@ -3,6 +3,8 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/kxcmd.h"
+#include "host/host_file.h"
+#include "sim/builtin_host.h"
 #include "sim/interpose.h"
 
 #include <algorithm>
@@ -207,9 +209,9 @@ std::string expected_cut(const std::string &text, bool in_entry) {
 }
 
 TEST_F(HostProcess, CutsATableThatIsLargerThanTheBuffer) {
-    driver.state.acls.acls.assign(KX_ACL_LIMIT, kx_acl_record{});
+    driver.state.acls.acls->assign(KX_ACL_LIMIT, access_list{});
     for (uint32_t i = 0; i < KX_ACL_LIMIT; ++i) {
-        kx_acl_record &acl = driver.state.acls.acls[i];
+        access_list &acl = driver.state.acls.acls->at(i);
         acl.id = i;
         memset(acl.name, 'x', sizeof acl.name);
     }

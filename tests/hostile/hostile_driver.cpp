@@ -1,6 +1,8 @@
 #include "tests/hostile/hostile_driver.h"
 
 #include "dpa/userspace/kxdpa_request.h"
+#include "host/host_file.h"
+#include "sim/builtin_host.h"
 #include "sim/model.h"
 
 #include <algorithm>

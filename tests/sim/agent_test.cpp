@@ -1,6 +1,6 @@
 #include "dpa/command/kxtarncmd_indirect.h"
+#include "host/host_file.h"
 #include "sim/agent/agent_process.h"
-#include "sim/host.h"
 
 #include <array>
 #include <chrono>

@@ -1,6 +1,7 @@
 // Host files: what is wrong with one, and on which line.
-#include "sim/hex.h"
-#include "sim/host.h"
+#include "host/hex.h"
+#include "host/host_file.h"
+#include "sim/builtin_host.h"
 
 #include <cstring>
 #include <string>

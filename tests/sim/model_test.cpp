@@ -3,6 +3,8 @@
 #include "sim/model.h"
 
 #include "dpa/userspace/kxdpa_opcodes.h"
+#include "host/host_file.h"
+#include "sim/exchange.h"
 
 #include <array>
 #include <cerrno>

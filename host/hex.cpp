@@ -1,4 +1,4 @@
-#include "sim/hex.h"
+#include "host/hex.h"
 
 #include <charconv>
 #include <cstddef>

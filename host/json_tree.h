@@ -1,7 +1,7 @@
 // A JSON text as a tree whose values know their line, so that a complaint about a host file can say
 // where it is wrong.
-#ifndef SIM_JSON_TREE_H
-#define SIM_JSON_TREE_H
+#ifndef HOST_JSON_TREE_H
+#define HOST_JSON_TREE_H
 
 #include <cstdint>
 #include <string>

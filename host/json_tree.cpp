@@ -1,4 +1,4 @@
-#include "sim/json_tree.h"
+#include "host/json_tree.h"
 
 #include <cstddef>
 #include <iterator>

@@ -1,7 +1,7 @@
 // Bytes as the trace and the host file write them: two hexadecimal digits a byte, a run of eight or
 // more equal bytes as the byte, "*" and the count, runs set off by commas: "00020000,00*512".
-#ifndef SIM_HEX_H
-#define SIM_HEX_H
+#ifndef HOST_HEX_H
+#define HOST_HEX_H
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,8 @@
-#include "sim/host.h"
+#include "host/host_file.h"
 
 #include "sim/answer.h"
 #include "sim/object_reader.h"
+#include "sim/overrides.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,0 +1,48 @@
+// The host's ports, by LTL, as each of the three views reports them.
+#ifndef HOST_PORT_H
+#define HOST_PORT_H
+
+#include "handlers/port/port_record.h"
+#include "handlers/port/port_security_record.h"
+#include "host/address.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+
+constexpr uint32_t PORT_VIEWS = 3; // kx_port_view
+
+constexpr uint32_t LAST_LTL = 0xFFFFFF; // what fits beside a view
+
+constexpr uint32_t NO_SUB_GROUP = 0xFFFFFFFF; // any number above KX_SUB_GROUP_LAST stands for none
+constexpr uint8_t NO_ERRDIS_EVENT = 255;
+
+constexpr kx_port_record port_record_defaults() {
+    kx_port_record record{};
+    record.sub_group_a = NO_SUB_GROUP;
+    record.sub_group_b = NO_SUB_GROUP;
+    record.errdis_event = NO_ERRDIS_EVENT;
+    return record;
+}
+
+struct port_view {
+    bool known = true;                                      // the view has a record of the port
+    kx_port_record record = port_record_defaults();         // as the views read it
+    std::optional<std::set<uint32_t>> vlans{std::in_place}; // configured on the port
+    std::set<uint32_t> forwards_on;                         // VLANs
+};
+
+struct port {
+    std::array<port_view, PORT_VIEWS> views;
+    std::optional<mac_address> mac;
+    std::optional<kx_port_security_record> security{kx_port_security_record{}};
+    bool secure = false; // it has a secure-port state
+};
+
+struct port_table {
+    std::map<uint32_t, port> by_ltl;
+};
+
+#endif
