@@ -23,14 +23,19 @@ uint32_t check_version() {
                                  &unused_capacity);
 }
 
-// Join the words with single blanks into cmdbuffer, cut at its end.
-void join_arguments(int count, char *const words[]) {
+// Join the words with single blanks into cmdbuffer. False when they do not fit: what is left of a
+// cut line could be another command, one that clears more than was asked for.
+bool join_arguments(int count, char *const words[]) {
     size_t length = 0;
-    for (int i = 0; i < count && length < sizeof cmdbuffer; ++i) {
-        const int written = snprintf(cmdbuffer + length, sizeof cmdbuffer - length, "%s%s",
-                                     i == 0 ? "" : " ", words[i]);
-        length += static_cast<size_t>(written < 0 ? 0 : written);
+    for (int i = 0; i < count; ++i) {
+        const size_t room = sizeof cmdbuffer - length;
+        const int written = snprintf(cmdbuffer + length, room, "%s%s", i == 0 ? "" : " ", words[i]);
+        if (written < 0 || static_cast<size_t>(written) >= room) {
+            return false;
+        }
+        length += static_cast<size_t>(written);
     }
+    return true;
 }
 
 void print_help() {
@@ -48,6 +53,15 @@ void print_help() {
 } // namespace
 
 int main(int argc, char *argv[]) {
+    const bool help = argc <= 1 || (argc == 2 && strcmp(argv[1], "help") == 0);
+    if (!help && !join_arguments(argc - 1, argv + 1)) {
+        fprintf(
+            stderr,
+            "tarncmd: the command line is longer than %zu characters and nothing of it was run: "
+            "give fewer commands at once\n",
+            sizeof cmdbuffer - 1);
+        return -1;
+    }
     if (kx_dpa_api_init() != 0) {
         puts("Error initializing kx_dpa_api_init()");
         return -1;
@@ -62,10 +76,9 @@ int main(int argc, char *argv[]) {
         kx_print("Failed to get card domain - returned error %d\n", static_cast<int>(status));
     }
     hmx_cmd_init();
-    if (argc <= 1 || (argc == 2 && strcmp(argv[1], "help") == 0)) {
+    if (help) {
         print_help();
     } else {
-        join_arguments(argc - 1, argv + 1);
         hmx_cmd_run(cmdbuffer, static_cast<int>(strlen(cmdbuffer)), 0);
     }
     hmx_cmd_exit();

@@ -26,9 +26,10 @@ void check_form(form name, size_t size, uint32_t if_index) {
 }
 
 void check_range(range_form name, size_t size, const if_index_range &range) {
-    const auto exact = std::make_unique<char[]>(size);
+    const size_t storage = if_index_range_storage(size);
+    const auto exact = std::make_unique<char[]>(storage);
     fuzz_require(name(exact.get(), size, &range) >= 0, "length of a range");
-    fuzz_require(size == 0 || memchr(exact.get(), 0, size) != nullptr, "a range's name ends");
+    fuzz_require(size == 0 || memchr(exact.get(), 0, storage) != nullptr, "a range's name ends");
 }
 
 } // namespace

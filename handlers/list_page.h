@@ -4,15 +4,9 @@
 
 #include <cstdint>
 
-enum kx_list_page_start : uint8_t {
-    KX_PAGE_FIRST,     // no word: the list from its start
-    KX_PAGE_KEY,       // one word: this entry alone, and no list
-    KX_PAGE_CONTINUED, // two words: the entry behind the cookie
-};
-
 struct kx_list_page {
-    kx_list_page_start start;
-    uint32_t number; // the key or the cookie, 0 on the first page
+    bool is_key;     // one word: the number is this one entry's key, and there is no list
+    uint32_t number; // otherwise the cookie behind which the page begins, 0 without words
 };
 
 // Read the words of an agent-driven list. Returns 0; -1, with a complaint, when the word "cookie"

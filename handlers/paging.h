@@ -15,7 +15,9 @@ inline bool kx_is_agent_driven() {
     return hmx_rcli_fromdpa != 0;
 }
 
-// The page ends here and the next one goes on after `cookie`. REQUIRES: agent-driven.
+// The page ends here and the next one goes on after `cookie`. REQUIRES: agent-driven. A key of 0
+// cannot be a cookie: behind LTL 0, should a DPA show that internal port, the table reads as
+// complete.
 inline void kx_end_page(uint32_t cookie) {
     hmx_rcli_more_output = cookie;
 }

@@ -295,9 +295,7 @@ int if_index_is_virtual_interface(uint32_t if_index, bool *is_virtual) {
     }
     uint8_t type = 0;
     const int status = if_index_get_type(if_index, &type);
-    if (status == IF_INDEX_OK) {
-        *is_virtual = if_index_is_virtual_type(type);
-    }
+    *is_virtual = status == IF_INDEX_OK && if_index_is_virtual_type(type);
     return status;
 }
 

@@ -302,7 +302,8 @@ bool if_index_is_port_channel_sub_interface(uint32_t if_index);
 // Ethernet or satellite port, or a management port.
 bool if_index_is_physical_interface(uint32_t if_index);
 
-// Store whether the index's type is virtual (if_index_is_virtual_type).
+// Store whether the index's type is virtual (if_index_is_virtual_type); false for an index without
+// a valid type.
 int if_index_is_virtual_interface(uint32_t if_index, bool *is_virtual);
 
 // Whether the VLAN id can carry an interface: 1 to 4094.

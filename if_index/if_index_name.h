@@ -1,8 +1,9 @@
 // Interface names: the text under which an interface index is displayed.
 //
-// Every function writes into the caller's buffer, never beyond `size` bytes, always with a NUL
-// (when size is not 0), and returns the length that the whole name needs, as snprintf does; it may
-// exceed `size`. An index without a valid type yields the empty string and 0.
+// Every function writes into the caller's buffer, never beyond `size` bytes (the range forms:
+// beyond if_index_range_storage(size)), always with a NUL (when size is not 0), and returns the
+// length that the whole name needs, as snprintf does; it may exceed `size`. An index without a
+// valid type yields the empty string and 0.
 #ifndef IF_INDEX_IF_INDEX_NAME_H
 #define IF_INDEX_IF_INDEX_NAME_H
 
@@ -43,10 +44,18 @@ int sprintf_if_index(char *buffer, uint32_t if_index);
 int snprintf_if_index_internal(char *buffer, size_t size, uint32_t if_index);
 int sprintf_if_index_internal(char *buffer, uint32_t if_index);
 
+// Bytes that a buffer for a range's name must have: `size` bounds the first name and then, from
+// where that ends, the end of the range once more.
+constexpr size_t if_index_range_storage(size_t size) {
+    return size == 0 ? 0 : 2 * size - 1;
+}
+
 // The name of a range, as the first index's short or long name and the last number of the second
-// (Eth3/1-4); of two equal indexes, their name. Returns 0 with the buffer as it was when the two
-// are not of one valid type, 0 with an empty buffer when the first name does not fit. Types that
-// have no range form leave the first name and return twice its length, deliberately.
+// (Eth3/1-4); of two equal indexes, their name. Returns the length of the whole name. Returns 0
+// with the buffer as it was when the two are not of one valid type, 0 with an empty buffer when the
+// first name does not fit into `size`, 0 with the first name alone when the end does not. Types
+// that have no range form leave the first name and return twice its length, deliberately.
+// REQUIRES: a buffer of if_index_range_storage(size) bytes.
 int snprintf_if_index_range_short(char *buffer, size_t size, const if_index_range *range);
 int snprintf_if_index_range(char *buffer, size_t size, const if_index_range *range);
 

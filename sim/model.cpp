@@ -143,7 +143,7 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
     return true;
 }
 
-// Where a reply goes, and what the caller has room for.
+// Where a reply goes, and what the caller has room for: a capacity comes on top of the length.
 struct destination {
     uint32_t address;
     uint32_t room;
@@ -153,10 +153,11 @@ struct destination {
 destination reply_destination(kxdpa_request &record) {
     const bool variable = has(record, KXDPA_FLAG_MAX);
     if (has(record, KXDPA_FLAG_TWO)) {
-        return {record.buf2, variable ? record.max2 : record.len2,
+        return {record.buf2, record.len2 + (variable ? record.max2 : 0),
                 variable ? &record.max2 : nullptr};
     }
-    return {record.buf1, variable ? record.max1 : record.len1, variable ? &record.max1 : nullptr};
+    return {record.buf1, record.len1 + (variable ? record.max1 : 0),
+            variable ? &record.max1 : nullptr};
 }
 
 // Never writes past the room that the opcode's callers give, whatever an override says.

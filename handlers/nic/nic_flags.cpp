@@ -3,6 +3,7 @@
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/settings.h"
+#include "infra/utils/kxstrings.h"
 
 #include <cstring>
 
@@ -12,8 +13,20 @@ namespace {
 // record; the name and its NUL fit in.
 constexpr uint32_t NIC_NAME_CAPACITY = 64;
 
+// "vmnic" and its number. The row "set iscsi nic" also gets every unknown set command, and a typing
+// error must not become a setting.
+bool is_nic_name(const char *word) {
+    constexpr const char *PREFIX = "vmnic";
+    if (!kx_begins_with(word, PREFIX)) {
+        return false;
+    }
+    const char *const number = word + strlen(PREFIX);
+    const size_t digits = strspn(number, "0123456789");
+    return digits != 0 && number[digits] == '\0' && strlen(word) < NIC_NAME_CAPACITY;
+}
+
 bool read_nic(kx_setting_words *setting, const char *arg) {
-    return kx_split_setting(setting, arg, 1) && strlen(setting->words[0]) < NIC_NAME_CAPACITY;
+    return kx_split_setting(setting, arg, 1) && is_nic_name(setting->words[0]);
 }
 
 uint32_t send_nic(kxdpa_opcode opcode, const char *nic) {

@@ -128,7 +128,7 @@ int kx_bd_fromdpa_table_dump(const char *arg) {
     if (kx_read_list_page(arg, &page) != 0) {
         return -1;
     }
-    if (page.start == KX_PAGE_KEY) {
+    if (page.is_key) {
         kx_end_table();
         return print_given_bd(page.number);
     }

@@ -136,7 +136,7 @@ int dump_page(uint32_t index) {
     if (!kx_check_bd_index(index)) {
         return 0;
     }
-    for (int dumped = 0; kx_next_listed_bd(&index);) {
+    for (int dumped = 0; kx_next_bd(&index);) {
         dump_bd(index);
         if (++dumped == BDS_OF_A_PAGE) {
             kx_end_page(index);
@@ -218,7 +218,7 @@ int kx_l2_table_dump_all(const char *arg) {
     if (kx_is_agent_driven()) {
         return dump_page(kx_parse_number(arg));
     }
-    for (uint32_t index = 0; kx_next_listed_bd(&index);) {
+    for (uint32_t index = 0; kx_next_bd(&index);) {
         dump_bd(index);
     }
     return 0;

@@ -75,6 +75,9 @@ struct kx_l2_slot_step {
 
 static_assert(sizeof(kx_l2_slot_step) == 52);
 
+// The most slots that are walked, whatever the driver claims; as much an assumption.
+constexpr uint32_t KX_L2_SLOTS_LIMIT = 4096;
+
 // One record of the get-mac table. The driver's layout is not known: the fields are the columns
 // that the view prints, their order is an assumption of this tool.
 struct kx_get_mac_entry {

@@ -5,6 +5,8 @@
 #include "handlers/port/l2.h"
 #include "handlers/port/shared/bridge_domain.h"
 
+#include <algorithm>
+
 namespace {
 
 // The bridge domain that the entries at hand belong to.
@@ -84,8 +86,8 @@ int kx_l2_table_dump_slotwise(const char * /*arg*/) {
     if (!next_in_slot(0, &step)) {
         return 0;
     }
-    const uint32_t slot_count = step.slot_count;
-    kx_print("Slot count:%d\n", slot_count);
+    const uint32_t slot_count = std::min(step.slot_count, KX_L2_SLOTS_LIMIT);
+    kx_print("Slot count:%d\n", step.slot_count);
     for (uint32_t slot = 0; slot < slot_count; ++slot) {
         step = {};
         if (!next_in_slot(slot, &step) || !print_slot(slot, &step)) {

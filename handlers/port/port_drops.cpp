@@ -193,7 +193,8 @@ int print_drops_of_ltl(const char *arg, uint32_t first_stage, uint32_t end_stage
     return 0;
 }
 
-constexpr uint32_t UNTIL_THE_DPA_HAS_NO_MORE = UINT32_MAX;
+// A stage's number has 8 bits; a driver that always has one more is not followed beyond them.
+constexpr uint32_t STAGES_LIMIT = 256;
 
 } // namespace
 
@@ -232,5 +233,5 @@ int kx_port_drops_out_table_ltl_dump(const char *arg) {
 }
 
 int kx_port_drops_table_ltl_dump(const char *arg) {
-    return print_drops_of_ltl(arg, 0, UNTIL_THE_DPA_HAS_NO_MORE);
+    return print_drops_of_ltl(arg, 0, STAGES_LIMIT);
 }

@@ -13,13 +13,6 @@ bool next_vlan(uint32_t *vlan) {
     return kx_dpa_get(KXDPA_OP_NEXT_VLAN, *vlan, vlan) == KXDPA_STATUS_SUCCESS && *vlan != 0;
 }
 
-void print_vlan_count() {
-    int32_t count = 0;
-    if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
-        kx_print("Number of valid VLANs: %d\n", count);
-    }
-}
-
 int print_given_vlan(uint32_t vlan) {
     if (kx_check_vlan(vlan)) {
         kx_bd_vlan_dump(vlan, KX_BD_BY_VLAN);
@@ -36,7 +29,10 @@ int kx_vlan_list_dump(const char *arg) {
     if (arg != nullptr) {
         return print_given_vlan(kx_parse_number(arg));
     }
-    print_vlan_count();
+    int32_t count = 0;
+    if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
+        kx_print("Number of valid VLANs: %d\n", count);
+    }
     for (uint32_t vlan = 0; next_vlan(&vlan);) {
         kx_bd_vlan_dump(vlan, KX_BD_BY_VLAN);
     }
@@ -48,16 +44,13 @@ int kx_vlan_fromdpa_list_dump(const char *arg) {
     if (kx_read_list_page(arg, &page) != 0) {
         return -1;
     }
-    if (page.start == KX_PAGE_KEY) {
+    if (page.is_key) {
         kx_end_table();
         return print_given_vlan(page.number);
     }
     uint32_t vlan = page.number;
     if (!kx_check_vlan(vlan)) {
         return 0;
-    }
-    if (page.start == KX_PAGE_FIRST) {
-        print_vlan_count();
     }
     if (!next_vlan(&vlan)) {
         kx_end_table();

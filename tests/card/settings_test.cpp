@@ -156,7 +156,17 @@ TEST_F(Settings, Features) {
          ""},
         {"set iscsi nic", "", usage(nic)},
         {"set iscsi nic vmnic1 vmnic2", "", usage(nic)},
-        {"set iscsi nic " + std::string(64, 'n'), "", usage(nic)},
+        {"set iscsi nic vmnic" + std::string(58, '1'),
+         "op 490 arg 0x0 flags 6 max 64 in 766d6e6963,31*58 -> 0 max 64", ""},
+        {"set iscsi nic vmnic" + std::string(59, '1'), "", usage(nic)},
+        {"set portmode", "", usage(nic)}, // the row gets what no other matches
+        {"set iscsi nic vmnic", "", usage(nic)},
+        {"set iscsi nic vmnic1a", "", usage(nic)},
+        {"set iscsi nic Vmnic1", "", usage(nic)},
+        {"set iscsi nic 1", "", usage(nic)},
+        {"clear iscsi nic web", "", usage("clear iscsi nic <vmnicN>")},
+        {"set mirra-enic vmnic-1", "", usage("set mirra-enic <vmnicN>")},
+        {"clear mirra-enic vmnic1.", "", usage("clear mirra-enic <vmnicN>")},
         {"clear iscsi nic", "", usage("clear iscsi nic <vmnicN>")},
         {"set mirra-enic", "", usage("set mirra-enic <vmnicN>")},
         {"clear mirra-enic", "", usage("clear mirra-enic <vmnicN>")},
@@ -200,10 +210,11 @@ TEST_F(Settings, Features) {
 
 TEST_F(Settings, ARefusedFeatureTellsItsStatus) {
     for (const char *command :
-         {"set iscsi nic v", "clear iscsi nic v", "set mirra-enic v", "clear mirra-enic v",
-          "set iscsi pinning 1 2", "set VNS mac-move-timer 1", "set ids enable",
-          "set qos statistics enable", "set qos all-dispatch enable", "set bvl sgt 1 ltl 20",
-          "set bvl trust 1 ltl 20", "set bvl role-based sgt 1 dgt 2 access-list a"}) {
+         {"set iscsi nic vmnic1", "clear iscsi nic vmnic1", "set mirra-enic vmnic1",
+          "clear mirra-enic vmnic1", "set iscsi pinning 1 2", "set VNS mac-move-timer 1",
+          "set ids enable", "set qos statistics enable", "set qos all-dispatch enable",
+          "set bvl sgt 1 ltl 20", "set bvl trust 1 ltl 20",
+          "set bvl role-based sgt 1 dgt 2 access-list a"}) {
         driver.state.overrides.clear();
         run(command);
         override_rule rule;

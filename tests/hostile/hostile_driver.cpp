@@ -40,7 +40,7 @@ room find_room(kxdpa_request *record) {
     const uint32_t address = two ? record->buf2 : record->buf1;
     uint32_t *capacity = two ? &record->max2 : &record->max1;
     const uint32_t length = two ? record->len2 : record->len1;
-    return {reinterpret_cast<uint8_t *>(address), variable ? *capacity : length,
+    return {reinterpret_cast<uint8_t *>(address), length + (variable ? *capacity : 0),
             variable ? capacity : nullptr};
 }
 

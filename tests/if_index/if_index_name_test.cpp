@@ -222,21 +222,27 @@ TEST(if_index_name, a_range_that_does_not_fit) {
         const char *text;
         int length;
     } rows[] = {
-        {{0x09000064, 0x090000C8}, 12, "Vlan100-200", 11},
-        {{0x09000064, 0x090000C8}, 11, "Vlan100-20", 11}, // cut off, as the length tells
-        {{0x09000064, 0x090000C8}, 8, "Vlan100", 11},
-        {{0x09000064, 0x090000C8}, 7, "", 0},     // not even the first name
+        {{0x1A000000, 0x1A003000}, 7, "Eth1/1-4", 8}, // the end may go beyond the size
+        {{0x1A000000, 0x1A003000}, 6, "", 0},         // not even the first name
+        {{0x09000064, 0x090000C8}, 8, "Vlan100-200", 11},
         {{0x1D000007, 0x1D0FFFFE}, 8, "vif7", 0}, // "-1048575" alone is too long
-        {{0x1D000007, 0x1D0FFFFE}, 9, "vif7-104", 12},
+        {{0x1D000007, 0x1D0FFFFE}, 9, "vif7-1048575", 12},
+        {{0x01000001, 0x01000004}, 10, "fc1/1.1fc1/1.1-4", 16},
+        {{0x01000001, 0x01000004}, 9, "fc1/1.1", 0},
     };
     for (const auto &row : rows) {
-        const std::unique_ptr<char[]> buffer(new char[row.size]);
+        const std::unique_ptr<char[]> buffer(new char[if_index_range_storage(row.size)]);
         EXPECT_EQ(snprintf_if_index_range_short(buffer.get(), row.size, &row.range), row.length);
         EXPECT_STREQ(buffer.get(), row.text) << row.size;
     }
+    const if_index_range range = {0x1A000000, 0x1A003000};
+    char exact[if_index_range_storage(12)];
+    EXPECT_EQ(snprintf_if_index_range(exact, 12, &range), 13);
+    EXPECT_STREQ(exact, "Ethernet1/1-4");
 }
 
-// Whatever the index and the buffer: the start of the whole name, and not a byte beyond.
+// Whatever the index and the buffer: the start of the whole name, and not a byte beyond what the
+// header asks for.
 TEST(if_index_name, small_buffers) {
     std::mt19937 random(20260);
     for (int i = 0; i < 20000; i++) {
@@ -245,6 +251,8 @@ TEST(if_index_name, small_buffers) {
         const if_index_range range = {if_index, type << 24 | (random() & 0xFFFFFF)};
         const size_t size = random() % 20;
         const std::unique_ptr<char[]> buffer(new char[size]);
+        const size_t storage = if_index_range_storage(size);
+        const std::unique_ptr<char[]> range_buffer(new char[storage]);
         for (name_printer *print :
              {snprintf_if_index_short, snprintf_if_index, snprintf_if_index_internal}) {
             char whole[64];
@@ -257,11 +265,11 @@ TEST(if_index_name, small_buffers) {
         }
         for (auto *print : {snprintf_if_index_range_short, snprintf_if_index_range}) {
             if (size > 0) {
-                buffer[0] = '\0';
+                range_buffer[0] = '\0';
             }
-            EXPECT_GE(print(buffer.get(), size, &range), 0);
+            EXPECT_GE(print(range_buffer.get(), size, &range), 0);
             if (size > 0) {
-                EXPECT_LT(strnlen(buffer.get(), size), size);
+                EXPECT_LT(strnlen(range_buffer.get(), storage), storage);
             }
         }
     }

@@ -269,7 +269,7 @@ TEST(if_index, generic_accessors_and_predicates) {
         EXPECT_EQ(if_index_is_tunnel_intf(if_index), type == 24);
         EXPECT_EQ(if_index_is_overlay_intf(if_index), type == 34);
         EXPECT_EQ(if_index_is_satellite_interface(if_index), type == 31);
-        bool is_virtual = false;
+        bool is_virtual = true;
         const bool valid = type >= 1 && type <= 74 && type != 3;
         EXPECT_EQ(if_index_is_virtual_interface(if_index, &is_virtual), valid ? 0 : 11);
         EXPECT_EQ(is_virtual, type == 16 || type == 19);

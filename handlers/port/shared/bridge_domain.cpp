@@ -38,13 +38,6 @@ void print_bd_port(uint32_t ltl, const uint32_t *dr_ltl) {
     }
 }
 
-void print_bd_count() {
-    int32_t count = 0;
-    if (kx_dpa_get(KXDPA_OP_BD_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
-        kx_print("Number of valid BDS: %d\n", count);
-    }
-}
-
 } // namespace
 
 bool kx_check_vlan(uint32_t vlan) {
@@ -64,11 +57,7 @@ bool kx_check_bd_index(uint32_t index) {
 }
 
 bool kx_next_bd(uint32_t *index) {
-    return kx_dpa_get(KXDPA_OP_NEXT_BD, *index, index) == KXDPA_STATUS_SUCCESS;
-}
-
-bool kx_next_listed_bd(uint32_t *index) {
-    return kx_next_bd(index) && *index != 0;
+    return kx_dpa_get(KXDPA_OP_NEXT_BD, *index, index) == KXDPA_STATUS_SUCCESS && *index != 0;
 }
 
 bool kx_get_bd(uint32_t index, kx_bd_record *record) {
@@ -115,6 +104,7 @@ int kx_find_named_bd(const char *arg, kx_named_bd *bd) {
     }
     strncpy_until_space(bd->name, sizeof bd->name, arg);
     kx_bd_record asked{};
+    // A name that fills the field has no NUL there.
     memcpy(asked.name, bd->name, strlen(bd->name));
     bd->index = find_bd(KXDPA_OP_BD_BY_NAME, &asked);
     if (bd->index == 0) {
@@ -143,8 +133,11 @@ void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl) {
 }
 
 void kx_print_bd_list(kx_print_listed_bd *print) {
-    print_bd_count();
-    for (uint32_t index = 0; kx_next_listed_bd(&index);) {
+    int32_t count = 0;
+    if (kx_dpa_get(KXDPA_OP_BD_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
+        kx_print("Number of valid BDS: %d\n", count);
+    }
+    for (uint32_t index = 0; kx_next_bd(&index);) {
         print(index);
     }
 }
@@ -153,10 +146,7 @@ int kx_print_bd_page(const kx_list_page &page, kx_print_listed_bd *print) {
     if (!kx_check_bd_index(page.number)) {
         return 0;
     }
-    if (page.start == KX_PAGE_FIRST) {
-        print_bd_count();
-    }
-    for (uint32_t index = page.number; kx_next_listed_bd(&index);) {
+    for (uint32_t index = page.number; kx_next_bd(&index);) {
         if (print(index)) {
             kx_end_page(index);
             return 0;

@@ -19,12 +19,9 @@ bool kx_check_vlan(uint32_t vlan);
 // False, with a complaint, for a bridge-domain index of 9300 or more.
 bool kx_check_bd_index(uint32_t index);
 
-// Step `index` to the next bridge domain of the DPA; start from 0. False when the request fails,
-// which ends the walk.
+// Step `index` to the next bridge domain of the DPA; start from 0. False when the request fails or
+// answers with index 0, which both end the walk.
 bool kx_next_bd(uint32_t *index);
-
-// The same step for the lists, whose walk also ends at index 0.
-bool kx_next_listed_bd(uint32_t *index);
 
 // Ask for a bridge domain's record, cleared before. False when the request fails.
 bool kx_get_bd(uint32_t index, kx_bd_record *record);
@@ -45,8 +42,8 @@ uint32_t kx_find_bd_by_segment(uint32_t segment);
 uint32_t kx_find_bd_by_swbd(uint32_t swbd);
 
 struct kx_named_bd {
-    char name[sizeof(kx_bd_record::name)]; // as it was asked for, cut to fit with its NUL
-    uint32_t index;                        // 0 for none of this name
+    char name[sizeof(kx_bd_record::name) + 1]; // as it was asked for, cut to the record's field
+    uint32_t index;                            // 0 for none of this name
 };
 
 // The bridge domain that the argument's first word names. Complains of a missing argument and
@@ -67,7 +64,7 @@ using kx_print_listed_bd = bool(uint32_t index);
 void kx_print_bd_list(kx_print_listed_bd *print);
 
 // Print one page of that list, which holds one bridge domain, and leave the cookie of the next.
-// The first page carries the count. Returns the handler's result.
+// Pages do not carry the count. Returns the handler's result.
 int kx_print_bd_page(const kx_list_page &page, kx_print_listed_bd *print);
 
 #endif

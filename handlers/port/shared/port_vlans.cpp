@@ -8,19 +8,28 @@ namespace {
 // VLANs that the DPA keeps for itself; one more outside L3 tunnel mode.
 constexpr int RESERVED_VLANS = 4;
 
+// Buffer of KXDPA_OP_PORT_VLAN_SET. The whole set is the input and its size the capacity on top, so
+// that the driver may write twice as much as it is read.
+struct port_vlan_buffer {
+    bmp4096 vlans;
+    uint8_t spare[sizeof(bmp4096)];
+};
+
+static_assert(sizeof(port_vlan_buffer) == 2 * sizeof(bmp4096));
+
 } // namespace
 
 int32_t kx_get_port_vlans(uint32_t ltl, kx_port_view view, bmp4096 *vlans) {
-    bmp4096_init(vlans);
-    // The whole record is the input, and its size the capacity of the reply.
-    const uint32_t length = bitset_size(vlans);
-    uint32_t capacity = length;
+    port_vlan_buffer buffer{};
+    bmp4096_init(&buffer.vlans);
+    uint32_t capacity = sizeof buffer.vlans;
     const uint32_t status = kx_dpa_call_indirect1(
         KXDPA_OP_PORT_VLAN_SET, kx_port_argument(view, ltl),
-        KXDPA_FLAG_IN | KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, vlans, length, &capacity);
+        KXDPA_FLAG_IN | KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, &buffer, sizeof buffer.vlans, &capacity);
     if (status != KXDPA_STATUS_SUCCESS) {
-        bmp4096_init(vlans);
+        bmp4096_init(&buffer.vlans);
     }
+    *vlans = buffer.vlans;
     return bmp4096_bitcount(vlans);
 }
 
