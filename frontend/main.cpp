@@ -48,6 +48,7 @@ void print_help() {
 } // namespace
 
 int main(int argc, char *argv[]) {
+    kx_run_from_shell = true;
     if (kx_dpa_api_init() != 0) {
         puts("Error initializing kx_dpa_api_init()");
         return -1;
