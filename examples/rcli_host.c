@@ -7,6 +7,11 @@
  * A command that pages takes its cookie as the two words "cookie N" behind everything else:
  * "show port cookie 20", "show vlan cookie 100", "show lacp hostdata cookie 21", "show l2 all
  * cookie 3". Commands that do not page leave the continuation word at 0 and are one page.
+ *
+ * A page that the buffer cannot hold loses its last rows. Asking for less is no way out: "show l2
+ * all" counts its cookies in bridge domains, so the MAC table of one bridge domain is never parted,
+ * and one of more than some 600 MACs does not fit. Then the exit value is 1, with a line on standard
+ * error.
  */
 #include <hmx_cmd.h>
 
@@ -32,22 +37,29 @@ static int join_words(char command[COMMAND_SIZE], int count, char *const words[]
 }
 
 /* Run the text and print what it left in the buffer. Returns the continuation word. */
-static uint32_t print_page(const char *text) {
+static uint32_t print_page(const char *text, int *rows_lost) {
     hmx_rcli_buffer[0] = '\0';
     hmx_rcli_buffer_ptr = hmx_rcli_buffer;
     hmx_rcli_entry_start_ptr = NULL;
     hmx_rcli_print_len = 0;
     hmx_rcli_more_output = 0;
     hmx_cmd_run(text, (int)strlen(text), 1);
-    printf("%.*s", HMX_RCLI_BUFFER_SIZE, hmx_rcli_buffer);
+    fputs(hmx_rcli_buffer, stdout);
+    if (hmx_rcli_buffer_ptr != hmx_rcli_buffer + strlen(hmx_rcli_buffer)) {
+        *rows_lost = 1;
+    }
     return hmx_rcli_more_output;
 }
 
-/* Print page after page. A cookie that comes back unchanged would ask for the same page again. */
+/*
+ * Print page after page. A cookie that comes back unchanged would ask for the same page again.
+ * Returns 0, or -1 when something is missing.
+ */
 static int print_pages(const char *command) {
     char text[COMMAND_SIZE];
+    int rows_lost = 0;
     uint32_t previous = 0;
-    uint32_t cookie = print_page(command);
+    uint32_t cookie = print_page(command, &rows_lost);
     while (cookie != 0 && cookie != previous) {
         const int length = snprintf(text, sizeof text, "%s cookie %u", command, (unsigned)cookie);
         if (length < 0 || (size_t)length >= sizeof text) {
@@ -55,7 +67,11 @@ static int print_pages(const char *command) {
             return -1;
         }
         previous = cookie;
-        cookie = print_page(text);
+        cookie = print_page(text, &rows_lost);
+    }
+    if (rows_lost) {
+        fputs("rcli_host: rows were lost: a page is larger than the buffer\n", stderr);
+        return -1;
     }
     return 0;
 }

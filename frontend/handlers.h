@@ -48,6 +48,7 @@ int kx_card_dump(const char *arg);
 int kx_show_heaps(const char *arg);
 int kx_show_mempools(const char *arg);
 int kx_show_assert(const char *arg);
+int kx_clear_printk_counts(const char *arg);
 int kestrel_cmd_card_uuid_vmware(const char *arg);
 int kestrel_cmd_card_name(const char *arg);
 int kestrel_cmd_card_ip(const char *arg);
@@ -149,11 +150,14 @@ int kx_dpa_cmd(const char *arg);
     STUB(kx_clear_vleaffs_fwd_counters) STUB(kx_porttable_clear_bpdu_stats) \
     STUB(kx_clear_sched_stats) STUB(kx_clear_ip_lisp_stats) STUB(kx_clear_ip_lisp_mapcache) \
     STUB(kx_dhcps_clear_dai_stats) STUB(kx_clear_qos_dbgstats) STUB(kx_clear_dfwflow_intf_stats) \
-    STUB(kx_set_card_type) STUB(kx_clear_printk_counts) STUB(kx_lldp_clear) STUB(kx_zdp_clear)
+    STUB(kx_set_card_type) STUB(kx_lldp_clear) STUB(kx_zdp_clear)
 // clang-format on
 
 #define DECLARE_STUB_HANDLER(handler) int handler(const char *arg);
 KESTREL_STUB_HANDLERS(DECLARE_STUB_HANDLER)
 #undef DECLARE_STUB_HANDLER
+
+// True for a handler of the list above.
+bool kx_is_stub(int (*handler)(const char *arg));
 
 #endif

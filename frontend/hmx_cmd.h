@@ -15,18 +15,27 @@
  *     hmx_rcli_more_output = 0;
  *     hmx_cmd_run(text, (int)strlen(text), 1);
  *     the page is the NUL-terminated text in hmx_rcli_buffer
+ *     hmx_rcli_buffer_ptr is not where that text ends: the page did not fit, its end is lost
  *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" behind it, N being
  *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does
  *     hmx_cmd_exit(), kx_dpa_api_exit()           once
  *
  * Nothing here resets the sink: what the host leaves in it, the next run finds. All state is one
  * set per process and is not locked: one command runs at a time. Lines about refused and unknown
- * commands, and trace lines, go to standard output, never into the buffer.
+ * commands, and trace lines, go to standard output, never into the buffer; nothing goes to standard
+ * error, which is the host's own.
  *
  * Everything is 32-bit x86 code. This header can be included from C and from C++.
  */
 #ifndef HMX_CMD_H
 #define HMX_CMD_H
+
+#ifndef __i386__
+#error "hmx_cmd.h is for 32-bit x86 programs: compile with -m32"
+#endif
+
+/* The version of this header and its libraries. */
+#define HMX_CMD_VERSION "1.1.0"
 
 #include <stdint.h>
 
@@ -78,8 +87,14 @@ extern char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
 
 /*
  * Next write position; NULL (at start) selects standard output. The host sets it to the buffer's
- * start before each run. Writes that find no room are dropped but move it all the same, so behind a
- * full buffer it does not tell the text's length, and may lie past the buffer's end.
+ * start before each run. Writes that find no room are dropped but move it all the same, by the
+ * length of the write before, and may move it past the buffer's end. So after a run everything fitted
+ * when it stands at the text's end,
+ *
+ *     hmx_rcli_buffer_ptr == hmx_rcli_buffer + strlen(hmx_rcli_buffer)
+ *
+ * and when it stands behind, what came last is lost. A page is made of whole entries, and one entry
+ * alone may be larger than the buffer: the MAC table of one bridge domain, for one.
  */
 extern char *hmx_rcli_buffer_ptr;
 
@@ -114,7 +129,9 @@ extern int32_t hmx_rcli_dpa_loga_log;
 
 /*
  * Debug words, one a module, 0x87 at start. A trace line is printed to standard output when its bit
- * is set: value 16 for ordinary traces, 4 for length and parse complaints, 1 for some failures.
+ * is set: value 16 for ordinary traces, 4 for length and parse complaints, 1 for some failures, and
+ * 8 for what a few settings sent (the card's name and UUID, vmnic flags, the MAC-move timer) and
+ * for MAC addresses that were completed before they were read. 2 and 128 print nothing.
  */
 extern uint32_t kx_debug_print_kxdump;             /* command handlers */
 extern uint32_t kx_debug_print_hmx_cmds;           /* command entry and card settings */
@@ -122,7 +139,7 @@ extern uint32_t kx_debug_print_kxdpa_indirect;     /* kernel request channel */
 extern uint32_t kx_debug_print_kxtarncmd_indirect; /* agent socket channel */
 extern uint32_t kx_debug_print_kxcmd;              /* command matcher */
 extern uint32_t kx_debug_print_kxstrings;          /* text parsing */
-extern uint32_t kx_debug_print_dpa_platform;       /* platform open and close */
+extern uint32_t kx_debug_print_dpa_platform;       /* what the host's shell tells of its address */
 extern uint32_t kx_debug_print_dpa_main;           /* the agent's main loop; no line here */
 
 #pragma GCC visibility pop

@@ -1,6 +1,8 @@
 #include "frontend/kxcmd.h"
 
+#include "frontend/command_rows.h"
 #include "frontend/output_sink.h"
+#include "frontend/run_state.h"
 #include "infra/utils/kxstrings.h"
 
 #include <algorithm>
@@ -188,6 +190,9 @@ int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int /*length
                  handler_address);
         kx_print_stamped("Cmd not permitted from DPA %p\n", handler_address);
         return -1;
+    }
+    if (kx_run_from_shell) {
+        kx_explain_silence(row, command);
     }
     return row.handler(arg);
 }

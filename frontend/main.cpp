@@ -53,6 +53,7 @@ void print_help() {
 } // namespace
 
 int main(int argc, char *argv[]) {
+    kx_run_from_shell = true;
     const bool help = argc <= 1 || (argc == 2 && strcmp(argv[1], "help") == 0);
     if (!help && !join_arguments(argc - 1, argv + 1)) {
         fprintf(

@@ -3,6 +3,7 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kxcmd.h"
 
+bool kx_run_from_shell = false;
 bool kx_run_broken = false;
 
 int kx_give_up() {

@@ -1,6 +1,10 @@
 #ifndef FRONTEND_RUN_STATE_H
 #define FRONTEND_RUN_STATE_H
 
+// True in tarncmd itself, where an operator reads standard error. Only the tool's own main sets it,
+// and not the library, whatever its sink points at: in a host process standard error is the host's.
+extern bool kx_run_from_shell;
+
 // True once a broken invariant has ended the run; the tool then exits with -1. It is never cleared.
 extern bool kx_run_broken;
 

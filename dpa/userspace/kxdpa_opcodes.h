@@ -59,9 +59,10 @@ enum kxdpa_opcode : uint16_t {
     KXDPA_OP_LEAF_MODE = 1033,
     KXDPA_OP_OPFLEX_SDK_VERSION = 1128, // OpFlex SDK version string
 
-    // Memory and asserts
+    // Memory, kernel messages and asserts
     KXDPA_OP_NEXT_HEAP = 298,
     KXDPA_OP_NEXT_MEMORY_POOL = 299,
+    KXDPA_OP_CLEAR_PRINTK_COUNTS = 1035,
     KXDPA_OP_ASSERT_COUNT = 1126,
 
     // Settings

@@ -73,6 +73,7 @@ constexpr answer ANSWERS[] = {
     set(KXDPA_OP_SET_BVL_ENFORCEMENT, 1),
     set(KXDPA_OP_SET_BVL_PROPAGATE, 1),
     set(KXDPA_OP_SET_BVL_POLICY, sizeof(kx_bvl_policy)),
+    {KXDPA_OP_CLEAR_PRINTK_COUNTS, KXDPA_FLAG_NODATA, 0, 0, 0, accept},
 };
 
 } // namespace

@@ -308,6 +308,18 @@ TEST_F(HostProcess, ComplainsAboutAnArgumentWithoutAWord) {
     EXPECT_EQ(requests, 0);
 }
 
+// Whatever the sink points at, standard error belongs to the host process.
+TEST_F(HostProcess, IsNotToldAboutSilentRows) {
+    for (const int agent_driven : {0, 1}) {
+        point_sink_at(nullptr);
+        hmx_rcli_fromdpa = agent_driven;
+        testing::internal::CaptureStderr();
+        const run seen = execute("show;show prot;show vxlan threads", agent_driven);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(seen.console, "");
+    }
+}
+
 // No row of the table names the handler.
 TEST_F(HostProcess, CleansAPortAclEntry) {
     EXPECT_EQ(kx_acl_clean_pacl_table(nullptr), -1);

@@ -1,0 +1,339 @@
+// Writes what documents and shells need to know of the command table, so that none of it is kept by
+// hand.
+//
+//     command_reference FORM [TEMPLATE]
+//
+// writes the form (markdown, mdoc or words) alone, or in the place of the template's line
+// "@COMMANDS@".
+#include "frontend/command_rows.h"
+#include "frontend/handlers.h"
+#include "frontend/kestrel_cmd_list.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using words = std::vector<std::string>;
+
+struct command_row {
+    words keywords;
+    size_t typed = 0; // how many of the keywords are typed as they stand
+    std::string hint;
+    std::string help; // with its continuation lines
+    bool from_agent = false;
+    bool built = false;
+};
+
+struct command_section {
+    const char *title;
+    std::vector<command_row> rows; // sorted by keywords, as the help sorts them
+};
+
+std::string joined(const words &of, size_t first = 0, size_t end = SIZE_MAX) {
+    std::string text;
+    for (size_t i = first; i < std::min(end, of.size()); ++i) {
+        text += (text.empty() ? "" : " ") + of[i];
+    }
+    return text;
+}
+
+std::string without_end_blanks(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+command_row read_row(const kestrel_cmd_row &row) {
+    command_row read;
+    for (const char *keyword : row.keywords) {
+        if (keyword == nullptr) {
+            break;
+        }
+        read.keywords.push_back(without_end_blanks(keyword));
+    }
+    read.typed = static_cast<size_t>(kx_typed_keywords(row));
+    read.hint = row.argument_hint == nullptr ? "" : row.argument_hint;
+    read.help = without_end_blanks(row.help_text == nullptr ? "" : row.help_text);
+    read.from_agent = row.allowed_from_agent != 0;
+    read.built = !kx_is_stub(row.handler);
+    return read;
+}
+
+// The headings between the two kinds of commands part the table.
+std::vector<command_section> read_table() {
+    std::vector<command_section> sections = {{"Display commands", {}}, {"Set commands", {}}};
+    size_t section = 0;
+    for (const kestrel_cmd_row &row : kestrel_cmd_list) {
+        std::vector<command_row> &rows = sections[section].rows;
+        if (row.kind == KESTREL_CMD_COMMAND) {
+            rows.push_back(read_row(row));
+        } else if (row.kind == KESTREL_CMD_CONTINUATION) {
+            rows.back().help += std::string(" ") + row.help_text;
+        } else if (row.kind == KESTREL_CMD_HEADING && !rows.empty()) {
+            section = 1;
+        }
+    }
+    for (command_section &each : sections) {
+        std::stable_sort(
+            each.rows.begin(), each.rows.end(),
+            [](const command_row &a, const command_row &b) { return a.keywords < b.keywords; });
+    }
+    return sections;
+}
+
+size_t count_built(const std::vector<command_row> &rows) {
+    return static_cast<size_t>(
+        std::count_if(rows.begin(), rows.end(), [](const command_row &row) { return row.built; }));
+}
+
+// --- markdown ---
+
+// A bar would end the cell, in a code span too.
+std::string cell(std::string text, bool code) {
+    for (size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) {
+        text.insert(at, 1, '\\');
+    }
+    return text.empty() ? "" : code ? "`" + text + "`" : text;
+}
+
+void write_markdown() {
+    const std::vector<command_section> sections = read_table();
+    size_t all = 0;
+    size_t built = 0;
+    for (const command_section &section : sections) {
+        all += section.rows.size();
+        built += count_built(section.rows);
+    }
+    std::printf("# Commands\n"
+                "\n"
+                "Every row of the command table, by its words. Written from the table by\n"
+                "`cmake --build --preset release --target docs`; do not edit.\n"
+                "\n"
+                "A command matches a row by whole words, without regard to case; the row with the\n"
+                "most words wins. Words in brackets, words with a bar, `cookie` and what follows\n"
+                "stand for arguments, and so does the hint. *Agent* tells whether the row may be\n"
+                "run when it comes from the agent side. A row that is not built matches and shows\n"
+                "in the help; it asks and prints nothing, and says so on standard error.\n"
+                "\n"
+                "%zu of %zu rows are built.\n",
+                built, all);
+    for (const command_section &section : sections) {
+        std::printf("\n## %s\n\n| Words | Hint | Help | Agent | Built |\n|---|---|---|---|---|\n",
+                    section.title);
+        for (const command_row &row : section.rows) {
+            std::printf("| %s | %s | %s | %s | %s |\n", cell(joined(row.keywords), true).c_str(),
+                        cell(row.hint, true).c_str(), cell(row.help, false).c_str(),
+                        row.from_agent ? "yes" : "no", row.built ? "yes" : "no");
+        }
+    }
+}
+
+// --- mdoc ---
+
+// A word that the formatter would take for a macro or an escape.
+std::string mdoc_words(const std::string &text) {
+    std::string safe;
+    for (size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string::npos;) {
+        const size_t end = std::min(text.find(' ', at), text.size());
+        const std::string word = text.substr(at, end - at);
+        safe += (safe.empty() ? "" : " ");
+        // Delimiters and two-letter words stand behind a zero-width space.
+        const bool special = word.size() <= 3 || std::strchr(".,:;()[]?!|", word.back()) != nullptr;
+        safe += (special ? "\\&" : "") + word;
+        at = end;
+    }
+    return safe;
+}
+
+void write_mdoc() {
+    for (const command_section &section : read_table()) {
+        std::printf(".Ss %s\n.Bl -tag -width Ds -compact\n", section.title);
+        words unbuilt;
+        std::string before;
+        for (const command_row &row : section.rows) {
+            const std::string typed = joined(row.keywords, 0, row.typed);
+            const bool repeated = before == joined(row.keywords);
+            before = joined(row.keywords);
+            if (!row.built) {
+                unbuilt.push_back(typed);
+            } else if (!repeated && !row.help.empty()) {
+                std::string arguments = joined(row.keywords, row.typed);
+                arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
+                std::printf(".It Cm %s%s%s\n%s.\n", mdoc_words(typed).c_str(),
+                            arguments.empty() ? "" : " Ar ", mdoc_words(arguments).c_str(),
+                            row.help.c_str());
+            }
+        }
+        std::printf(".El\n.Pp\nNot built in this version:\n");
+        unbuilt.erase(std::unique(unbuilt.begin(), unbuilt.end()), unbuilt.end());
+        for (const std::string &typed : unbuilt) {
+            std::printf(".Cm %s%s\n", mdoc_words(typed).c_str(),
+                        &typed == &unbuilt.back() ? " ." : " ,");
+        }
+    }
+}
+
+// --- words ---
+
+// One thing to type: its choices, or none when it is a value.
+using choices = words;
+using sequence = std::vector<choices>;
+
+// Other pieces of the notation picture a value: "0-255", "ddd.ddd.ddd.ddd".
+bool is_word(std::string_view text) {
+    return !text.empty() && std::isalpha(static_cast<unsigned char>(text[0])) != 0 &&
+           std::all_of(text.begin(), text.end(), [](unsigned char byte) {
+               return std::isalnum(byte) != 0 || byte == '-' || byte == '_';
+           });
+}
+
+// Cut at bars; "<eid>" among the pieces is a value, as "num" is.
+choices split_choices(const std::string &text) {
+    choices found;
+    for (size_t at = 0; at <= text.size();) {
+        const size_t end = std::min(text.find('|', at), text.size());
+        std::string piece = text.substr(at, end - at);
+        piece.erase(std::remove(piece.begin(), piece.end(), ' '), piece.end());
+        if (is_word(piece) && piece != "num") {
+            found.push_back(piece);
+        }
+        at = end + 1;
+    }
+    return found;
+}
+
+// The table's own notation: "<x>" a value, "[x]" may be left out, "{x|y}", "<x|y>" and "x|y" one of
+// them. In "[vlan]" and its like the one word names a value.
+class usage_reader {
+public:
+    explicit usage_reader(std::string text) : text_(std::move(text)) {
+    }
+
+    // All ways to type it.
+    std::vector<sequence> read() {
+        std::vector<sequence> ways = {{}};
+        while ((at_ = text_.find_first_not_of(' ', at_)) != std::string::npos) {
+            const bool optional = text_[at_] == '[';
+            const std::vector<sequence> next = optional ? read_optional() : read_one();
+            std::vector<sequence> longer;
+            for (const sequence &way : ways) {
+                for (const sequence &rest : next) {
+                    longer.push_back(way);
+                    longer.back().insert(longer.back().end(), rest.begin(), rest.end());
+                }
+            }
+            ways = longer;
+        }
+        return ways;
+    }
+
+private:
+    std::string text_;
+    size_t at_ = 0;
+
+    std::string take_until(char end) {
+        const size_t stop = std::min(text_.find(end, at_), text_.size());
+        std::string taken = text_.substr(at_, stop - at_);
+        at_ = stop + (end == ' ' ? 0 : 1);
+        return taken;
+    }
+
+    std::vector<sequence> read_one() {
+        if (text_[at_] == '<' || text_[at_] == '{') {
+            const char end = text_[at_++] == '<' ? '>' : '}';
+            const std::string inside = take_until(end);
+            return {{inside.find('|') == std::string::npos ? choices{} : split_choices(inside)}};
+        }
+        return {{split_choices(take_until(' '))}};
+    }
+
+    std::vector<sequence> read_optional() {
+        ++at_;
+        const std::string inside = take_until(']');
+        static const words VALUES = {"vlan", "hwbd", "ltl"};
+        std::vector<sequence> ways = {{}};
+        if (std::find(VALUES.begin(), VALUES.end(), inside) != VALUES.end()) {
+            ways.push_back({{}});
+        } else if (inside.find('|') != std::string::npos) {
+            ways.push_back({split_choices(inside)});
+            if (inside.find('<') != std::string::npos || inside.starts_with("num")) {
+                ways.push_back({{}});
+            }
+        } else {
+            const std::vector<sequence> some = usage_reader(inside).read();
+            ways.insert(ways.end(), some.begin(), some.end());
+        }
+        return ways;
+    }
+};
+
+std::string line_of(const sequence &way) {
+    std::string line;
+    for (const choices &each : way) {
+        std::string word = each.empty() ? "*" : "";
+        for (const std::string &choice : each) {
+            word += (word.empty() ? "" : "|") + choice;
+        }
+        line += (line.empty() ? "" : " ") + word;
+    }
+    return line;
+}
+
+// One line for each way to type a command: words, "a|b" for a choice, "*" for a value.
+void write_words() {
+    words lines = {"help"};
+    for (const command_section &section : read_table()) {
+        for (const command_row &row : section.rows) {
+            for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
+                lines.push_back(line_of(way));
+            }
+        }
+    }
+    // A line that another one begins with tells nothing.
+    std::sort(lines.begin(), lines.end());
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (i + 1 == lines.size() || !(lines[i + 1] + " ").starts_with(lines[i] + " ")) {
+            std::puts(lines[i].c_str());
+        }
+    }
+}
+
+bool write_with_template(void (*form)(), const char *name) {
+    std::ifstream text(name);
+    for (std::string line; std::getline(text, line);) {
+        if (line == "@COMMANDS@") {
+            form();
+        } else {
+            std::puts(line.c_str());
+        }
+    }
+    return text.eof();
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+    static const std::map<std::string_view, void (*)()> FORMS = {
+        {"markdown", write_markdown}, {"mdoc", write_mdoc}, {"words", write_words}};
+    const auto form = FORMS.find(argc == 2 || argc == 3 ? argv[1] : "");
+    if (form == FORMS.end()) {
+        std::fputs("Usage: command_reference markdown|mdoc|words [TEMPLATE]\n", stderr);
+        return 2;
+    }
+    if (argc == 2) {
+        form->second();
+    } else if (!write_with_template(form->second, argv[2])) {
+        std::fprintf(stderr, "command_reference: %s: cannot be read\n", argv[2]);
+        return 1;
+    }
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
