@@ -5,6 +5,7 @@
 #include "frontend/kxcmd.h"
 #include "host/host_file.h"
 #include "sim/builtin_host.h"
+#include "sim/exchange.h"
 #include "sim/interpose.h"
 
 #include <algorithm>
