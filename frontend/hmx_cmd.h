@@ -51,11 +51,11 @@ extern "C" {
 
 /*
  * Open the kernel request channel (the driver device). Returns 0, or -1 when the device cannot be
- * opened. Call it once before the first hmx_cmd_run.
+ * opened. Call it once before the first hmx_cmd_run; a second call opens the channel anew.
  */
 int kx_dpa_api_init(void);
 
-/* Close the kernel request channel. Returns 0. Call it last. */
+/* Close the kernel request channel, if it is open. Returns 0. Call it last. */
 int kx_dpa_api_exit(void);
 
 /* Set-up hook of the command layer, to be called once before the first command. Returns 0. */

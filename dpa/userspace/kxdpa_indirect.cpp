@@ -45,6 +45,7 @@ uint32_t fail_without_capacity(int place, int opcode) {
 int kx_dpa_call_fd = -1;
 
 int kx_platform_open() {
+    kx_platform_close();
     kx_dpa_call_fd = open(DEVICE_PATH, O_RDONLY | O_CLOEXEC);
     return kx_dpa_call_fd;
 }
@@ -53,6 +54,7 @@ int kx_platform_close() {
     if (kx_dpa_call_fd != -1) {
         close(kx_dpa_call_fd);
     }
+    kx_dpa_call_fd = -1;
     return 0;
 }
 

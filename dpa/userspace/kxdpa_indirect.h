@@ -10,13 +10,14 @@
 #include "dpa/userspace/kxdpa_request.h"
 #include "frontend/hmx_cmd.h" // kx_dpa_api_init, kx_dpa_api_exit
 
-// Descriptor of the driver device, -1 while it was never opened.
+// Descriptor of the driver device, -1 while it is not open.
 extern int kx_dpa_call_fd;
 
-// Open the driver device read-only into kx_dpa_call_fd. Returns the descriptor, -1 on failure.
+// Open the driver device read-only into kx_dpa_call_fd, in place of one that is open. Returns the
+// descriptor, -1 on failure.
 int kx_platform_open();
 
-// Close kx_dpa_call_fd unless it is -1; the variable keeps its value. Returns 0.
+// Close kx_dpa_call_fd unless it is -1, which it is then. Returns 0.
 int kx_platform_close();
 
 // The one-buffer request. `len` is the size in bytes of a fixed-size reply or of the input. With

@@ -14,6 +14,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -147,6 +148,24 @@ protected:
     int requests = 0;
     std::string last_request;
 };
+
+// Descriptors are counted by the number that the next one gets.
+int next_descriptor() {
+    const int next = dup(STDIN_FILENO);
+    close(next);
+    return next;
+}
+
+TEST_F(HostProcess, OpensTheChannelOnceAndClosesNothingElse) {
+    const int open_channel = next_descriptor();
+    EXPECT_EQ(kx_dpa_api_init(), 0);
+    EXPECT_EQ(next_descriptor(), open_channel) << "the first descriptor was leaked";
+    EXPECT_EQ(kx_dpa_api_exit(), 0);
+    const int other = dup(STDIN_FILENO);
+    EXPECT_EQ(other, open_channel - 1) << "it takes the channel's number";
+    EXPECT_EQ(kx_dpa_api_exit(), 0);
+    EXPECT_EQ(close(other), 0) << "it was closed by the second exit";
+}
 
 TEST_F(HostProcess, RefusesRowsThatAreNotAllowedFromTheAgent) {
     const auto refused =
