@@ -1,6 +1,7 @@
 #include "dpa/command/dpa_cmd.h"
 
 #include "frontend/handlers.h"
+#include "frontend/kxcmd.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,7 +10,8 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <poll.h>
+#include <iterator>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -29,9 +31,43 @@ constexpr size_t END_MARKER_LENGTH = sizeof END_MARKER - 1;
 constexpr size_t READ_SIZE = 127;
 constexpr int IDLE_READS_LIMIT = 20;
 
-// Between two commands the agent may be about to open its pipe again.
-constexpr int PIPE_READER_TRIES = 30;
-constexpr int PIPE_READER_PAUSE = 100; // milliseconds
+// An agent that is busy opens its pipe late. It is waited for as long as its output is.
+constexpr int PIPE_READER_TRIES = 200;
+constexpr useconds_t PIPE_READER_PAUSE = 100'000; // microseconds
+
+// These end the conversation in order, before they do what they did without it.
+constexpr int ENDING_SIGNALS[] = {SIGINT, SIGHUP, SIGTERM};
+
+// The last of them that came, 0 for none.
+volatile sig_atomic_t ended_by = 0;
+
+void end_conversation(int signal) {
+    ended_by = signal;
+}
+
+// What the process did on a signal before, a host's own handlers among it.
+struct ending_dispositions {
+    struct sigaction before[std::size(ENDING_SIGNALS)];
+};
+
+// No wait is taken up again behind one of the signals. One that is ignored, as a hang-up under
+// nohup, stays so.
+void catch_ending_signals(ending_dispositions *dispositions) {
+    struct sigaction caught {};
+    caught.sa_handler = end_conversation;
+    for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
+        sigaction(ENDING_SIGNALS[i], nullptr, &dispositions->before[i]);
+        if (dispositions->before[i].sa_handler != SIG_IGN) {
+            sigaction(ENDING_SIGNALS[i], &caught, nullptr);
+        }
+    }
+}
+
+void restore_ending_signals(const ending_dispositions &dispositions) {
+    for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
+        sigaction(ENDING_SIGNALS[i], &dispositions.before[i], nullptr);
+    }
+}
 
 // An operator sees the output as it comes, also behind a pipe.
 void sleep_a_second() {
@@ -39,29 +75,70 @@ void sleep_a_second() {
     sleep(1);
 }
 
-// Create the file and open it for reading. Returns the descriptor, or -1 after a line.
-int open_output_file(const char *name) {
-    const int created = creat(name, OUTPUT_FILE_MODE);
+bool is_own_file(const struct stat &file) {
+    return S_ISREG(file.st_mode) && file.st_uid == geteuid() && file.st_nlink == 1;
+}
+
+// A file that is there already was left behind by a run with the same process number, and is
+// emptied; but only a plain file of the caller's that goes by no other name. Returns 0, or the
+// errno that says why there is none.
+int create_output_file(const char *name) {
+    const int created =
+        open(name, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, OUTPUT_FILE_MODE);
     if (created == -1) {
-        printf("Couldn't create %s %d - %s\n", name, errno, strerror(errno));
-        return -1;
+        return errno;
+    }
+    struct stat found {};
+    int error = EEXIST;
+    if (fstat(created, &found) == 0 && is_own_file(found)) {
+        error = ftruncate(created, 0) == 0 ? 0 : errno;
     }
     close(created);
-    const int file = open(name, O_RDONLY);
+    return error;
+}
+
+// Create the file and open it for reading. Returns the descriptor, or -1 after a line.
+int open_output_file(const char *name) {
+    const int error = create_output_file(name);
+    if (error != 0) {
+        printf("Couldn't create %s %d - %s\n", name, error, strerror(error));
+        return -1;
+    }
+    const int file = open(name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     if (file == -1) {
         printf(" Error opening %s exiting %s\n", name, strerror(errno));
     }
     return file;
 }
 
-// A plain open would wait for a reader forever, so that a missing agent could not be told. Returns
-// the descriptor, whose writes wait as usual, or -1 after a line.
+// A plain open would wait for a reader forever, so that a missing agent could not be told.
+int try_command_pipe() {
+    return open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+}
+
+// The pipe lies in a folder that everybody writes to: what stands there instead of a FIFO must at
+// least be a file that is nobody else's to lose.
+bool is_pipe_or_own_file(int pipe) {
+    struct stat found {};
+    return fstat(pipe, &found) == 0 && (S_ISFIFO(found.st_mode) || is_own_file(found));
+}
+
+// Returns the descriptor, whose writes wait as usual, or -1 after a line; -1 without one when a
+// signal ended the wait for a reader.
 int open_command_pipe() {
-    int pipe = open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK);
-    for (int tries = 1; pipe == -1 && errno == ENXIO && tries < PIPE_READER_TRIES; ++tries) {
+    int pipe = try_command_pipe();
+    for (int tries = 0; pipe == -1 && errno == ENXIO && tries < PIPE_READER_TRIES; ++tries) {
         fflush(stdout);
-        poll(nullptr, 0, PIPE_READER_PAUSE);
-        pipe = open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK);
+        usleep(PIPE_READER_PAUSE);
+        if (ended_by != 0) {
+            return -1;
+        }
+        pipe = try_command_pipe();
+    }
+    if (pipe != -1 && !is_pipe_or_own_file(pipe)) {
+        close(pipe);
+        pipe = -1;
+        errno = EPERM;
     }
     if (pipe == -1) {
         printf(" Error opening fifo (%d), exiting\n", errno);
@@ -93,21 +170,59 @@ void send_command(int pipe, const char *command) {
     }
 }
 
-// The conversation with the agent. Whatever fails, the agent is asked to stop redirecting.
+// The conversation with the agent. Whatever fails or ends it, the agent is asked to stop
+// redirecting.
 void run_in_agent(int pipe, int file, const char *file_name, const char *command) {
     if (redirect_to(pipe, file_name)) {
         sleep_a_second();
-        printf("=>dpa command is: %s\n", command);
-        send_command(pipe, command);
+        if (ended_by == 0) {
+            printf("=>dpa command is: %s\n", command);
+            send_command(pipe, command);
+        }
     } else {
         printf("write failed");
     }
-    if (kx_send_to_fd(pipe, REDIRECT_RESET, sizeof REDIRECT_RESET) == 0) {
+    if (ended_by != 0) {
+        // An agent that does not read its pipe must not keep the process from ending.
+        fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) | O_NONBLOCK);
+    }
+    if (kx_send_to_fd(pipe, REDIRECT_RESET, sizeof REDIRECT_RESET) != 0) {
+        printf("write failed");
+    } else if (ended_by == 0) {
         kx_read_out_from_fd(file);
         printf("\n");
-    } else {
-        printf("write failed");
     }
+}
+
+// All of the command between catching the signals and giving them back.
+int run_command(const char *command) {
+    char file_name[OUTPUT_FILE_NAME_SIZE];
+    snprintf(file_name, sizeof file_name, "%s.%u", OUTPUT_FILE_PREFIX,
+             static_cast<unsigned>(getpid()));
+    const int file = open_output_file(file_name);
+    if (file == -1) {
+        return -1;
+    }
+    const int pipe = open_command_pipe();
+    if (pipe == -1 && ended_by == 0) {
+        // Deliberate: without an agent the created file stays, and so does its descriptor.
+        return -1;
+    }
+    if (pipe != -1) {
+        // An agent that goes away in the middle is a failed write, not the end of the tool. A
+        // standard output that went away still is: it always has a last line to write behind the
+        // restored signal.
+        struct sigaction ignored {};
+        struct sigaction on_broken_pipe {};
+        ignored.sa_handler = SIG_IGN;
+        sigaction(SIGPIPE, &ignored, &on_broken_pipe);
+        run_in_agent(pipe, file, file_name, command);
+        close(pipe);
+        sigaction(SIGPIPE, &on_broken_pipe, nullptr);
+    }
+    close(file);
+    unlink(file_name);
+    return 0;
 }
 
 // The output is text; a NUL in it, such as one behind the marker, is not shown and hides nothing.
@@ -142,7 +257,7 @@ const char *kx_read_out_from_fd(int fd) {
     char window[END_MARKER_LENGTH - 1 + READ_SIZE];
     size_t carried = 0;
     int idle_reads = 0;
-    while (ferror(stdout) == 0) {
+    while (ferror(stdout) == 0 && ended_by == 0) {
         const ssize_t got = read(fd, window + carried, READ_SIZE);
         if (got < 0 || idle_reads == IDLE_READS_LIMIT) {
             break;
@@ -169,26 +284,17 @@ int kx_dpa_cmd(const char *arg) {
         printf("Missing dpa command\n");
         return -1;
     }
-    char file_name[OUTPUT_FILE_NAME_SIZE];
-    snprintf(file_name, sizeof file_name, "%s.%u", OUTPUT_FILE_PREFIX,
-             static_cast<unsigned>(getpid()));
-    const int file = open_output_file(file_name);
-    if (file == -1) {
-        return -1;
+    ending_dispositions dispositions;
+    catch_ending_signals(&dispositions);
+    const int result = run_command(arg);
+    restore_ending_signals(dispositions);
+    const int signal = ended_by;
+    ended_by = 0;
+    if (signal == 0) {
+        return result;
     }
-    const int pipe = open_command_pipe();
-    if (pipe == -1) {
-        // Deliberate: without an agent the created file stays, and so does its descriptor.
-        return -1;
-    }
-    // An agent that goes away in the middle is a failed write, not the end of the tool. A standard
-    // output that went away still is: it always has a last line to write behind the restored
-    // signal.
-    const auto on_broken_pipe = signal(SIGPIPE, SIG_IGN);
-    run_in_agent(pipe, file, file_name, arg);
-    close(pipe);
-    close(file);
-    unlink(file_name);
-    signal(SIGPIPE, on_broken_pipe);
-    return 0;
+    fflush(stdout);
+    raise(signal);
+    // A host process has outlived the signal; the commands behind this one have not.
+    return KXCMD_STOP;
 }

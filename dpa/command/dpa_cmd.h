@@ -6,7 +6,10 @@
 //     COMMAND "\n"                the command to run; the agent ends its output with "#byeBye#"
 //     "redirect reset " NUL       the agent stops printing into the file
 // kx_dpa_cmd itself is declared in frontend/handlers.h. All of its output goes to standard output,
-// past the output sink: the command is not open to the remote CLI.
+// past the output sink: the command is not open to the remote CLI. An interrupt, a hang-up or a
+// termination ends the conversation: the agent is told to stop printing, the file is removed, and
+// then the signal does to the process what it did before; where it did not end it, kx_dpa_cmd
+// returns KXCMD_STOP.
 #ifndef DPA_COMMAND_DPA_CMD_H
 #define DPA_COMMAND_DPA_CMD_H
 
@@ -15,7 +18,8 @@
 int kx_send_to_fd(int fd, const void *data, int length);
 
 // Copy a growing file to standard output, the end marker included. Returns the marker, or NULL when
-// the file could not be read, standard output is gone, or about 20 seconds passed without output.
+// the file could not be read, standard output is gone, a signal ended the conversation, or about 20
+// seconds passed without output.
 const char *kx_read_out_from_fd(int fd);
 
 #endif

@@ -5,9 +5,11 @@
 #include "tests/infra/printed_by.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -15,6 +17,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -23,16 +26,25 @@ namespace {
 // What happens while the tool sleeps; the real thing when empty.
 std::function<void()> while_asleep;
 
+// What all sleeps were to take.
+std::chrono::microseconds slept;
+
 // The most bytes that one write takes.
 size_t write_limit = SIZE_MAX;
 
 } // namespace
 
-extern "C" unsigned sleep(unsigned seconds) {
+extern "C" int usleep(useconds_t microseconds) {
+    slept += std::chrono::microseconds(microseconds);
     if (while_asleep)
         while_asleep();
     else
-        poll(nullptr, 0, static_cast<int>(seconds) * 1000);
+        poll(nullptr, 0, static_cast<int>(microseconds / 1000));
+    return 0;
+}
+
+extern "C" unsigned sleep(unsigned seconds) {
+    usleep(seconds * 1'000'000);
     return 0;
 }
 
@@ -162,6 +174,10 @@ TEST(SendToFd, WritesEverythingInWhateverSteps) {
     EXPECT_EQ(result, -1);
 }
 
+std::string output_of(pid_t process) {
+    return "/var/log/dpaout." + std::to_string(process);
+}
+
 // The conversation with an agent at its own pipe.
 class DpaCommand : public testing::Test {
 protected:
@@ -177,6 +193,7 @@ protected:
     }
 
     std::string run(const char *command, const std::function<void()> &asleep) {
+        slept = {};
         while_asleep = asleep;
         return printed_by([&] { result = kx_dpa_cmd(command); });
     }
@@ -188,18 +205,22 @@ protected:
         return bytes;
     }
 
+    // All that the conversation of a process sends, of which `command` is the middle.
+    static std::string messages(const std::string &command, pid_t process = getpid()) {
+        return "redirect set " + output_of(process) + std::string(1, '\0') + command +
+               std::string("redirect reset \0", 16);
+    }
+
     bool output_exists() const {
         return access(output.c_str(), F_OK) == 0;
     }
 
-    const std::string output = "/var/log/dpaout." + std::to_string(getpid());
+    const std::string output = output_of(getpid());
     agent_paths paths;
     int result = 0;
 };
 
 TEST_F(DpaCommand, SendsExactlyTheseMessages) {
-    const std::string set = "redirect set " + output + std::string(1, '\0');
-    const std::string reset("redirect reset \0", 16);
     const struct {
         std::string command;
         std::string sent;
@@ -216,7 +237,7 @@ TEST_F(DpaCommand, SendsExactlyTheseMessages) {
     };
     for (const auto &row : rows) {
         EXPECT_EQ(run(row.command.c_str(), [] {}), row.printed);
-        EXPECT_EQ(take_from_pipe(), set + row.sent + reset);
+        EXPECT_EQ(take_from_pipe(), messages(row.sent));
         EXPECT_EQ(result, 0);
         EXPECT_FALSE(output_exists());
     }
@@ -235,6 +256,7 @@ TEST_F(DpaCommand, FailuresBeforeTheConversationEndTheCommand) {
     paths.close_descriptors();
     EXPECT_EQ(run("x", [] {}), " Error opening fifo (6), exiting\n") << "nobody reads the pipe";
     EXPECT_EQ(result, -1);
+    EXPECT_EQ(slept, std::chrono::seconds(20));
     EXPECT_TRUE(output_exists());
 
     unlink(AGENT_PIPE_PATH);
@@ -249,7 +271,172 @@ TEST_F(DpaCommand, AnAgentThatGoesAwayIsTwoFailedWrites) {
               "Write error 32 - Broken pipe\nwrite failed");
     EXPECT_EQ(result, 0);
     EXPECT_FALSE(output_exists());
-    EXPECT_EQ(std::signal(SIGPIPE, SIG_DFL), SIG_DFL);
+}
+
+TEST_F(DpaCommand, WaitsForAnAgentThatOpensItsPipeLate) {
+    paths.close_descriptors();
+    int reader = -1;
+    EXPECT_EQ(run("x",
+                  [&] {
+                      if (reader == -1 && slept >= std::chrono::milliseconds(19'900))
+                          reader = open(AGENT_PIPE_PATH, O_RDONLY | O_NONBLOCK);
+                  }),
+              "=>dpa command is: x\n\n");
+    std::string sent(100, '\0');
+    sent.resize(static_cast<size_t>(read(reader, sent.data(), sent.size())));
+    EXPECT_EQ(sent, messages("x\n"));
+    close(reader);
+}
+
+// What stands where the pipe or the output file should be, and who else has to lose it.
+TEST_F(DpaCommand, WritesToNobodyElsesFile) {
+    const std::string target = "/tmp/not-to-be-lost." + std::to_string(getpid());
+    const auto target_holds = [&] {
+        std::ifstream in(target);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    std::ofstream(target) << "kept";
+    const std::string no_pipe = " Error opening fifo (";
+    const std::string no_file = "Couldn't create " + output + " ";
+    const struct {
+        std::string path;
+        int (*put)(const char *, const char *);
+        std::string printed;
+    } rows[] = {
+        {AGENT_PIPE_PATH, symlink, no_pipe + "40), exiting\n"},
+        {AGENT_PIPE_PATH, link, no_pipe + "1), exiting\n"},
+        {output, symlink, no_file + "40 - Too many levels of symbolic links\n"},
+        {output, link, no_file + "17 - File exists\n"},
+    };
+    for (const auto &row : rows) {
+        unlink(row.path.c_str());
+        ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
+        EXPECT_EQ(run("x", [] {}), row.printed);
+        EXPECT_EQ(result, -1);
+        EXPECT_EQ(target_holds(), "kept");
+    }
+    // The caller's own files are used: what an earlier run left behind, and a file to try with.
+    unlink(output.c_str());
+    std::ofstream(output) << "left behind";
+    unlink(AGENT_PIPE_PATH);
+    ASSERT_EQ(rename(target.c_str(), AGENT_PIPE_PATH), 0);
+    EXPECT_EQ(run("x", [] {}), "=>dpa command is: x\n\n");
+    EXPECT_EQ(result, 0);
+}
+
+// The host's own dispositions, with everything that belongs to them.
+int host_signals;
+
+void count_signal(int /*signal*/, siginfo_t * /*info*/, void * /*context*/) {
+    host_signals++;
+}
+
+class DpaCommandSignals : public DpaCommand {
+protected:
+    void SetUp() override {
+        DpaCommand::SetUp();
+        host_signals = 0;
+        for (size_t i = 0; i < std::size(SIGNALS); i++) {
+            struct sigaction host {};
+            host.sa_sigaction = count_signal;
+            host.sa_flags = SA_SIGINFO | SA_RESTART;
+            sigaddset(&host.sa_mask, SIGUSR1);
+            sigaction(SIGNALS[i], &host, &before[i]);
+        }
+    }
+    void TearDown() override {
+        for (size_t i = 0; i < std::size(SIGNALS); i++)
+            sigaction(SIGNALS[i], &before[i], nullptr);
+        DpaCommand::TearDown();
+    }
+    static void expect_host_dispositions() {
+        for (const int signal : SIGNALS) {
+            struct sigaction now {};
+            sigaction(signal, nullptr, &now);
+            EXPECT_EQ(now.sa_sigaction, count_signal) << signal;
+            EXPECT_EQ(now.sa_flags & (SA_SIGINFO | SA_RESTART), SA_SIGINFO | SA_RESTART) << signal;
+            EXPECT_EQ(sigismember(&now.sa_mask, SIGUSR1), 1) << signal;
+        }
+    }
+
+    static constexpr int SIGNALS[] = {SIGPIPE, SIGINT, SIGHUP, SIGTERM};
+    struct sigaction before[std::size(SIGNALS)]{};
+};
+
+TEST_F(DpaCommandSignals, GiveTheHostItsDispositionsBackWhole) {
+    run("x", [] {});
+    EXPECT_EQ(result, 0);
+    expect_host_dispositions();
+    EXPECT_EQ(host_signals, 0);
+}
+
+TEST_F(DpaCommandSignals, EndTheConversationInOrder) {
+    const std::string shown = "=>dpa command is: x\n";
+    const struct {
+        int signal;
+        int at_sleep; // from 1
+        std::string sent;
+        std::string printed;
+    } rows[] = {
+        {SIGINT, 1, messages(""), ""},
+        {SIGHUP, 2, messages("x\n"), shown},
+        {SIGTERM, 3, messages("x\n"), shown},
+    };
+    for (const auto &row : rows) {
+        host_signals = 0;
+        int sleeps = 0;
+        const auto asleep = [&] {
+            if (++sleeps == row.at_sleep)
+                raise(row.signal);
+        };
+        EXPECT_EQ(run("x", asleep), row.printed + (row.at_sleep == 3 ? "\n" : ""));
+        EXPECT_EQ(sleeps, row.at_sleep);
+        EXPECT_EQ(take_from_pipe(), row.sent);
+        EXPECT_FALSE(output_exists());
+        EXPECT_EQ(result, -2) << "the commands behind it do not run";
+        EXPECT_EQ(host_signals, 1) << "the host has outlived it";
+        expect_host_dispositions();
+    }
+}
+
+struct child_end {
+    pid_t process;
+    int status;
+};
+
+// Run the command in a child, with `signal` in its first sleep.
+child_end run_in_child(int signal, void (*disposition)(int)) {
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(signal, disposition);
+        int sleeps = 0;
+        while_asleep = [&] {
+            if (sleeps++ == 0)
+                raise(signal);
+        };
+        if (freopen("/dev/null", "w", stdout) != nullptr)
+            _exit(kx_dpa_cmd("x"));
+        _exit(1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_NE(unlink(output_of(child).c_str()), 0) << "the output file was left behind";
+    return {child, status};
+}
+
+TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
+    for (const int signal : {SIGINT, SIGHUP, SIGTERM}) {
+        const child_end ended = run_in_child(signal, SIG_DFL);
+        EXPECT_TRUE(WIFSIGNALED(ended.status) && WTERMSIG(ended.status) == signal) << signal;
+        EXPECT_EQ(take_from_pipe(), messages("", ended.process));
+        const child_end ignored = run_in_child(signal, SIG_IGN);
+        EXPECT_EQ(ignored.status, 0);
+        EXPECT_EQ(take_from_pipe(), messages("x\n", ignored.process));
+    }
+    // Also while it waits for a reader.
+    paths.close_descriptors();
+    const child_end waiting = run_in_child(SIGINT, SIG_DFL);
+    EXPECT_TRUE(WIFSIGNALED(waiting.status) && WTERMSIG(waiting.status) == SIGINT);
 }
 
 TEST(DpaCommandAgent, ShowsOutputWhereverTheMarkerIsSplit) {
