@@ -75,12 +75,12 @@ void print_heading(uint32_t index, const kx_bd_record &bd, const l2_limits &limi
     }
 }
 
-void print_header(const kx_bd_record &bd) {
+void print_header(const kx_bd_record &bd, bool leaf_mode) {
     kx_print_l2_flags_legend();
     if (has_remote_endpoints(bd)) {
         kx_print("       Type         MAC Address   LTL   timeout   Flags    PVLAN    Remote IP    "
                  "DSN    Slot\n");
-    } else if (kx_hmx_is_leaf_mode()) {
+    } else if (leaf_mode) {
         kx_print("       Type         MAC Address   LTL   timeout   Flags    PVLAN              "
                  "Encapid\n");
     } else {
@@ -88,7 +88,8 @@ void print_header(const kx_bd_record &bd) {
     }
 }
 
-void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_time) {
+void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_time,
+               bool leaf_mode) {
     const uint8_t *mac = entry.mac;
     const uint32_t age = kx_get_mac_age(entry.ltl, entry.flags, entry.seen_time, entry.now,
                                         static_cast<uint32_t>(aging_time));
@@ -106,7 +107,7 @@ void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_t
     if ((entry.flags & KX_L2_SOFTWARE) != 0) {
         kx_print("   %3d ", entry.slot);
         kx_print("\n");
-    } else if ((entry.flags & KX_L2_STATIC) != 0 && kx_hmx_is_leaf_mode()) {
+    } else if ((entry.flags & KX_L2_STATIC) != 0 && leaf_mode) {
         kx_print("0x%x\n", entry.encap);
     } else {
         kx_print("\n");
@@ -116,13 +117,15 @@ void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_t
 void print_entries(uint32_t index, const kx_bd_record &bd, int32_t aging_time) {
     uint8_t cursor[KX_MAC_SIZE] = {};
     bool header_due = true;
+    bool leaf_mode = false; // one answer for header and rows
     kx_l2_entry entry;
     while (next_entry(index, cursor, &entry)) {
         if (header_due) {
-            print_header(bd);
+            leaf_mode = kx_hmx_is_leaf_mode();
+            print_header(bd, leaf_mode);
             header_due = false;
         }
-        print_row(bd, entry, aging_time);
+        print_row(bd, entry, aging_time, leaf_mode);
         memcpy(cursor, entry.mac, sizeof cursor);
     }
 }
