@@ -19,7 +19,7 @@ constexpr kx_bd_record bd_record_defaults() {
 
 struct bridge_domain {
     bool known = true;                          // its record can be asked for
-    kx_bd_record record = bd_record_defaults(); // as the views read it, index included
+    kx_bd_record record = bd_record_defaults(); // as the views read it, but for its index
     std::optional<std::set<uint32_t>> members{std::in_place}; // LTLs
     std::vector<uint32_t> groups; // IPv4 multicast groups, network byte order, in the walk's order
 };

@@ -6,7 +6,6 @@
 namespace {
 
 constexpr size_t SHORTEST_RUN = 8;
-constexpr size_t BYTES_LIMIT = size_t{1} << 20;
 
 void append_byte(std::string &text, uint8_t byte) {
     constexpr char digits[] = "0123456789abcdef";
@@ -22,7 +21,7 @@ bool append_piece(std::vector<uint8_t> &bytes, std::string_view piece) {
         const char *first = piece.data() + star + 1;
         const char *last = piece.data() + piece.size();
         const auto [end, error] = std::from_chars(first, last, repeat);
-        if (error != std::errc{} || end != last || repeat > BYTES_LIMIT || star != 2) {
+        if (error != std::errc{} || end != last || repeat > HEX_LIMIT || star != 2) {
             return false;
         }
         piece = piece.substr(0, star);
@@ -39,7 +38,7 @@ bool append_piece(std::vector<uint8_t> &bytes, std::string_view piece) {
         }
         bytes.insert(bytes.end(), repeat, byte);
     }
-    return bytes.size() <= BYTES_LIMIT;
+    return bytes.size() <= HEX_LIMIT;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #ifndef HOST_HEX_H
 #define HOST_HEX_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -10,9 +11,11 @@
 #include <string_view>
 #include <vector>
 
+constexpr size_t HEX_LIMIT = size_t{1} << 20; // bytes that a text may stand for
+
 std::string bytes_to_hex(std::span<const uint8_t> bytes);
 
-// Also takes shorter runs. Nothing for a malformed text or one that stands for more than 1 MiB.
+// Also takes shorter runs. Nothing for a malformed text or one that stands for more bytes.
 std::optional<std::vector<uint8_t>> bytes_from_hex(std::string_view text);
 
 #endif

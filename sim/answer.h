@@ -9,8 +9,6 @@
 #include <cstdint>
 #include <span>
 
-class object_reader;
-
 constexpr uint32_t ANY_LENGTH = 0xFFFFFFFF;
 
 // An opcode that is asked in several forms has one answer for each.
@@ -21,11 +19,13 @@ struct answer {
     uint32_t len2 = 0;     // likewise
     uint32_t capacity = 0; // least max1 of a variable-length transfer
     void (*reply)(host &, exchange &);
+    // Bytes that the driver writes behind the capacity that it was given. That any driver does is
+    // an assumption about a single opcode, the card's UUID.
+    uint32_t behind = 0;
 };
 
-// One part of the host: its keys in the host file and the opcodes that ask about it.
+// The opcodes that ask about one part of the host.
 struct family {
-    void (*parse)(object_reader &file, host &); // takes the family's top-level keys
     std::span<const answer> answers;
 };
 

@@ -24,7 +24,6 @@ struct exchange {
     std::vector<uint8_t> reply; // a fixed-size reply is filled up with zeros or cut
     uint32_t status = KXDPA_STATUS_SUCCESS;
     std::optional<uint32_t> returned; // length handed back in the capacity word, if not the reply's
-    uint32_t behind = 0; // bytes that this driver writes behind the capacity that it was given
 
     // The input as a record; what the caller left out is zero.
     template <typename record> record input_as() const {

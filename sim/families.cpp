@@ -1,5 +1,4 @@
 #include "sim/acl/acls.h"
-#include "sim/agent/agent.h"
 #include "sim/answer.h"
 #include "sim/bridge_domain/bridge_domains.h"
 #include "sim/card/card.h"
@@ -28,7 +27,6 @@ constexpr const family *FAMILIES[] = {
     &acl_family,
     &lacp_family,
     &settings_family,
-    &agent_family,
 };
 // clang-format on
 

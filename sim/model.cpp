@@ -2,7 +2,6 @@
 
 #include "host/hex.h"
 #include "sim/answer.h"
-#include "sim/overrides.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -125,7 +124,7 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
     if (!has(request, KXDPA_FLAG_IN) && !has(request, KXDPA_FLAG_TWO)) {
         return true;
     }
-    input.resize(std::min(request.len1, TRANSFER_LIMIT));
+    input.resize(request.len1);
     if (!input.empty()) {
         return memory.read(request.buf1, input.data(), static_cast<uint32_t>(input.size()));
     }
@@ -160,8 +159,10 @@ destination reply_destination(kxdpa_request &record) {
             variable ? &record.max1 : nullptr};
 }
 
-// Never writes past the room that the opcode's callers give, whatever an override says.
-bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk, bool forced) {
+// Never writes past the length or capacity that the request declares, whatever an override says,
+// but for the `behind` bytes of the opcode.
+bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk,
+                 uint32_t behind, bool forced) {
     if (!has(record, KXDPA_FLAG_OUT)) {
         return true;
     }
@@ -171,7 +172,7 @@ bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &t
         bytes.resize(std::min(to.room, TRANSFER_LIMIT));
     }
     const auto count =
-        static_cast<uint32_t>(std::min<uint64_t>(bytes.size(), uint64_t{to.room} + talk.behind));
+        static_cast<uint32_t>(std::min<uint64_t>(bytes.size(), uint64_t{to.room} + behind));
     if (to.returned != nullptr) {
         const auto full = static_cast<uint32_t>(bytes.size());
         const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;
@@ -248,31 +249,38 @@ void complain(const model &driver, const std::string &line) {
     }
 }
 
-int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
-                std::vector<uint8_t> &input) {
-    const answer *known = find_answer(record);
-    const override_rule *rule = find_override(driver.state.overrides, record);
-    const std::string complaint = check_request(record, known);
-    const bool readable = read_input(record, memory, input);
-    if (!complaint.empty()) {
-        complain(driver, format("op %u: %s", record.opcode, complaint.c_str()));
-        record.status = SIM_STATUS_MALFORMED;
-        return 0;
-    }
-    if (!readable) {
+// Answer a well-formed request. Returns the errno that the ioctl fails with, 0 for none.
+int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
+                    std::vector<uint8_t> &input, const answer *known) {
+    if (!read_input(record, memory, input)) {
         return EFAULT;
     }
-    if (rule != nullptr && rule->error != 0) {
+    const override_rule *rule = driver.overrides.find(driver.state.overrides, record, input);
+    const bool forced = rule != nullptr && (rule->reply || rule->length);
+    if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
         return rule->error;
     }
     const kxdpa_request asked = record;
-    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}, 0};
+    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}};
     answer_request(driver.state, talk, known, rule);
-    const bool forced = rule != nullptr && (rule->reply || rule->length);
-    if (!write_reply(record, memory, talk, forced)) {
+    if (!write_reply(record, memory, talk, known == nullptr ? 0 : known->behind, forced)) {
+        record = asked;
         return EFAULT;
     }
     record.status = talk.status;
+    return rule == nullptr ? 0 : rule->error;
+}
+
+int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
+                std::vector<uint8_t> &input) {
+    const answer *known = find_answer(record);
+    // Before anything is taken from the caller: its lengths may be as wrong as the rest.
+    const std::string complaint = check_request(record, known);
+    if (complaint.empty()) {
+        return answer_in_place(driver, record, memory, input, known);
+    }
+    complain(driver, format("op %u: %s", record.opcode, complaint.c_str()));
+    record.status = SIM_STATUS_MALFORMED;
     return 0;
 }
 
@@ -300,9 +308,6 @@ int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
     std::vector<uint8_t> input;
     const kxdpa_request asked = record;
     const int error = run_request(driver, record, memory, input);
-    if (error != 0) {
-        record = asked;
-    }
     if (driver.trace) {
         driver.trace(describe(asked, input) + (error == 0
                                                    ? describe_outcome(record)
@@ -321,8 +326,5 @@ int model_ioctl(model &driver, unsigned long code, uint32_t address, caller_memo
         return EFAULT;
     }
     const int error = model_request(driver, record, memory);
-    if (error != 0) {
-        return error;
-    }
-    return memory.write(address, &record, sizeof record) ? 0 : EFAULT;
+    return memory.write(address, &record, sizeof record) ? error : EFAULT;
 }

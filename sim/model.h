@@ -7,6 +7,7 @@
 
 #include "dpa/userspace/kxdpa_request.h"
 #include "host/host.h"
+#include "sim/overrides.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,6 +30,7 @@ public:
 
 struct model {
     host state;
+    override_index overrides{}; // of the host
     // One line for every request, without its newline; see docs/simulated-host.md.
     std::function<void(const std::string &line)> trace;
     // One line for every malformed record; nullptr writes to standard error.
@@ -36,8 +38,8 @@ struct model {
 };
 
 // Answer one record in place. Returns 0, or the errno that the ioctl fails with; the record is then
-// as the caller left it. A malformed record is complained about and answered with
-// SIM_STATUS_MALFORMED.
+// as the caller left it, unless an override says what becomes of it all the same. A malformed
+// record is complained about and answered with SIM_STATUS_MALFORMED.
 int model_request(model &driver, kxdpa_request &record, caller_memory &memory);
 
 // The ioctl itself: the request code, which is always 0, and the record's address. Returns 0 or the

@@ -1,76 +1,74 @@
 #include "sim/overrides.h"
 
-#include "sim/object_reader.h"
-
-#include <cerrno>
-#include <string_view>
+#include <algorithm>
+#include <limits>
 
 namespace {
 
-template <typename number>
-void optional_number(object_reader &rule, std::string_view key, std::optional<number> &field) {
-    number value = 0;
-    rule.number(key, value);
-    if (rule.has(key)) {
-        field = value;
+// What a rule asks for, or what a request that it asks for is like.
+std::string group_key(uint16_t opcode, const uint32_t *argument, const uint8_t *input,
+                      size_t input_size) {
+    std::string key = std::to_string(opcode);
+    key += argument == nullptr ? "any" : "=" + std::to_string(*argument);
+    if (input != nullptr) {
+        key += ':';
+        key.append(reinterpret_cast<const char *>(input), input_size);
     }
+    return key;
 }
 
-override_rule parse_rule(object_reader &rule) {
-    override_rule parsed;
-    rule.require("opcode");
-    rule.number("opcode", parsed.opcode);
-    optional_number(rule, "argument", parsed.argument);
-    rule.number("time", parsed.only_time, 1);
-    optional_number(rule, "status", parsed.status);
-    optional_number(rule, "length", parsed.length);
-    optional_number(rule, "returned", parsed.returned);
-    if (parsed.length > uint32_t{1} << 20) {
-        rule.fail("length", "expected at most 1048576");
+std::string group_key(const override_rule &rule) {
+    static constexpr uint8_t nothing = 0;
+    const uint8_t *input = nullptr;
+    size_t size = 0;
+    if (rule.in) {
+        input = rule.in->empty() ? &nothing : rule.in->data();
+        size = rule.in->size();
     }
-    if (rule.has("reply")) {
-        rule.bytes("reply", parsed.reply.emplace());
-    }
-    uint32_t error = 0;
-    rule.choice("error", error,
-                {{"EPERM", EPERM},
-                 {"EINTR", EINTR},
-                 {"EIO", EIO},
-                 {"ENXIO", ENXIO},
-                 {"EBADF", EBADF},
-                 {"EAGAIN", EAGAIN},
-                 {"ENOMEM", ENOMEM},
-                 {"EACCES", EACCES},
-                 {"EFAULT", EFAULT},
-                 {"EBUSY", EBUSY},
-                 {"ENODEV", ENODEV},
-                 {"EINVAL", EINVAL},
-                 {"ENOTTY", ENOTTY},
-                 {"ENOSYS", ENOSYS}});
-    parsed.error = static_cast<int>(error);
-    return parsed;
+    return group_key(rule.opcode, rule.argument ? &*rule.argument : nullptr, input, size);
 }
 
 } // namespace
 
-void parse_overrides(object_reader &file, std::vector<override_rule> &overrides) {
-    file.each("overrides", [&](object_reader &rule) { overrides.push_back(parse_rule(rule)); });
+void override_index::index(std::vector<override_rule> &rules) {
+    groups_.clear();
+    for (size_t place = 0; place < rules.size(); place++) {
+        rules[place].indexed = true;
+        groups_[group_key(rules[place])].by_time.emplace(rules[place].only_time, place);
+    }
+    indexed_ = rules.size();
 }
 
-const override_rule *find_override(std::vector<override_rule> &overrides,
-                                   const kxdpa_request &request) {
-    const override_rule *found = nullptr;
-    for (override_rule &rule : overrides) {
-        if (rule.opcode != request.opcode) {
-            continue;
-        }
-        if (rule.argument && *rule.argument != request.arg) {
-            continue;
-        }
-        rule.seen++;
-        if (found == nullptr && (rule.only_time == 0 || rule.only_time == rule.seen)) {
-            found = &rule;
+const override_rule *override_index::find(std::vector<override_rule> &rules,
+                                          const kxdpa_request &request,
+                                          std::span<const uint8_t> input) {
+    if (rules.size() != indexed_ || (!rules.empty() && !rules.front().indexed)) {
+        index(rules);
+    }
+    if (rules.empty()) {
+        return nullptr;
+    }
+    constexpr size_t none = std::numeric_limits<size_t>::max();
+    static constexpr uint8_t nothing = 0;
+    const uint8_t *bytes = input.empty() ? &nothing : input.data();
+    size_t first = none;
+    for (const uint32_t *argument : {&request.arg, static_cast<const uint32_t *>(nullptr)}) {
+        for (const uint8_t *in : {bytes, static_cast<const uint8_t *>(nullptr)}) {
+            const auto found = groups_.find(group_key(request.opcode, argument, in, input.size()));
+            if (found == groups_.end()) {
+                continue;
+            }
+            group &asked = found->second;
+            asked.seen++;
+            for (const uint32_t time : {uint32_t{0}, asked.seen}) {
+                const auto rule = asked.by_time.find(time);
+                first = std::min(first, rule == asked.by_time.end() ? none : rule->second);
+            }
         }
     }
-    return found;
+    if (first == none) {
+        return nullptr;
+    }
+    rules[first].met = true;
+    return &rules[first];
 }

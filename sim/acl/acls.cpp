@@ -1,33 +1,9 @@
 #include "sim/acl/acls.h"
 
-#include "sim/object_reader.h"
-
 #include <algorithm>
 #include <iterator>
 
 namespace {
-
-access_list parse_acl(object_reader &keys) {
-    access_list acl;
-    keys.require("id");
-    keys.number("id", acl.id);
-    keys.number("references", acl.references);
-    keys.number("rules", acl.rules);
-    keys.choice("type", acl.type,
-                {{"ipv4", KX_ACL_IPV4}, {"ipv6", KX_ACL_IPV6}, {"mac", KX_ACL_MAC}});
-    keys.choice("statistics", acl.statistics,
-                {{"enabled", KX_ACL_STATISTICS_ENABLED}, {"disabled", KX_ACL_STATISTICS_DISABLED}});
-    keys.number("statistics_id", acl.statistics_id);
-    keys.number("permitted", acl.permitted);
-    keys.number("denied", acl.denied);
-    keys.number("unmatched", acl.unmatched);
-    keys.text("name", acl.name);
-    return acl;
-}
-
-void parse_acls(object_reader &file, host &into) {
-    file.each("acls", [&](object_reader &keys) { into.acls.acls->push_back(parse_acl(keys)); });
-}
 
 void answer_count(host &state, exchange &talk) {
     if (state.acls.acls) {
@@ -101,4 +77,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family acl_family = {parse_acls, ANSWERS};
+constinit const family acl_family = {ANSWERS};

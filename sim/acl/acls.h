@@ -1,9 +1,9 @@
+// Who answers about access control lists.
 #ifndef SIM_ACL_ACLS_H
 #define SIM_ACL_ACLS_H
 
 #include "sim/answer.h"
 
-// "acls" of the host file.
 extern const family acl_family;
 
 #endif

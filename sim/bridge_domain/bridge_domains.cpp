@@ -1,7 +1,5 @@
 #include "sim/bridge_domain/bridge_domains.h"
 
-#include "sim/object_reader.h"
-
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -9,47 +7,6 @@
 namespace {
 
 constexpr uint32_t BEFORE_FIRST_LTL = 0xFFFFFFFF;
-
-kx_bd_record parse_record(object_reader &keys) {
-    kx_bd_record record = bridge_domain{}.record;
-    keys.require("index");
-    keys.number("index", record.index, 1);
-    keys.number("vlan", record.vlan, 0, KX_LAST_VLAN);
-    keys.number("vdc", record.vdc);
-    keys.number("designated_receiver", record.dr_ltl);
-    keys.flag("multiple_uplinks", record.multi_uplinks);
-    keys.number("segment", record.segment_id);
-    record.kind = keys.has("segment") ? KX_BD_KIND_SEGMENT : 0;
-    keys.ipv4("group", record.segment_group);
-    keys.flag("native", record.native_encap);
-    keys.flag("proxy", record.vff_mode);
-    record.swbd = record.vlan;
-    keys.number("swbd", record.swbd);
-    keys.choice("segment_mode", record.segment_mode,
-                {{"multicast", KX_SEGMENT_MULTICAST}, {"unicast", KX_SEGMENT_UNICAST}});
-    keys.number("segment_features", record.segment_features);
-    keys.text("name", record.name);
-    keys.number("vtep_dsn", record.vtep_dsn);
-    keys.number("mac_dsn", record.mac_dsn);
-    keys.number("bgp_vtep_dsn", record.bgp_vtep_dsn);
-    return record;
-}
-
-void parse_bridge_domains(object_reader &file, host &into) {
-    bridge_domain_table &table = into.bridge_domains;
-    file.numbers("vlans", *table.vlans, 1, KX_LAST_VLAN);
-    file.each("bridge_domains", [&](object_reader &keys) {
-        bridge_domain parsed;
-        parsed.record = parse_record(keys);
-        keys.flag("known", parsed.known);
-        keys.numbers("members", *parsed.members, 0, LAST_LTL);
-        keys.each("multicast",
-                  [&](object_reader &group) { group.ipv4("group", parsed.groups.emplace_back()); });
-        if (!table.by_index.emplace(parsed.record.index, parsed).second) {
-            keys.fail("index", "is used twice");
-        }
-    });
-}
 
 void answer_count(host &state, exchange &talk) {
     talk.reply_with(static_cast<uint32_t>(state.bridge_domains.by_index.size()));
@@ -70,12 +27,18 @@ const bridge_domain *find_bridge_domain(const host &state, uint32_t index) {
     return found == state.bridge_domains.by_index.end() ? nullptr : &found->second;
 }
 
+kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
+    kx_bd_record wire = bd.record;
+    wire.index = index;
+    return wire;
+}
+
 void answer_record(host &state, exchange &talk) {
     const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
     if (found == nullptr || !found->known) {
         talk.fail();
     } else {
-        talk.reply_with(found->record);
+        talk.reply_with(wire_record(talk.request.arg, *found));
     }
 }
 
@@ -84,7 +47,7 @@ template <typename predicate> void find_record(host &state, exchange &talk, pred
     const auto asked = talk.input_as<kx_bd_record>();
     for (const auto &[index, found] : state.bridge_domains.by_index) {
         if (found.known && matches(found.record, asked)) {
-            talk.reply_with(found.record);
+            talk.reply_with(wire_record(index, found));
             return;
         }
     }
@@ -228,4 +191,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family bridge_domain_family = {parse_bridge_domains, ANSWERS};
+constinit const family bridge_domain_family = {ANSWERS};

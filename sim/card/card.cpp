@@ -1,7 +1,5 @@
 #include "sim/card/card.h"
 
-#include "sim/object_reader.h"
-
 #include <algorithm>
 #include <cstring>
 #include <optional>
@@ -9,86 +7,6 @@
 #include <type_traits>
 
 namespace {
-
-constexpr size_t LONGEST_TEXT = 255;
-
-void parse_texts(object_reader &keys, card_state &card) {
-    keys.text("name", *card.name, LONGEST_TEXT);
-    keys.text("uuid", *card.uuid, LONGEST_TEXT);
-    keys.number("uuid_type", card.uuid_type);
-    keys.text("switch_name", *card.switch_name, LONGEST_TEXT);
-    keys.text("switch_alias", *card.switch_alias, LONGEST_TEXT);
-    keys.text("switch_uuid", *card.switch_uuid, LONGEST_TEXT);
-    keys.object("versions", [&](object_reader &versions) {
-        versions.text("hmx", *card.versions.hmx, LONGEST_TEXT);
-        versions.text("krt", *card.versions.krt, LONGEST_TEXT);
-        versions.text("system", *card.versions.system, LONGEST_TEXT);
-        versions.text("opflex_sdk", *card.versions.opflex_sdk, LONGEST_TEXT);
-        versions.number("update_level", card.versions.update_level);
-        versions.number("word", card.versions.word);
-    });
-}
-
-void parse_addresses(object_reader &keys, card_state &card) {
-    keys.object("macs", [&](object_reader &macs) {
-        macs.mac("control", *card.macs.control);
-        macs.mac("packet", *card.macs.packet);
-        macs.mac("span", *card.macs.span);
-        macs.mac("agent", *card.macs.agent);
-        macs.mac("primary_krt", *card.macs.primary_krt);
-        macs.mac("primary_krt_packet", *card.macs.primary_krt_packet);
-        macs.mac("primary_krt_management", *card.macs.primary_krt_management);
-        macs.mac("standby_krt_control", *card.macs.standby_krt_control);
-        macs.mac("secondary_krt", *card.macs.secondary_krt);
-    });
-    keys.ipv6("management_ipv6", *card.management_ipv6);
-    keys.ipv4("l3_control_ipv4", *card.l3_control_ipv4);
-}
-
-void parse_switch(object_reader &keys, card_state &card) {
-    keys.flag("version_mismatch", card.version_mismatch);
-    keys.number("domain", card.domain);
-    keys.number("slot", card.slot);
-    keys.number("tunnel_mode", card.tunnel_mode);
-    keys.number("l3_control_index", card.l3_control_index);
-    keys.number("l3_control_vlan", card.l3_control_vlan);
-    keys.flag("leaf_mode", card.leaf_mode);
-    keys.choice("upgrade", card.upgrade,
-                {{"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}});
-    keys.number("physical_ports", card.physical_ports);
-    keys.number("virtual_ports", card.virtual_ports);
-    keys.number("control_vlan", card.control_vlan);
-    keys.number("packet_vlan", card.packet_vlan);
-    keys.flag("control_multicast", card.control_multicast);
-    keys.number("heartbeat", card.heartbeat);
-    keys.number("krt_uptime", card.krt_uptime);
-}
-
-void parse_host_state(object_reader &keys, card_state &card) {
-    keys.flag("dpa_up", card.dpa_up);
-    keys.number("processors", card.processors->processors);
-    keys.number("processor_cores", card.processors->cores);
-    keys.number("processor_sockets", card.processors->sockets);
-    keys.number("kernel_memory", card.processors->kernel_memory);
-    keys.number("link_up_delay", card.link_up_delay);
-    keys.number("load_balancing", card.load_balancing);
-    keys.flag("uufb", card.uufb);
-    keys.flag("portset_event", card.portset_event);
-    keys.flag("bpdu_guard", card.bpdu_guard);
-    keys.flag("bpdu_filter", card.bpdu_filter);
-    keys.flag("datapath_initialized", card.datapath_initialized);
-    keys.flag("tag_native_vlan", card.tag_native_vlan);
-    keys.flag("l3sec", card.l3sec);
-}
-
-void parse_card(object_reader &file, host &into) {
-    file.object("card", [&](object_reader &keys) {
-        parse_texts(keys, into.card);
-        parse_addresses(keys, into.card);
-        parse_switch(keys, into.card);
-        parse_host_state(keys, into.card);
-    });
-}
 
 void answer_domain(host &state, exchange &talk) {
     if (state.card.version_mismatch) {
@@ -102,7 +20,7 @@ void answer_card_api(host &, exchange &talk) {
     talk.reply_with(uint32_t{1});
 }
 
-// The type stands behind the caller's 48 bytes, whatever the text's length.
+// The type is assumed to stand behind the caller's 48 bytes, whatever the text's length.
 void answer_uuid(host &state, exchange &talk) {
     if (!state.card.uuid) {
         return talk.fail();
@@ -112,7 +30,9 @@ void answer_uuid(host &state, exchange &talk) {
     std::memcpy(uuid.text, text.data(), std::min(text.size(), sizeof uuid.text));
     uuid.type = state.card.uuid_type.value_or(0);
     talk.reply_with(uuid);
-    talk.behind = state.card.uuid_type ? sizeof uuid.type : 0;
+    if (!state.card.uuid_type) {
+        talk.reply.resize(sizeof uuid.text);
+    }
     talk.returned = static_cast<uint32_t>(std::min(text.size() + 1, sizeof uuid.text));
 }
 
@@ -251,7 +171,11 @@ constexpr answer fixed(kxdpa_opcode opcode, uint8_t flags, uint32_t length,
 constexpr answer ANSWERS[] = {
     fixed(KXDPA_OP_CARD_DOMAIN, KXDPA_FLAG_OUT, 4, answer_domain),
     fixed(KXDPA_OP_CARD_API, KXDPA_FLAG_OUT, 4, answer_card_api),
-    get_text(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid),
+    {.opcode = KXDPA_OP_CARD_UUID,
+     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
+     .capacity = KX_CARD_UUID_CAPACITY,
+     .reply = answer_uuid,
+     .behind = sizeof kx_card_uuid::type},
     get_text(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY, reply_member<&card_state::name>),
     // Asked with whatever the request before has left.
     get_text(KXDPA_OP_SWITCH_NAME, 0, reply_member<&card_state::switch_name>),
@@ -306,4 +230,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family card_family = {parse_card, ANSWERS};
+constinit const family card_family = {ANSWERS};

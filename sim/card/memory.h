@@ -1,9 +1,9 @@
+// Who answers about the DPA's memory and its asserts.
 #ifndef SIM_CARD_MEMORY_H
 #define SIM_CARD_MEMORY_H
 
 #include "sim/answer.h"
 
-// "heaps", "memory_pools" and "asserts" of the host file.
 extern const family memory_family;
 
 #endif

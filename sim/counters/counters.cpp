@@ -1,67 +1,9 @@
 #include "sim/counters/counters.h"
 
-#include "sim/object_reader.h"
-
 #include <algorithm>
 #include <string>
 
 namespace {
-
-uint32_t parse_ltl(object_reader &keys) {
-    uint32_t ltl = 0;
-    keys.require("ltl");
-    keys.number("ltl", ltl);
-    return ltl;
-}
-
-kx_port_statistics parse_traffic(object_reader &keys) {
-    kx_port_statistics counters{};
-    keys.number("received", counters.received_packets);
-    keys.number("received_bytes", counters.received_bytes);
-    keys.number("receive_drops", counters.receive_drops);
-    keys.number("sent", counters.sent_packets);
-    keys.number("sent_bytes", counters.sent_bytes);
-    keys.number("transmit_drops", counters.transmit_drops);
-    keys.number("transmit_floods", counters.transmit_floods);
-    return counters;
-}
-
-// Stages that are not named are unused.
-kx_drop_counters parse_drops(object_reader &keys) {
-    kx_drop_counters counters{};
-    for (uint32_t i = 0; i < KX_STAGES; ++i) {
-        const std::string stage = std::to_string(i);
-        if (keys.has(stage)) {
-            counters.stages[i].valid = 1;
-            keys.number(stage, counters.stages[i].drops);
-        }
-    }
-    return counters;
-}
-
-void parse_counters(object_reader &file, host &into) {
-    counter_table &table = into.counters;
-    file.each("traffic", [&](object_reader &keys) {
-        const uint32_t ltl = parse_ltl(keys);
-        table.traffic[ltl] = parse_traffic(keys);
-    });
-    file.each("drops", [&](object_reader &keys) {
-        const uint32_t ltl = parse_ltl(keys);
-        table.drops[ltl] = parse_drops(keys);
-    });
-    file.object("multicast_drops",
-                [&](object_reader &keys) { table.multicast_drops = parse_drops(keys); });
-    file.object("flood_drops", [&](object_reader &keys) { table.flood_drops = parse_drops(keys); });
-    file.each("stages", [&](object_reader &keys) {
-        kx_stage_descriptor stage{};
-        stage.number = static_cast<uint8_t>(table.stages.size());
-        stage.present = 1;
-        keys.number("number", stage.number);
-        keys.flag("present", stage.present);
-        keys.text("name", stage.name);
-        table.stages.push_back(stage);
-    });
-}
 
 void answer_traffic(host &state, exchange &talk) {
     const auto found = state.counters.traffic.find(talk.request.arg);
@@ -147,4 +89,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family counter_family = {parse_counters, ANSWERS};
+constinit const family counter_family = {ANSWERS};

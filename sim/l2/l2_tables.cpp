@@ -1,87 +1,11 @@
 #include "sim/l2/l2_tables.h"
 
-#include "sim/object_reader.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <set>
 
 namespace {
-
-void parse_flag(object_reader &keys, const char *key, uint8_t bit, uint8_t &flags) {
-    bool set = false;
-    keys.flag(key, set);
-    if (set) {
-        flags |= bit;
-    }
-}
-
-l2_entry parse_entry(object_reader &keys) {
-    l2_entry entry{};
-    keys.require("mac");
-    keys.mac("mac", entry.mac);
-    keys.number("ltl", entry.ltl);
-    keys.number("age", entry.age);
-    parse_flag(keys, "static", KX_L2_STATIC, entry.flags);
-    parse_flag(keys, "secure", KX_L2_SECURE, entry.flags);
-    parse_flag(keys, "drop", KX_L2_DROP, entry.flags);
-    parse_flag(keys, "software", KX_L2_SOFTWARE, entry.flags);
-    if (keys.has("pvlan")) {
-        entry.flags |= KX_L2_PVLAN;
-    }
-    keys.number("pvlan", entry.pvlan);
-    keys.number("dsn", entry.dsn);
-    keys.ipv4("remote_ip", entry.remote_ip);
-    keys.number("slot", entry.slot);
-    keys.number("encap", entry.encap);
-    return entry;
-}
-
-announced_mac parse_announced(object_reader &keys) {
-    announced_mac entry{};
-    keys.mac("mac", entry.mac);
-    keys.flag("sent", entry.sent);
-    keys.number("last_sent", entry.last_sent);
-    return entry;
-}
-
-void parse_table(object_reader &keys, l2_state &into) {
-    uint32_t index = 0;
-    keys.require("bridge_domain");
-    keys.number("bridge_domain", index, 1);
-    l2_table &table = into.tables[index];
-    keys.number("limit", table.limit);
-    keys.number("aging_time", table.aging_time);
-    std::set<mac_address> used;
-    keys.each("entries", [&](object_reader &entry_keys) {
-        const l2_entry entry = parse_entry(entry_keys);
-        if (!used.insert(entry.mac).second) {
-            entry_keys.fail("mac", "is used twice");
-        }
-        table.entries.push_back(entry);
-    });
-    keys.each("announced", [&](object_reader &entry_keys) {
-        table.announced->push_back(parse_announced(entry_keys));
-    });
-    if (table.announced->size() > KX_GET_MAC_ENTRIES) {
-        keys.fail("announced", "too many addresses");
-    }
-}
-
-void parse_l2(object_reader &file, host &into) {
-    file.object("l2", [&](object_reader &keys) {
-        keys.number("now", into.l2.now);
-        keys.number("slots", into.l2.slots, 1);
-        uint64_t flow_entries = 0;
-        keys.number("flow_entries", flow_entries);
-        into.l2.totals->flow_entries = flow_entries;
-        keys.number("vnic_entries", into.l2.totals->vnic_entries);
-        keys.number("aged", into.l2.aging->aged);
-        keys.number("rejected", into.l2.aging->rejected);
-        keys.each("tables", [&](object_reader &table) { parse_table(table, into.l2); });
-    });
-}
 
 kx_l2_entry wire_entry(const l2_entry &entry, uint32_t now) {
     kx_l2_entry wire{};
@@ -127,8 +51,9 @@ void answer_aging_time(host &state, exchange &talk) {
     }
 }
 
-// The place of the entry behind the one with the address, of the first for the address zero. A walk
-// asks for one after the other, so the place of the last answer is looked at first.
+// The place of the entry behind the one with the address, of the first for the address zero, which
+// therefore is never told itself. A walk asks for one after the other, so the place of the last
+// answer is looked at first.
 size_t place_behind(l2_table &table, const mac_address &mac) {
     const auto &entries = table.entries;
     size_t &last = table.last_asked;
@@ -145,16 +70,30 @@ size_t place_behind(l2_table &table, const mac_address &mac) {
     return last;
 }
 
+// The first entry from a place on that `matches` holds for; the walk stands there then.
+template <typename predicate>
+const l2_entry *find_entry(l2_table &table, size_t first, predicate matches) {
+    for (size_t place = first; place < table.entries.size(); place++) {
+        const l2_entry &entry = table.entries[place];
+        if (entry.mac != mac_address{} && matches(entry)) {
+            table.last_asked = place;
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
 void answer_next_entry(host &state, exchange &talk) {
     l2_table *table = table_of(state, talk);
     if (table == nullptr) {
         return;
     }
-    const size_t next = place_behind(*table, talk.input_as<mac_address>());
-    if (next < table->entries.size()) {
-        talk.reply_with(wire_entry(table->entries[next], state.l2.now));
-    } else {
+    const size_t first = place_behind(*table, talk.input_as<mac_address>());
+    const l2_entry *found = find_entry(*table, first, [](const l2_entry &) { return true; });
+    if (found == nullptr) {
         talk.fail();
+    } else {
+        talk.reply_with(wire_entry(*found, state.l2.now));
     }
 }
 
@@ -170,14 +109,10 @@ void answer_slot_step(host &state, exchange &talk) {
         return entry.mac.back() % *l2.slots == talk.request.arg;
     };
     for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
-        const auto &entries = table->second.entries;
         const bool goes_on = table->first == step.bd_index;
         const size_t first =
             goes_on ? place_behind(table->second, std::to_array(step.entry.mac)) : 0;
-        const auto found =
-            std::find_if(entries.begin() + static_cast<ptrdiff_t>(first), entries.end(), in_slot);
-        if (found != entries.end()) {
-            table->second.last_asked = static_cast<size_t>(found - entries.begin());
+        if (const l2_entry *found = find_entry(table->second, first, in_slot)) {
             talk.reply_with(kx_l2_slot_step{*l2.slots, table->first, wire_entry(*found, l2.now)});
             return;
         }
@@ -245,4 +180,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family l2_family = {parse_l2, ANSWERS};
+constinit const family l2_family = {ANSWERS};

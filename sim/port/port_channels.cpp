@@ -1,49 +1,8 @@
 #include "sim/port/port_channels.h"
 
 #include "handlers/port/port_record.h"
-#include "sim/object_reader.h"
 
 namespace {
-
-port_channel_member parse_member(object_reader &keys) {
-    port_channel_member member;
-    keys.require("ltl");
-    keys.number("ltl", member.ltl);
-    keys.number("sub_group", member.sub_group);
-    if (keys.has("pinned")) {
-        keys.number("pinned", member.pinned.emplace());
-    }
-    return member;
-}
-
-void parse_channel(object_reader &keys, port_channel_table &table) {
-    uint32_t ltl = 0;
-    port_channel channel;
-    keys.require("ltl");
-    keys.number("ltl", ltl, KX_LTL_FIRST_PORT_CHANNEL, KX_LTL_LAST_PORT_CHANNEL);
-    keys.number("channel", channel.channel);
-    keys.number("designated_sub_group", channel.designated_sub_group);
-    keys.each("members", [&](object_reader &member) {
-        if (channel.members.size() == KX_PC_MEMBERS) {
-            member.fail("ltl", "is one member too many");
-        }
-        channel.members.push_back(parse_member(member));
-    });
-    if (!table.by_ltl.emplace(ltl, channel).second) {
-        keys.fail("ltl", "is used twice");
-    }
-}
-
-void parse_port_channels(object_reader &file, host &into) {
-    file.choice("port_channel_mode", into.port_channels.mode,
-                {{"none", KX_PC_MODE_NONE},
-                 {"static", KX_PC_MODE_STATIC},
-                 {"lacp-active", KX_PC_MODE_LACP_ACTIVE},
-                 {"lacp-passive", KX_PC_MODE_LACP_PASSIVE},
-                 {"mac-pinning", KX_PC_MODE_MAC_PINNING}});
-    file.each("port_channels",
-              [&](object_reader &keys) { parse_channel(keys, into.port_channels); });
-}
 
 void answer_mode(host &state, exchange &talk) {
     talk.tell(state.port_channels.mode);
@@ -89,4 +48,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family port_channel_family = {parse_port_channels, ANSWERS};
+constinit const family port_channel_family = {ANSWERS};

@@ -2,85 +2,8 @@
 
 #include "handlers/port/bridge_domain_record.h"
 #include "infra/utils/kxlibbmp.h"
-#include "sim/object_reader.h"
 
 namespace {
-
-void parse_states(object_reader &keys, kx_port_record &record) {
-    keys.choice("admin", record.admin_state, {{"up", KX_PORT_UP}, {"down", 0}});
-    keys.choice("link", record.link_state, {{"up", KX_PORT_UP}, {"down", 0}});
-    keys.flag("forwarding", record.forwarding);
-    keys.choice("error", record.errdis_event,
-                {{"link-flap", 0},    {"udld", 1},        {"bpdu", 2},
-                 {"loopback", 3},     {"storm", 4},       {"dhcp", 5},
-                 {"arp", 6},          {"security", 7},    {"psec", 8},
-                 {"vpc", 9},          {"stp", 10},        {"vic", 12},
-                 {"dcbx", 13},        {"rate-limit", 14}, {"ip-address", 19},
-                 {"qos", 22},         {"software", 23},   {"power", 24},
-                 {"hmx-config", 253}, {"hmx", 254},       {"none", NO_ERRDIS_EVENT}});
-    keys.choice("leaf_block", record.leaf_block_reason,
-                {{"bpdu", KX_LEAF_BLOCK_BPDU}, {"zero-mac", KX_LEAF_BLOCK_ZERO_MAC}});
-    keys.choice("leaf_wait", record.leaf_wait_state,
-                {{"ack", KX_LEAF_WAIT_ACK}, {"policy", KX_LEAF_WAIT_POLICY}});
-}
-
-void parse_record(object_reader &keys, kx_port_record &record) {
-    parse_states(keys, record);
-    keys.interface("interface", record.if_index);
-    keys.number("dvport", record.dvport_id);
-    keys.number("port_channel", record.pc_ltl);
-    keys.flag("vlan_mode", record.vlan_mode);
-    keys.number("mode", record.port_mode);
-    keys.flag("may_be_empty", record.presence);
-    keys.number("sub_group_a", record.sub_group_a);
-    keys.number("sub_group_b", record.sub_group_b);
-    keys.flag("leaf_sub_group", record.leaf_sub_group_valid);
-    keys.number("segment", record.segment_id);
-    keys.flag("vxlan", record.vxlan);
-    keys.flag("vmotion", record.vmotion);
-    keys.flag("l3_service", record.l3_service);
-    keys.number("service_path", record.service_path);
-    keys.number("org", record.org);
-    keys.text("name", record.hmx_port_name);
-    keys.text("device", record.device_type);
-    keys.text("dvport_group", record.dvport_group);
-}
-
-void parse_view(object_reader &keys, port_view &view) {
-    keys.flag("known", view.known);
-    parse_record(keys, view.record);
-    keys.numbers("vlans", *view.vlans, 0, KX_LAST_VLAN);
-    keys.numbers("forwards_on", view.forwards_on, 0, KX_LAST_VLAN);
-}
-
-// The port's own keys are the HMX's view; the other views say where they differ.
-port parse_port(object_reader &keys) {
-    port parsed;
-    port_view &own = parsed.views[KX_VIEW_HMX];
-    parse_view(keys, own);
-    parsed.views[KX_VIEW_KRT] = own;
-    parsed.views[KX_VIEW_SYSTEM] = own;
-    keys.object("krt", [&](object_reader &view) { parse_view(view, parsed.views[KX_VIEW_KRT]); });
-    keys.object("system",
-                [&](object_reader &view) { parse_view(view, parsed.views[KX_VIEW_SYSTEM]); });
-    if (keys.has("mac")) {
-        keys.mac("mac", parsed.mac.emplace());
-    }
-    keys.flag("secure", parsed.secure);
-    keys.number("secure_learning", parsed.security->learning);
-    return parsed;
-}
-
-void parse_ports(object_reader &file, host &into) {
-    file.each("ports", [&](object_reader &keys) {
-        uint32_t ltl = 0;
-        keys.require("ltl");
-        keys.number("ltl", ltl, 0, LAST_LTL);
-        if (!into.ports.by_ltl.emplace(ltl, parse_port(keys)).second) {
-            keys.fail("ltl", "is used twice");
-        }
-    });
-}
 
 void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
@@ -199,4 +122,4 @@ port_view *find_port_view(host &state, uint32_t argument) {
     return &found->views[view];
 }
 
-constinit const family port_family = {parse_ports, ANSWERS};
+constinit const family port_family = {ANSWERS};

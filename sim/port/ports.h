@@ -10,7 +10,6 @@ port *find_port(host &state, uint32_t ltl);
 // The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
 port_view *find_port_view(host &state, uint32_t argument);
 
-// "ports" of the host file.
 extern const family port_family;
 
 #endif

@@ -1,32 +1,9 @@
 #include "sim/port/private_vlans.h"
 
 #include "handlers/port/bridge_domain_record.h"
-#include "sim/object_reader.h"
 #include "sim/port/ports.h"
 
 namespace {
-
-void parse_private_vlans(object_reader &file, host &into) {
-    file.each("private_vlans", [&](object_reader &keys) {
-        uint32_t ltl = 0;
-        kx_port_pvlan pvlan{};
-        keys.require("ltl");
-        keys.number("ltl", ltl);
-        keys.require("vlan");
-        keys.number("vlan", pvlan.vlan, 0, KX_LAST_VLAN);
-        keys.choice("role", pvlan.role,
-                    {{"none", KX_PVLAN_NONE},
-                     {"isolated", KX_PVLAN_ISOLATED},
-                     {"community", KX_PVLAN_COMMUNITY},
-                     {"promiscuous", KX_PVLAN_PROMISCUOUS},
-                     {"promiscuous-trunk", KX_PVLAN_PROMISCUOUS_TRUNK}});
-        keys.number("primary", pvlan.primary, 0, KX_LAST_VLAN);
-        keys.number("secondary", pvlan.secondary, 0, KX_LAST_VLAN);
-        if (!into.private_vlans.emplace(std::pair{ltl, pvlan.vlan}, pvlan).second) {
-            keys.fail("vlan", "is used twice on the port");
-        }
-    });
-}
 
 // A port without a role on the VLAN answers that it has none.
 void answer_private_vlan(host &state, exchange &talk) {
@@ -49,4 +26,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family private_vlan_family = {parse_private_vlans, ANSWERS};
+constinit const family private_vlan_family = {ANSWERS};

@@ -8,9 +8,6 @@
 
 namespace {
 
-void parse_nothing(object_reader &, host &) {
-}
-
 // A trunk carries its native VLAN beside the others, an access port carries no other one.
 void set_port_mode(port_view &view, const kx_port_mode_request &request) {
     const bool trunk = request.mode == KX_PORT_TRUNK;
@@ -78,4 +75,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family settings_family = {parse_nothing, ANSWERS};
+constinit const family settings_family = {ANSWERS};

@@ -213,7 +213,7 @@ TEST_F(ShowCard, BoundsEveryText) {
                               reply(171, 'c', 0), reply(256, 'd', 7), reply(175, 'e', 0)};
     const std::string text = run("show card");
     EXPECT_EQ(text.substr(0, text.find("Card domain")),
-              "Card UUID type  0: " + std::string(48, 'a') + "\nCard name: " +
+              "Card UUID type 1633771873: " + std::string(48, 'a') + "\nCard name: " +
                   std::string(256, 'b') + "\nSwitch name: " + std::string(300, 'c') +
                   "\nSwitch alias: \nSwitch uuid: " + std::string(48, 'e') + "\n");
 }

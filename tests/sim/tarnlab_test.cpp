@@ -49,7 +49,7 @@ TEST(Tarnlab, ExitValueIsTheCommands) {
 TEST(Tarnlab, BadHostFileIsOneLineAndTheCommandDoesNotRun) {
     const std::string path = SCRATCH + ".json";
     outcome seen = run(LAB + " --host " + path + PROBE + "exit 0");
-    EXPECT_EQ(seen.text, "tarnlab: " + path + ":0: cannot be read: No such file or directory\n");
+    EXPECT_EQ(seen.text, "tarnlab: " + path + ": cannot be read: No such file or directory\n");
     EXPECT_EQ(seen.exit_value, 2);
     std::ofstream(path) << "{\n \"card\": {\"domian\": 1}}";
     seen = run(LAB + " --host " + path + PROBE + "exit 0");

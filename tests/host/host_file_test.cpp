@@ -2,8 +2,10 @@
 #include "host/hex.h"
 #include "host/host_file.h"
 #include "sim/builtin_host.h"
+#include "tests/host/random_host.h"
 
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -104,6 +106,27 @@ TEST(HostFile, BuiltInHostIsWellFormed) {
     host parsed;
     std::string error;
     EXPECT_TRUE(parse_host(builtin_host_text(), "built-in host", parsed, error)) << error;
+}
+
+TEST(HostFile, ComesBackAsItWasWritten) {
+    std::vector<std::string> texts = {std::string(builtin_host_text())};
+    for (const auto &entry : std::filesystem::directory_iterator(TESTS_DIR "/hosts")) {
+        std::string error;
+        EXPECT_TRUE(read_host_file(entry.path(), texts.emplace_back(), error)) << error;
+    }
+    for (uint32_t seed = 0; seed < 300; seed++)
+        texts.push_back(write_host(random_host(seed)));
+    for (const std::string &text : texts) {
+        host first;
+        host second;
+        std::string error;
+        std::vector<std::string> unsaid;
+        ASSERT_TRUE(parse_host(text, "f", first, error)) << error << text;
+        const std::string written = write_host(first, &unsaid);
+        EXPECT_EQ(unsaid, std::vector<std::string>{});
+        ASSERT_TRUE(parse_host(written, "f", second, error)) << error << written;
+        ASSERT_EQ(write_host(second), written);
+    }
 }
 
 TEST(Hex, ShortensRunsAndReadsThemBack) {

@@ -1,0 +1,448 @@
+// How the rows of the key tables reach their values, made from paths of member pointers.
+//
+//     at<&port_view::record, &kx_port_record::if_index>
+//
+// A step of a path is a member pointer or a function that takes a reference to one. Behind an
+// optional on the way that is empty there is nothing to reach.
+#ifndef HOST_ACCESS_H
+#define HOST_ACCESS_H
+
+#include "host/key.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+// An entry of a map on its way into or out of it.
+template <typename map> struct keyed {
+    typename map::key_type key{};
+    typename map::mapped_type value{};
+};
+
+namespace access_detail {
+
+template <typename T> constexpr bool IS_OPTIONAL = false;
+template <typename T> constexpr bool IS_OPTIONAL<std::optional<T>> = true;
+
+template <typename T> constexpr bool IS_MAP = false;
+template <typename K, typename V> constexpr bool IS_MAP<std::map<K, V>> = true;
+
+template <typename owner, typename field> owner owner_of(field owner::*);
+template <auto first, auto...> struct path_owner { using type = decltype(owner_of(first)); };
+template <auto... path> using owner = typename path_owner<path...>::type;
+
+template <auto step, typename T> auto *take(T *object) {
+    if constexpr (std::is_member_object_pointer_v<decltype(step)>) {
+        return &(object->*step);
+    } else {
+        return &step(*object);
+    }
+}
+
+// The object or field at the end of the path, nullptr behind an empty optional. An optional at the
+// end is itself the field.
+template <auto first, auto... rest, typename T> auto *reach(T *object) {
+    auto *next = take<first>(object);
+    if constexpr (sizeof...(rest) == 0) {
+        return next;
+    } else if constexpr (IS_OPTIONAL<std::remove_cvref_t<decltype(*next)>>) {
+        using found = decltype(reach<rest...>(&**next));
+        return *next ? reach<rest...>(&**next) : found(nullptr);
+    } else {
+        return reach<rest...>(next);
+    }
+}
+
+template <auto... path> const auto *look_along(const void *object) {
+    return reach<path...>(static_cast<const owner<path...> *>(object));
+}
+
+template <auto... path> auto *open_along(void *object) {
+    return reach<path...>(static_cast<owner<path...> *>(object));
+}
+
+template <auto... path>
+using field_of = std::remove_cvref_t<decltype(*open_along<path...>(nullptr))>;
+
+template <typename T> key_value say(const T &field) {
+    key_value value;
+    if constexpr (IS_OPTIONAL<T>) {
+        if (field) {
+            return say(*field);
+        }
+        value.is = key_value::state::refused;
+    } else if constexpr (std::is_integral_v<T>) {
+        value.number = static_cast<uint64_t>(field);
+    } else if constexpr (std::is_same_v<T, std::set<uint32_t>>) {
+        value.numbers.assign(field.begin(), field.end());
+    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
+        // Numbers that are not used stand as zeros behind the others.
+        auto end = std::end(field);
+        while (end != std::begin(field) && end[-1] == 0) {
+            --end;
+        }
+        value.numbers.assign(std::begin(field), end);
+    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+        value.bytes.assign(field, std::find(std::begin(field), std::end(field), '\0'));
+    } else {
+        value.bytes.assign(std::begin(field), std::end(field));
+    }
+    return value;
+}
+
+template <typename T> void assign(T &field, const key_value &value) {
+    if constexpr (IS_OPTIONAL<T>) {
+        if (value.is == key_value::state::refused) {
+            field.reset();
+        } else {
+            assign(field.emplace(), value);
+        }
+    } else if constexpr (std::is_same_v<T, bool>) {
+        field = value.number != 0;
+    } else if constexpr (std::is_integral_v<T>) {
+        field = static_cast<T>(value.number);
+    } else if constexpr (std::is_same_v<T, std::set<uint32_t>>) {
+        field = {value.numbers.begin(), value.numbers.end()};
+    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
+        std::fill(std::begin(field), std::end(field), 0U);
+        std::copy_n(value.numbers.begin(), std::min(value.numbers.size(), std::size(field)), field);
+    } else if constexpr (std::is_same_v<T, std::string> ||
+                         std::is_same_v<T, std::vector<uint8_t>>) {
+        field.assign(value.bytes.begin(), value.bytes.end());
+    } else {
+        std::fill(std::begin(field), std::end(field), 0);
+        std::copy_n(value.bytes.begin(), std::min(value.bytes.size(), std::size(field)),
+                    std::begin(field));
+    }
+}
+
+template <typename T> constexpr uint64_t most_of() {
+    if constexpr (IS_OPTIONAL<T>) {
+        return most_of<typename T::value_type>();
+    } else if constexpr (std::is_same_v<T, bool>) {
+        return 1;
+    } else if constexpr (std::is_integral_v<T>) {
+        return static_cast<uint64_t>(std::numeric_limits<T>::max());
+    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+        return std::extent_v<T>;
+    } else {
+        return std::numeric_limits<uint32_t>::max();
+    }
+}
+
+template <auto... path> key_value get_at_path(const void *object) {
+    const auto *field = look_along<path...>(object);
+    if (field == nullptr) {
+        return {.is = key_value::state::out_of_place, .number = 0, .bytes = {}, .numbers = {}};
+    }
+    return say(*field);
+}
+
+template <auto... path> bool set_at_path(void *object, const key_value &value) {
+    auto *field = open_along<path...>(object);
+    if (field == nullptr) {
+        return false;
+    }
+    assign(*field, value);
+    return true;
+}
+
+template <auto... path> const void *look_at_part(const void *object) {
+    const auto *part = look_along<path...>(object);
+    if constexpr (IS_OPTIONAL<field_of<path...>>) {
+        return part != nullptr && *part ? &**part : nullptr;
+    } else {
+        return part;
+    }
+}
+
+template <auto... path> void *open_part(void *object) {
+    auto *part = open_along<path...>(object);
+    if constexpr (IS_OPTIONAL<field_of<path...>>) {
+        if (part == nullptr) {
+            return nullptr;
+        }
+        return *part ? &**part : &part->emplace();
+    } else {
+        return part;
+    }
+}
+
+template <auto... path> void reset_at_path(void *object) {
+    if constexpr (IS_OPTIONAL<field_of<path...>>) {
+        if (auto *part = open_along<path...>(object)) {
+            part->reset();
+        }
+    }
+}
+
+template <auto... path>
+bool each_item(const void *object, const std::function<void(const void *)> &visit) {
+    const auto *field = look_along<path...>(object);
+    using container = field_of<path...>;
+    if constexpr (IS_OPTIONAL<container>) {
+        if (field == nullptr || !*field) {
+            return false;
+        }
+        for (const auto &item : **field) {
+            visit(&item);
+        }
+    } else if constexpr (IS_MAP<container>) {
+        for (const auto &[key, value] : *field) {
+            const keyed<container> item{key, value};
+            visit(&item);
+        }
+    } else {
+        for (const auto &item : *field) {
+            visit(&item);
+        }
+    }
+    return true;
+}
+
+template <auto... path> void append_item(void *object, void *item) {
+    auto *field = open_along<path...>(object);
+    using container = field_of<path...>;
+    if constexpr (IS_OPTIONAL<container>) {
+        if (!*field) {
+            field->emplace();
+        }
+        using element = typename container::value_type::value_type;
+        (*field)->push_back(std::move(*static_cast<element *>(item)));
+    } else if constexpr (IS_MAP<container>) {
+        auto *entry = static_cast<keyed<container> *>(item);
+        field->emplace(std::move(entry->key), std::move(entry->value));
+    } else {
+        field->push_back(std::move(*static_cast<typename container::value_type *>(item)));
+    }
+}
+
+template <typename T> key_value get_whole(const void *object) {
+    return say(*static_cast<const T *>(object));
+}
+
+template <typename T> bool set_whole(void *object, const key_value &value) {
+    assign(*static_cast<T *>(object), value);
+    return true;
+}
+
+template <auto member, auto... path> key_value get_head(const void *object) {
+    const auto &record = *look_along<path...>(object);
+    if (!record) {
+        return {.is = key_value::state::refused, .number = 0, .bytes = {}, .numbers = {}};
+    }
+    return say((*record).*member);
+}
+
+template <auto member, auto... path> bool set_head(void *object, const key_value &value) {
+    auto &record = *open_along<path...>(object);
+    if (value.is == key_value::state::refused) {
+        record.reset();
+        return true;
+    }
+    if (!record) {
+        record.emplace();
+    }
+    assign((*record).*member, value);
+    return true;
+}
+
+template <auto... path> key_value get_presence(const void *object) {
+    const auto *part = look_along<path...>(object);
+    key_value value;
+    value.number = part->has_value() ? 1 : 0;
+    return value;
+}
+
+template <auto... path> bool set_presence(void *object, const key_value &value) {
+    auto *part = open_along<path...>(object);
+    if (value.number == 0) {
+        part->reset();
+    } else if (!*part) {
+        part->emplace();
+    }
+    return true;
+}
+
+template <auto bit, auto... path> key_value get_bit(const void *object) {
+    key_value value;
+    value.number = (*look_along<path...>(object) & bit) != 0 ? 1 : 0;
+    return value;
+}
+
+template <auto bit, auto... path> bool set_bit(void *object, const key_value &value) {
+    auto &flags = *open_along<path...>(object);
+    using field = std::remove_reference_t<decltype(flags)>;
+    flags = static_cast<field>(value.number != 0 ? flags | bit : flags & ~bit);
+    return true;
+}
+
+} // namespace access_detail
+
+// A value.
+template <auto... path>
+constexpr key_access at = {
+    .get = access_detail::get_at_path<path...>,
+    .set = access_detail::set_at_path<path...>,
+    .most = access_detail::most_of<access_detail::field_of<path...>>(),
+    .can_lack = access_detail::IS_OPTIONAL<access_detail::field_of<path...>>,
+    .in_order = std::is_array_v<access_detail::field_of<path...>>,
+};
+
+// The whole object.
+template <typename T>
+constexpr key_access whole = {
+    .get = access_detail::get_whole<T>,
+    .set = access_detail::set_whole<T>,
+    .most = access_detail::most_of<T>(),
+};
+
+// The first member of an optional record that the driver tells as a whole or not at all: refusing
+// the member refuses the record.
+template <auto member, auto... path>
+constexpr key_access head_of = {
+    .get = access_detail::get_head<member, path...>,
+    .set = access_detail::set_head<member, path...>,
+    .most = at<member>.most,
+    .can_lack = true,
+};
+
+// Whether the optional at the end of the path holds something.
+template <auto... path>
+constexpr key_access presence_of = {
+    .get = access_detail::get_presence<path...>,
+    .set = access_detail::set_presence<path...>,
+    .most = 1,
+};
+
+// Some bits of a number.
+template <auto bit, auto... path>
+constexpr key_access bit_of = {
+    .get = access_detail::get_bit<bit, path...>,
+    .set = access_detail::set_bit<bit, path...>,
+    .most = 1,
+};
+
+// An object in the object.
+template <auto... path>
+constexpr key_access part = {
+    .can_lack = access_detail::IS_OPTIONAL<access_detail::field_of<path...>>,
+    .look = access_detail::look_at_part<path...>,
+    .open = access_detail::open_part<path...>,
+    .drop = access_detail::reset_at_path<path...>,
+};
+
+// The items of a vector, of an optional one, or of a map, whose items are `keyed`.
+template <auto... path>
+constexpr key_access items_of = {
+    .most = std::numeric_limits<uint32_t>::max(),
+    .can_lack = access_detail::IS_OPTIONAL<access_detail::field_of<path...>>,
+    .drop = access_detail::reset_at_path<path...>,
+    .each = access_detail::each_item<path...>,
+    .append = access_detail::append_item<path...>,
+};
+
+// A new object for a table. What a map's entry may lack is there.
+template <typename T> std::shared_ptr<void> make_object(size_t /*place*/) {
+    auto made = std::make_shared<T>();
+    if constexpr (requires { made->value.has_value(); }) {
+        made->value.emplace();
+    }
+    return made;
+}
+
+// The rows.
+
+constexpr key value_key(key_type type, const char *name, const key_access &access,
+                        const char *meaning) {
+    return {.name = name,
+            .type = type,
+            .meaning = meaning,
+            .access = access,
+            .most = access.most,
+            .refusable = access.can_lack};
+}
+
+constexpr key number_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::number, name, access, meaning);
+}
+
+constexpr key flag_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::flag, name, access, meaning);
+}
+
+constexpr key word_key(const char *name, const key_access &access, std::span<const key_word> words,
+                       const char *meaning) {
+    key made = value_key(key_type::word, name, access, meaning);
+    made.words = words;
+    return made;
+}
+
+constexpr key words_key(const char *name, const key_access &access, std::span<const key_word> words,
+                        const char *meaning) {
+    key made = value_key(key_type::words, name, access, meaning);
+    made.words = words;
+    return made;
+}
+
+// `most` bytes; 0 for as many as the field takes.
+constexpr key text_key(const char *name, const key_access &access, uint64_t most,
+                       const char *meaning) {
+    const key made = value_key(key_type::text, name, access, meaning);
+    return most == 0 ? made : made.to(most);
+}
+
+constexpr key hex_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::hex, name, access, meaning);
+}
+
+constexpr key mac_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::mac, name, access, meaning);
+}
+
+constexpr key ipv4_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::ipv4, name, access, meaning);
+}
+
+constexpr key ipv6_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::ipv6, name, access, meaning);
+}
+
+constexpr key interface_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::interface, name, access, meaning);
+}
+
+constexpr key numbers_key(const char *name, const key_access &access, const char *meaning) {
+    return value_key(key_type::numbers, name, access, meaning);
+}
+
+constexpr key object_key(const char *name, const key_access &access, const key_table &table,
+                         const char *meaning) {
+    key made = value_key(key_type::object, name, access, meaning);
+    made.table = &table;
+    return made;
+}
+
+constexpr key list_key(const char *name, const key_access &access, const key_table &table,
+                       const char *meaning) {
+    key made = value_key(key_type::list, name, access, meaning);
+    made.table = &table;
+    return made;
+}
+
+constexpr key included_keys(const key_table &table, const key_access &access) {
+    key made = value_key(key_type::included, "", access, "");
+    made.table = &table;
+    made.refusable = false;
+    return made;
+}
+
+#endif

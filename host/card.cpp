@@ -1,0 +1,132 @@
+#include "host/card.h"
+#include "host/access.h"
+#include "host/keys.h"
+
+#include "dpa/userspace/kxdpa_opcodes.h"
+
+namespace {
+
+constexpr uint64_t LONGEST_TEXT = KX_CARD_NAME_CAPACITY; // bytes; other texts are cut by the driver
+
+constexpr key_word TUNNEL_MODES[] = {{"l2", 0}, {"l3", KX_TUNNEL_MODE_L3}};
+
+constexpr key_word UPGRADE_STATES[] = {
+    {"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}};
+
+constexpr key_word LOAD_BALANCING[] = {
+    {"destination-mac", 1},
+    {"source-mac", 2},
+    {"source-dest-mac", 3},
+    {"destination-ip-vlan", 4},
+    {"source-ip-vlan", 5},
+    {"source-dest-ip-vlan", 6},
+    {"destination-port", 7},
+    {"source-port", 8},
+    {"source-dest-port", 9},
+    {"dest-ip-port", 10},
+    {"source-ip-port", 11},
+    {"source-dest-ip-port", 12},
+    {"dest-ip-port-vlan", 13},
+    {"source-ip-port-vlan", 14},
+    {"source-dest-ip-port-vlan", 15},
+    {"destination-ip", 16},
+    {"source-ip", 17},
+    {"source-dest-ip", 18},
+    {"vlan-only", 19},
+    {"source-virtual-port-id", 20},
+};
+
+constexpr key MAC_KEYS[] = {
+    mac_key("control", at<&card_macs::control>, "of the HMX for control traffic"),
+    mac_key("packet", at<&card_macs::packet>, "of the HMX for packets to the KRT"),
+    mac_key("span", at<&card_macs::span>, "of the HMX for mirrored traffic"),
+    mac_key("agent", at<&card_macs::agent>, "of the user-space agent"),
+    mac_key("primary_krt", at<&card_macs::primary_krt>, "of the active KRT"),
+    mac_key("primary_krt_packet", at<&card_macs::primary_krt_packet>,
+            "of the active KRT for packets"),
+    mac_key("primary_krt_management", at<&card_macs::primary_krt_management>,
+            "of the active KRT's management interface"),
+    mac_key("standby_krt_control", at<&card_macs::standby_krt_control>,
+            "of the standby KRT for control traffic"),
+    mac_key("secondary_krt", at<&card_macs::secondary_krt>, "of the second KRT"),
+};
+
+constexpr key_table MACS = {"card_macs", "The card's MAC addresses", MAC_KEYS,
+                            make_object<card_macs>};
+
+constexpr key VERSION_KEYS[] = {
+    text_key("hmx", at<&card_versions::hmx>, LONGEST_TEXT, "version of the HMX"),
+    text_key("krt", at<&card_versions::krt>, LONGEST_TEXT, "version of the KRT"),
+    text_key("system", at<&card_versions::system>, LONGEST_TEXT, "version of the hypervisor"),
+    text_key("opflex_sdk", at<&card_versions::opflex_sdk>, LONGEST_TEXT,
+             "version of the OpFlex SDK, shown in leaf mode"),
+    number_key("update_level", at<&card_versions::update_level>, "the hypervisor's update level"),
+    number_key("word", at<&card_versions::word>,
+               "eight bytes that \"show version\" reads and writes back"),
+};
+
+constexpr key_table VERSIONS = {"card_versions", "The versions on the card", VERSION_KEYS,
+                                make_object<card_versions>};
+
+constexpr key KEYS[] = {
+    text_key("name", at<&card_state::name>, LONGEST_TEXT, "the host's name on the switch"),
+    text_key("uuid", at<&card_state::uuid>, LONGEST_TEXT, "the host's UUID"),
+    number_key("uuid_type", at<&card_state::uuid_type>,
+               "the kind of UUID; where the driver puts it, behind the room for the text, is an "
+               "assumption, and null is a driver that puts nothing there"),
+    text_key("switch_name", at<&card_state::switch_name>, LONGEST_TEXT, "the switch's name"),
+    text_key("switch_alias", at<&card_state::switch_alias>, LONGEST_TEXT,
+             "the switch's name on the host"),
+    text_key("switch_uuid", at<&card_state::switch_uuid>, LONGEST_TEXT, "the switch's UUID"),
+    number_key("domain", at<&card_state::domain>, "the switch's domain number"),
+    number_key("slot", at<&card_state::slot>, "the host's module number on the switch"),
+    flag_key("version_mismatch", at<&card_state::version_mismatch>,
+             "the HMX refuses a tool of this version"),
+    word_key("tunnel_mode", at<&card_state::tunnel_mode>, TUNNEL_MODES,
+             "how the HMX reaches the KRT; also how many VLANs are reserved"),
+    flag_key("leaf_mode", at<&card_state::leaf_mode>,
+             "the HMX is a leaf of an overlay policy controller"),
+    number_key("l3_control_index", at<&card_state::l3_control_index>,
+               "index of the layer-3 control interface"),
+    number_key("l3_control_vlan", at<&card_state::l3_control_vlan>, "VLAN of that interface"),
+    ipv4_key("l3_control_ipv4", at<&card_state::l3_control_ipv4>, "the KRT's layer-3 address"),
+    ipv6_key("management_ipv6", at<&card_state::management_ipv6>,
+             "the host's management address over IPv6"),
+    object_key("macs", part<&card_state::macs>, MACS, "MAC addresses"),
+    object_key("versions", part<&card_state::versions>, VERSIONS, "versions"),
+    word_key("upgrade", at<&card_state::upgrade>, UPGRADE_STATES, "the state of an upgrade"),
+    number_key("physical_ports", at<&card_state::physical_ports>, "most physical ports"),
+    number_key("virtual_ports", at<&card_state::virtual_ports>, "most virtual ports"),
+    number_key("control_vlan", at<&card_state::control_vlan>, "VLAN of the control traffic"),
+    number_key("packet_vlan", at<&card_state::packet_vlan>, "VLAN of the packets to the KRT"),
+    flag_key("control_multicast", at<&card_state::control_multicast>,
+             "control traffic is multicast"),
+    number_key("heartbeat", at<&card_state::heartbeat>,
+               "1 with a heartbeat from the KRT, 0 for a headless card"),
+    number_key("krt_uptime", at<&card_state::krt_uptime>, "since the KRT started").in("seconds"),
+    flag_key("dpa_up", at<&card_state::dpa_up>, "the user-space agent is up"),
+    number_key("processors", head_of<&kx_card_processors::processors, &card_state::processors>,
+               "logical processors; null for all about processors"),
+    number_key("processor_cores", at<&card_state::processors, &kx_card_processors::cores>,
+               "processor cores"),
+    number_key("processor_sockets", at<&card_state::processors, &kx_card_processors::sockets>,
+               "processor sockets"),
+    number_key("kernel_memory", at<&card_state::processors, &kx_card_processors::kernel_memory>,
+               "the kernel's memory, in the driver's own unit"),
+    number_key("link_up_delay", at<&card_state::link_up_delay>, "before a port's link is used")
+        .in("seconds"),
+    word_key("load_balancing", at<&card_state::load_balancing>, LOAD_BALANCING,
+             "what a port channel picks the member by"),
+    flag_key("uufb", at<&card_state::uufb>, "floods to unknown unicast addresses are blocked"),
+    flag_key("portset_event", at<&card_state::portset_event>, "a portset event is in progress"),
+    flag_key("bpdu_guard", at<&card_state::bpdu_guard>, "BPDU guard on all ports"),
+    flag_key("bpdu_filter", at<&card_state::bpdu_filter>, "BPDU filter on all ports"),
+    flag_key("datapath_initialized", at<&card_state::datapath_initialized>,
+             "the data path is initialized"),
+    flag_key("tag_native_vlan", at<&card_state::tag_native_vlan>, "the native VLAN is tagged"),
+    flag_key("l3sec", at<&card_state::l3sec>, "layer-3 control traffic is secured"),
+};
+
+} // namespace
+
+constinit const key_table CARD_KEYS = {"card", "The card", KEYS, make_object<card_state>};

@@ -1,0 +1,94 @@
+#include "host/l2.h"
+#include "host/access.h"
+#include "host/keys.h"
+
+namespace {
+
+using table_entry = keyed<decltype(l2_state::tables)>;
+
+key_value get_pvlan(const void *object) {
+    const auto *entry = static_cast<const l2_entry *>(object);
+    key_value value;
+    const bool given = (entry->flags & KX_L2_PVLAN) != 0;
+    value.is = given ? key_value::state::told : key_value::state::refused;
+    value.number = given ? entry->pvlan : 0;
+    return value;
+}
+
+bool set_pvlan(void *object, const key_value &value) {
+    auto *entry = static_cast<l2_entry *>(object);
+    entry->flags |= KX_L2_PVLAN;
+    entry->pvlan = static_cast<uint32_t>(value.number);
+    return true;
+}
+
+constexpr key_access PVLAN = {
+    .get = get_pvlan, .set = set_pvlan, .most = UINT32_MAX, .can_lack = true};
+
+template <auto bit> constexpr key_access FLAG = bit_of<bit, &l2_entry::flags>;
+
+constexpr key ENTRY_ROWS[] = {
+    mac_key("mac", at<&l2_entry::mac>, "the address").once(),
+    number_key("ltl", at<&l2_entry::ltl>, "the port behind it").in("LTL"),
+    number_key("age", at<&l2_entry::age>, "since it was last seen, in the DPA's own unit"),
+    flag_key("static", FLAG<KX_L2_STATIC>, "configured, not learnt"),
+    flag_key("secure", FLAG<KX_L2_SECURE>, "learnt securely"),
+    flag_key("drop", FLAG<KX_L2_DROP>, "what it sends is dropped"),
+    flag_key("software", FLAG<KX_L2_SOFTWARE>, "installed by software"),
+    number_key("pvlan", PVLAN, "private VLAN that it was learnt on").or_else("none").in("VLAN"),
+    number_key("dsn", at<&l2_entry::dsn>, "sequence number of a segment's entry"),
+    ipv4_key("remote_ip", at<&l2_entry::remote_ip>, "remote tunnel endpoint"),
+    number_key("slot", at<&l2_entry::slot>, "slot of an entry that software installed"),
+    number_key("encap", at<&l2_entry::encap>, "encapsulation ID of a static entry in leaf mode"),
+};
+
+constexpr key_table ENTRY_KEYS = {"l2_entry", "An address of an L2 table", ENTRY_ROWS,
+                                  make_object<l2_entry>};
+
+constexpr key ANNOUNCED_ROWS[] = {
+    mac_key("mac", at<&announced_mac::mac>, "the address"),
+    flag_key("sent", at<&announced_mac::sent>, "it has been announced"),
+    number_key("last_sent", at<&announced_mac::last_sent>, "when, in the DPA's own unit"),
+};
+
+constexpr key_table ANNOUNCED_KEYS = {"announced_mac", "An address of a get-mac table",
+                                      ANNOUNCED_ROWS, make_object<announced_mac>};
+
+constexpr key TABLE_ROWS[] = {
+    number_key("bridge_domain", at<&table_entry::key>, "the bridge domain's number")
+        .from(1)
+        .once()
+        .in("bridge domain"),
+    number_key("limit", at<&table_entry::value, &l2_table::limit>, "most entries"),
+    number_key("aging_time", at<&table_entry::value, &l2_table::aging_time>,
+               "before an address is forgotten")
+        .in("seconds"),
+    list_key("entries", items_of<&table_entry::value, &l2_table::entries>, ENTRY_KEYS,
+             "the addresses, in the order of the walk"),
+    list_key("announced", items_of<&table_entry::value, &l2_table::announced>, ANNOUNCED_KEYS,
+             "the addresses that the bridge domain announces")
+        .up_to(KX_GET_MAC_ENTRIES),
+};
+
+constexpr key_table TABLE_KEYS = {"l2_table", "The L2 table of a bridge domain", TABLE_ROWS,
+                                  make_object<table_entry>};
+
+constexpr key ROWS[] = {
+    number_key("now", at<&l2_state::now>, "the DPA's time, in its own unit"),
+    number_key("slots", at<&l2_state::slots>,
+               "slots of the tables; an address is in the one that its last byte gives")
+        .from(1),
+    number_key("flow_entries", head_of<&kx_l2_totals::flow_entries, &l2_state::totals>,
+               "of the whole flow table; null for `vnic_entries` too"),
+    number_key("vnic_entries", at<&l2_state::totals, &kx_l2_totals::vnic_entries>,
+               "of virtual interfaces"),
+    number_key("aged", head_of<&kx_l2_aging_statistics::aged, &l2_state::aging>,
+               "entries that were forgotten; null for `rejected` too"),
+    number_key("rejected", at<&l2_state::aging, &kx_l2_aging_statistics::rejected>,
+               "entries that found no room"),
+    list_key("tables", items_of<&l2_state::tables>, TABLE_KEYS, "the tables of bridge domains"),
+};
+
+} // namespace
+
+constinit const key_table L2_KEYS = {"l2", "The L2 tables", ROWS, make_object<l2_state>};

@@ -1,0 +1,118 @@
+#include "host/text.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+constexpr uint32_t FIRST_STAND_IN = 0xEF80;
+constexpr uint32_t LAST_STAND_IN = 0xEFFF;
+constexpr uint32_t BYTE_BASE = FIRST_STAND_IN - 0x80;
+
+struct character {
+    size_t length = 0; // bytes, 0 for none that is well-formed
+    uint32_t code = 0;
+};
+
+bool continues(uint8_t byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+// The character at the start of the text, which is not empty.
+character first_character(std::string_view text) {
+    const auto byte = [&](size_t at) { return static_cast<uint8_t>(text[at]); };
+    const uint8_t lead = byte(0);
+    if (lead < 0x80) {
+        return {1, lead};
+    }
+    // The least code of each length: a smaller one has a shorter form and is not well-formed.
+    const struct {
+        uint8_t mask, mark;
+        size_t length;
+        uint32_t least;
+    } forms[] = {{0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
+    for (const auto &form : forms) {
+        if ((lead & form.mask) != form.mark) {
+            continue;
+        }
+        if (text.size() < form.length) {
+            return {};
+        }
+        uint32_t code = lead & static_cast<uint8_t>(~form.mask);
+        for (size_t at = 1; at < form.length; at++) {
+            if (!continues(byte(at))) {
+                return {};
+            }
+            code = code << 6 | (byte(at) & 0x3F);
+        }
+        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+        return code < form.least || surrogate || code > 0x10FFFF ? character{}
+                                                                 : character{form.length, code};
+    }
+    return {};
+}
+
+bool is_stand_in(uint32_t code) {
+    return code >= FIRST_STAND_IN && code <= LAST_STAND_IN;
+}
+
+void append_stand_in(std::string &text, uint8_t byte) {
+    const uint32_t code = BYTE_BASE + byte;
+    text += static_cast<char>(0xE0 | code >> 12);
+    text += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+    text += static_cast<char>(0x80 | (code & 0x3F));
+}
+
+} // namespace
+
+std::string bytes_to_utf8(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const character first = first_character(bytes);
+        const size_t taken = first.length == 0 ? 1 : first.length;
+        if (first.length == 0 || is_stand_in(first.code)) {
+            for (const char byte : bytes.substr(0, taken)) {
+                append_stand_in(text, static_cast<uint8_t>(byte));
+            }
+        } else {
+            text += bytes.substr(0, taken);
+        }
+        bytes.remove_prefix(taken);
+    }
+    return text;
+}
+
+std::string bytes_from_utf8(std::string_view text) {
+    std::string bytes;
+    while (!text.empty()) {
+        const character first = first_character(text);
+        const size_t taken = first.length == 0 ? 1 : first.length;
+        if (is_stand_in(first.code)) {
+            bytes += static_cast<char>(first.code - BYTE_BASE);
+        } else {
+            bytes += text.substr(0, taken);
+        }
+        text.remove_prefix(taken);
+    }
+    return bytes;
+}
+
+std::string json_quoted(std::string_view utf8) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string quoted = "\"";
+    for (const char character : utf8) {
+        const auto byte = static_cast<uint8_t>(character);
+        const size_t short_form = std::string_view("\b\f\n\r\t\"\\").find(character);
+        if (short_form != std::string_view::npos) {
+            quoted += '\\';
+            quoted += "bfnrt\"\\"[short_form];
+        } else if (byte < 0x20 || byte == 0x7F) {
+            quoted += "\\u00";
+            quoted += digits[byte >> 4];
+            quoted += digits[byte & 15];
+        } else {
+            quoted += character;
+        }
+    }
+    return quoted + '"';
+}
