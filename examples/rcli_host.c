@@ -10,8 +10,8 @@
  *
  * A page that the buffer cannot hold loses its last rows. Asking for less is no way out: "show l2
  * all" counts its cookies in bridge domains, so the MAC table of one bridge domain is never parted,
- * and one of more than some 600 MACs does not fit. Then the exit value is 1, with a line on standard
- * error.
+ * and one of more than some 600 MACs does not fit. Then the exit value is 1, with a line on
+ * standard error.
  */
 #include <hmx_cmd.h>
 

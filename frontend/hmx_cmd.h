@@ -88,8 +88,8 @@ extern char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
 /*
  * Next write position; NULL (at start) selects standard output. The host sets it to the buffer's
  * start before each run. Writes that find no room are dropped but move it all the same, by the
- * length of the write before, and may move it past the buffer's end. So after a run everything fitted
- * when it stands at the text's end,
+ * length of the write before, and may move it past the buffer's end. So after a run everything
+ * fitted when it stands at the text's end,
  *
  *     hmx_rcli_buffer_ptr == hmx_rcli_buffer + strlen(hmx_rcli_buffer)
  *

@@ -2,7 +2,7 @@
 #ifndef SIM_PRELOAD_VARIABLES_H
 #define SIM_PRELOAD_VARIABLES_H
 
-constexpr const char *PRELOAD_LIBRARY = "libkestrelsim.so";
+constexpr const char *PRELOAD_LIBRARY = "tarnlab/libkestrelsim.so";
 constexpr const char *HOST_VARIABLE = "KESTRELSIM_HOST"; // path of the host file; built-in if unset
 constexpr const char *TRACE_VARIABLE = "KESTRELSIM_TRACE"; // file that request lines are added to
 
