@@ -6,9 +6,10 @@
 // "{trace}" in it replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without
 // "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
 // have to be written for the results that were seen.
+#include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
-#include "host/host_file.h"
 #include "frontend/kestrel_cmd_list.h"
+#include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
 #include "tests/text.h"
@@ -149,7 +150,8 @@ struct scratch_folder {
     scratch_folder &operator=(const scratch_folder &) = delete;
 };
 
-// Every handler of the command table behind one that notes its result.
+// Every handler of the command table behind one that notes its result. The rows that have nothing
+// to answer keep their own: the command layer knows them by it.
 kestrel_cmd_handler handlers[KESTREL_CMD_ROWS];
 int noted_results = -1; // a file
 
@@ -159,11 +161,14 @@ template <size_t ROW> int note_result(const char *arg) {
     return result;
 }
 
+template <size_t ROW> void note_results_of() {
+    handlers[ROW] = kestrel_cmd_list[ROW].handler;
+    if (handlers[ROW] != nullptr && handlers[ROW] != kx_show_empty && !kx_is_stub(handlers[ROW]))
+        kestrel_cmd_list[ROW].handler = note_result<ROW>;
+}
+
 template <size_t... ROW> void note_results(std::index_sequence<ROW...>) {
-    ((handlers[ROW] =
-          std::exchange(kestrel_cmd_list[ROW].handler,
-                        kestrel_cmd_list[ROW].handler == nullptr ? nullptr : note_result<ROW>)),
-     ...);
+    (note_results_of<ROW>(), ...);
 }
 
 void set_debug_words(const std::map<std::string, uint32_t> &words) {
