@@ -93,11 +93,14 @@ bool read_directive(const std::string &line, transcript_case &into) {
     const std::string rest = key.size() == line.size() ? "" : line.substr(key.size() + 1);
     if (key == "shell" || key == "agent" || key == "page") {
         into.mode = key;
-        into.words = split_words(rest);
+        if (!into.words.empty())
+            into.words.back() += ';';
+        const lines words = split_words(rest);
+        into.words.insert(into.words.end(), words.begin(), words.end());
     } else if (key == "host") {
         into.host = host_path(rest);
     } else if (key == "patch") {
-        into.patch = rest;
+        into.patch = rest.ends_with(".json") ? read_file(host_path(rest)) : rest;
     } else if (key == "debug") {
         const lines words = split_words(rest);
         into.debug_words[words.at(0)] = static_cast<uint32_t>(std::stoul(words.at(1), nullptr, 0));
