@@ -6,7 +6,9 @@
 // "{trace}" in it replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without
 // "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
 // have to be written for the results that were seen.
+#include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
+#include "frontend/kestrel_cmd_list.h"
 #include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
@@ -19,8 +21,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
+#include <iterator>
+#include <map>
+#include <regex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -43,7 +49,9 @@ struct transcript_case {
     std::string name;
     std::string mode; // "shell", "agent" (a whole walk) or "page" (one page of it)
     lines words;
-    std::string patch = "{}"; // JSON merge patch of the host file
+    std::string host;         // path of the host file
+    std::string patch = "{}"; // JSON merge patch of it
+    std::map<std::string, uint32_t> debug_words;
     bool mask_stamps = false;
     bool compare_requests = false;
     lines head; // the lines above the results, as they stand
@@ -51,14 +59,13 @@ struct transcript_case {
 };
 
 struct transcript {
-    std::string host; // path of the host file
     lines head;
     std::vector<transcript_case> cases;
 };
 
+// Empty for a file that is not there.
 std::string read_file(const fs::path &path) {
     std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path;
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -76,15 +83,27 @@ lines split_words(const std::string &text) {
     return words;
 }
 
+std::string host_path(const std::string &name) {
+    return fs::path(TESTS_DIR) / "hosts" / name;
+}
+
 // One line of a case above its results. False when it is a result already.
 bool read_directive(const std::string &line, transcript_case &into) {
     const std::string key = line.substr(0, line.find(' '));
     const std::string rest = key.size() == line.size() ? "" : line.substr(key.size() + 1);
     if (key == "shell" || key == "agent" || key == "page") {
         into.mode = key;
-        into.words = split_words(rest);
+        if (!into.words.empty())
+            into.words.back() += ';';
+        const lines words = split_words(rest);
+        into.words.insert(into.words.end(), words.begin(), words.end());
+    } else if (key == "host") {
+        into.host = host_path(rest);
     } else if (key == "patch") {
-        into.patch = rest;
+        into.patch = rest.ends_with(".json") ? read_file(host_path(rest)) : rest;
+    } else if (key == "debug") {
+        const lines words = split_words(rest);
+        into.debug_words[words.at(0)] = static_cast<uint32_t>(std::stoul(words.at(1), nullptr, 0));
     } else if (key == "mask-stamps") {
         into.mask_stamps = true;
     } else {
@@ -95,17 +114,19 @@ bool read_directive(const std::string &line, transcript_case &into) {
 
 transcript read_transcript(const fs::path &path) {
     transcript read;
+    std::string host = fs::path(TESTS_DIR).parent_path() / "sim" / "builtin_host.json";
     std::istringstream text(read_file(path));
     for (std::string line; std::getline(text, line);) {
         if (line.starts_with("case ")) {
             read.cases.emplace_back().name = line.substr(5);
+            read.cases.back().host = host;
         }
         lines &head = read.cases.empty() ? read.head : read.cases.back().head;
         if (line.starts_with("case ")) {
             head.push_back(line);
         } else if (read.cases.empty()) {
             if (line.starts_with("host "))
-                read.host = line.substr(5);
+                host = host_path(line.substr(5));
             head.push_back(line);
         } else if (read.cases.back().results.empty() && read_directive(line, read.cases.back())) {
             head.push_back(line);
@@ -115,9 +136,6 @@ transcript read_transcript(const fs::path &path) {
                 read.cases.back().compare_requests = true;
         }
     }
-    const fs::path tests(TESTS_DIR);
-    read.host = read.host.empty() ? tests.parent_path() / "sim" / "builtin_host.json"
-                                  : tests / "hosts" / read.host;
     return read;
 }
 
@@ -134,6 +152,41 @@ struct scratch_folder {
     scratch_folder(const scratch_folder &) = delete;
     scratch_folder &operator=(const scratch_folder &) = delete;
 };
+
+// Every handler of the command table behind one that notes its result. The rows that have nothing
+// to answer keep their own: the command layer knows them by it.
+kestrel_cmd_handler handlers[KESTREL_CMD_ROWS];
+int noted_results = -1; // a file
+
+template <size_t ROW> int note_result(const char *arg) {
+    const int result = handlers[ROW](arg);
+    dprintf(noted_results, " %d", result);
+    return result;
+}
+
+template <size_t ROW> void note_results_of() {
+    handlers[ROW] = kestrel_cmd_list[ROW].handler;
+    if (handlers[ROW] != nullptr && handlers[ROW] != kx_show_empty && !kx_is_stub(handlers[ROW]))
+        kestrel_cmd_list[ROW].handler = note_result<ROW>;
+}
+
+template <size_t... ROW> void note_results(std::index_sequence<ROW...>) {
+    (note_results_of<ROW>(), ...);
+}
+
+void set_debug_words(const std::map<std::string, uint32_t> &words) {
+    for (const auto &[name, word] : {std::pair{"kxdump", &kx_debug_print_kxdump},
+                                     {"hmx_cmds", &kx_debug_print_hmx_cmds},
+                                     {"kxdpa_indirect", &kx_debug_print_kxdpa_indirect},
+                                     {"kxtarncmd_indirect", &kx_debug_print_kxtarncmd_indirect},
+                                     {"kxcmd", &kx_debug_print_kxcmd},
+                                     {"kxstrings", &kx_debug_print_kxstrings},
+                                     {"dpa_platform", &kx_debug_print_dpa_platform},
+                                     {"dpa_main", &kx_debug_print_dpa_main}}) {
+        const auto given = words.find(name);
+        *word = given == words.end() ? *word : given->second;
+    }
+}
 
 // The command as the agent runs it, page by page through the remote-CLI buffer.
 void run_agent(const transcript_case &asked) {
@@ -176,6 +229,9 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     const int trace = open((folder / "trace").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
     driver.trace = [trace](const std::string &line) { dprintf(trace, "%s\n", line.c_str()); };
     interpose_model(&driver);
+    noted_results = open((folder / "results").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
+    note_results(std::make_index_sequence<KESTREL_CMD_ROWS>());
+    set_debug_words(asked.debug_words);
     if (asked.mode != "shell") {
         run_agent(asked);
         return 0;
@@ -227,7 +283,8 @@ int run_case(const transcript_case &asked, const char *command, const fs::path &
 // A stretch of output as result lines: a mark in front, "|" behind where a newline was.
 void show_output(lines &results, char mark, std::string text, bool mask_stamps) {
     if (mask_stamps) {
-        text = replace_stamps(text, "STAMP: ");
+        static const std::regex ADDRESS("(buffer|Calling|DPA) 0x[0-9a-f]+");
+        text = std::regex_replace(replace_stamps(text, "STAMP: "), ADDRESS, "$1 ADDRESS");
     }
     std::string line(1, mark);
     for (const char byte : text) {
@@ -255,6 +312,9 @@ lines collect_results(const transcript_case &asked, int exit_value, const fs::pa
     show_output(results, '!', read_file(folder / "err"), asked.mask_stamps);
     if (exit_value != 0)
         results.push_back("exit " + std::to_string(exit_value));
+    const std::string noted = read_file(folder / "results");
+    if (noted.find_first_not_of(" 0") != std::string::npos)
+        results.push_back("result" + noted);
     if (!asked.compare_requests)
         return results;
     results.emplace_back("requests");
@@ -264,9 +324,9 @@ lines collect_results(const transcript_case &asked, int exit_value, const fs::pa
     return results;
 }
 
-void write_host(const transcript &file, const transcript_case &asked, const fs::path &folder) {
-    const std::string description = patch_host(read_file(file.host), asked.patch);
-    ASSERT_FALSE(description.empty()) << file.host << " with " << asked.patch;
+void write_host(const transcript_case &asked, const fs::path &folder) {
+    const std::string description = patch_host(read_file(asked.host), asked.patch);
+    ASSERT_FALSE(description.empty()) << asked.host << " with " << asked.patch;
     std::ofstream(folder / "host") << description;
 }
 
@@ -300,10 +360,14 @@ TEST_P(Transcript, PrintsAndAsksWhatItSays) {
     for (transcript_case &asked : file.cases) {
         SCOPED_TRACE(asked.name);
         ASSERT_FALSE(asked.mode.empty()) << "no shell, agent or page line";
-        if (command != nullptr && asked.mode != "shell")
+        if (command != nullptr && (asked.mode != "shell" || !asked.debug_words.empty()))
             continue;
         const scratch_folder folder;
-        write_host(file, asked, folder.path);
+        write_host(asked, folder.path);
+        if (command != nullptr) {
+            std::erase_if(asked.results,
+                          [](const auto &line) { return line.starts_with("result "); });
+        }
         if (!traced && asked.compare_requests) {
             asked.compare_requests = false;
             asked.results.erase(std::find(asked.results.begin(), asked.results.end(), "requests"),

@@ -34,6 +34,7 @@ struct __attribute__((packed)) kx_acl_record {
 };
 
 static_assert(sizeof(kx_acl_record) == 93);
+static_assert(offsetof(kx_acl_record, id) == 0);
 static_assert(offsetof(kx_acl_record, references) == 4);
 static_assert(offsetof(kx_acl_record, rules) == 8);
 static_assert(offsetof(kx_acl_record, type) == 12);

@@ -33,6 +33,7 @@ struct kx_card_uuid {
 };
 
 static_assert(sizeof(kx_card_uuid) == 52);
+static_assert(offsetof(kx_card_uuid, text) == 0);
 static_assert(offsetof(kx_card_uuid, type) == 48);
 
 // Argument of KXDPA_OP_SET_CARD_UUID: the hypervisor's UUID of the host.
@@ -45,6 +46,7 @@ struct kx_card_mac {
 };
 
 static_assert(sizeof(kx_card_mac) == 8);
+static_assert(offsetof(kx_card_mac, mac) == 0);
 
 // Argument of KXDPA_OP_CARD_MAC.
 enum kx_card_mac_of : uint32_t {

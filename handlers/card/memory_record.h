@@ -28,11 +28,16 @@ struct kx_heap_record {
 };
 
 static_assert(sizeof(kx_heap_record) == 104);
+static_assert(offsetof(kx_heap_record, objects) == 0);
+static_assert(offsetof(kx_heap_record, bytes) == 8);
 static_assert(offsetof(kx_heap_record, denied) == 16);
+static_assert(offsetof(kx_heap_record, denied_bytes) == 24);
 static_assert(offsetof(kx_heap_record, largest_object) == 32);
 static_assert(offsetof(kx_heap_record, maximum) == 40);
 static_assert(offsetof(kx_heap_record, minimum) == 48);
 static_assert(offsetof(kx_heap_record, null_pointers) == 56);
+static_assert(offsetof(kx_heap_record, bad_magics) == 64);
+static_assert(offsetof(kx_heap_record, bad_redzones) == 72);
 static_assert(offsetof(kx_heap_record, wrong_heaps) == 80);
 static_assert(offsetof(kx_heap_record, name) == 88);
 
@@ -52,9 +57,12 @@ struct kx_memory_pool_record {
 };
 
 static_assert(sizeof(kx_memory_pool_record) == 96);
+static_assert(offsetof(kx_memory_pool_record, object_size) == 0);
 static_assert(offsetof(kx_memory_pool_record, pages) == 24);
 static_assert(offsetof(kx_memory_pool_record, minimum) == 32);
+static_assert(offsetof(kx_memory_pool_record, maximum) == 40);
 static_assert(offsetof(kx_memory_pool_record, total) == 48);
+static_assert(offsetof(kx_memory_pool_record, available) == 56);
 static_assert(offsetof(kx_memory_pool_record, low_water_mark) == 64);
 static_assert(offsetof(kx_memory_pool_record, high_water_mark) == 72);
 static_assert(offsetof(kx_memory_pool_record, name) == 80);

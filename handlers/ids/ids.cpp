@@ -14,6 +14,7 @@ struct ids_switch {
 };
 
 static_assert(sizeof(ids_switch) == 8);
+static_assert(offsetof(ids_switch, enabled) == 0);
 
 } // namespace
 

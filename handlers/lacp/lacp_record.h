@@ -25,6 +25,7 @@ struct kx_lacp_carriers {
 };
 
 static_assert(sizeof(kx_lacp_carriers) == 36);
+static_assert(offsetof(kx_lacp_carriers, physical_ltls) == 0);
 static_assert(offsetof(kx_lacp_carriers, port_channel_ltl) == 32);
 
 // One side of a LACP PDU.
@@ -39,6 +40,7 @@ struct kx_lacp_partner {
 };
 
 static_assert(sizeof(kx_lacp_partner) == 28);
+static_assert(offsetof(kx_lacp_partner, system_priority) == 0);
 static_assert(offsetof(kx_lacp_partner, system_mac) == 4);
 static_assert(offsetof(kx_lacp_partner, key) == 12);
 static_assert(offsetof(kx_lacp_partner, port_priority) == 16);
@@ -54,6 +56,7 @@ struct kx_lacp_pdu_cache {
 };
 
 static_assert(sizeof(kx_lacp_pdu_cache) == 112);
+static_assert(offsetof(kx_lacp_pdu_cache, krt_actor) == 0);
 static_assert(offsetof(kx_lacp_pdu_cache, krt_partner) == 28);
 static_assert(offsetof(kx_lacp_pdu_cache, upstream_actor) == 56);
 static_assert(offsetof(kx_lacp_pdu_cache, upstream_partner) == 84);
@@ -66,6 +69,7 @@ struct kx_lacp_host_data {
 };
 
 static_assert(sizeof(kx_lacp_host_data) == 12);
+static_assert(offsetof(kx_lacp_host_data, channel_index) == 0);
 static_assert(offsetof(kx_lacp_host_data, channel_mode) == 4);
 static_assert(offsetof(kx_lacp_host_data, port_priority) == 8);
 

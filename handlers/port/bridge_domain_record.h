@@ -48,6 +48,7 @@ struct kx_bd_record {
 };
 
 static_assert(sizeof(kx_bd_record) == 180);
+static_assert(offsetof(kx_bd_record, index) == 0);
 static_assert(offsetof(kx_bd_record, vlan) == 4);
 static_assert(offsetof(kx_bd_record, vdc) == 6);
 static_assert(offsetof(kx_bd_record, dr_ltl) == 8);

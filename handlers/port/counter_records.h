@@ -44,6 +44,7 @@ struct kx_stage_descriptor {
 };
 
 static_assert(sizeof(kx_stage_descriptor) == 104);
+static_assert(offsetof(kx_stage_descriptor, number) == 0);
 static_assert(offsetof(kx_stage_descriptor, present) == 1);
 static_assert(offsetof(kx_stage_descriptor, name) == 72);
 
@@ -63,6 +64,7 @@ struct kx_drop_counters {
 static_assert(sizeof(kx_drop_counters) == 332);
 static_assert(offsetof(kx_drop_counters, stages) == 4);
 static_assert(sizeof(kx_stage_drops) == 8);
+static_assert(offsetof(kx_stage_drops, valid) == 0);
 static_assert(offsetof(kx_stage_drops, drops) == 4);
 
 #endif

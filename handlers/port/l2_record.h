@@ -33,6 +33,7 @@ struct kx_l2_entry {
 };
 
 static_assert(sizeof(kx_l2_entry) == 44);
+static_assert(offsetof(kx_l2_entry, ltl) == 0);
 static_assert(offsetof(kx_l2_entry, pvlan) == 4);
 static_assert(offsetof(kx_l2_entry, seen_time) == 8);
 static_assert(offsetof(kx_l2_entry, now) == 12);
@@ -50,6 +51,7 @@ struct kx_l2_totals {
 };
 
 static_assert(sizeof(kx_l2_totals) == 12);
+static_assert(offsetof(kx_l2_totals, flow_entries) == 0);
 static_assert(offsetof(kx_l2_totals, vnic_entries) == 8);
 
 // Reply of KXDPA_OP_L2_AGING_STATISTICS.
@@ -74,6 +76,9 @@ struct kx_l2_slot_step {
 };
 
 static_assert(sizeof(kx_l2_slot_step) == 52);
+static_assert(offsetof(kx_l2_slot_step, slot_count) == 0);
+static_assert(offsetof(kx_l2_slot_step, bd_index) == 4);
+static_assert(offsetof(kx_l2_slot_step, entry) == 8);
 
 // The most slots that are walked, whatever the driver claims; as much an assumption.
 constexpr uint32_t KX_L2_SLOTS_LIMIT = 4096;
@@ -89,6 +94,10 @@ struct kx_get_mac_entry {
 };
 
 static_assert(sizeof(kx_get_mac_entry) == 16);
+static_assert(offsetof(kx_get_mac_entry, bd_index) == 0);
+static_assert(offsetof(kx_get_mac_entry, mac) == 4);
+static_assert(offsetof(kx_get_mac_entry, sent) == 10);
+static_assert(offsetof(kx_get_mac_entry, last_sent) == 12);
 
 constexpr uint32_t KX_GET_MAC_ENTRIES = 512;
 
@@ -99,5 +108,7 @@ struct kx_get_mac_info {
 };
 
 static_assert(sizeof(kx_get_mac_info) == 4 + 16 * KX_GET_MAC_ENTRIES);
+static_assert(offsetof(kx_get_mac_info, count) == 0);
+static_assert(offsetof(kx_get_mac_info, entries) == 4);
 
 #endif

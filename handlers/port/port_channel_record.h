@@ -21,6 +21,10 @@ struct kx_port_channel_member {
     uint32_t sub_group; // larger than KX_SUB_GROUP_LAST for none
 };
 
+static_assert(sizeof(kx_port_channel_member) == 8);
+static_assert(offsetof(kx_port_channel_member, ltl) == 0);
+static_assert(offsetof(kx_port_channel_member, sub_group) == 4);
+
 // Reply of KXDPA_OP_PORT_CHANNEL_RECORD, asked with the LTL of the port channel; fails for one that
 // is not in use. Every word and the size are an assumption of this tool.
 struct kx_port_channel_record {
@@ -31,6 +35,7 @@ struct kx_port_channel_record {
 };
 
 static_assert(sizeof(kx_port_channel_record) == 268);
+static_assert(offsetof(kx_port_channel_record, channel) == 0);
 static_assert(offsetof(kx_port_channel_record, designated_sub_group) == 4);
 static_assert(offsetof(kx_port_channel_record, member_count) == 8);
 static_assert(offsetof(kx_port_channel_record, members) == 12);

@@ -119,6 +119,7 @@ struct kx_vlan_forwarding {
 };
 
 static_assert(sizeof(kx_vlan_forwarding) == 6);
+static_assert(offsetof(kx_vlan_forwarding, vlan) == 0);
 static_assert(offsetof(kx_vlan_forwarding, forwarding) == 2);
 
 #endif

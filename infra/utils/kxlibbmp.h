@@ -25,7 +25,7 @@ template <uint32_t BITS> struct kxbmp_template : bitset { uint8_t bits[BITS / 8]
 // One bit per VLAN.
 using bmp4096 = kxbmp_template<4096>;
 
-static_assert(sizeof(bmp4096) == 516 && alignof(bmp4096) == 4);
+static_assert(sizeof(bmp4096) == 516 && alignof(bmp4096) == 4 && sizeof(bitset) == 4);
 
 // An inclusive run of bits.
 struct bitset_range {
@@ -34,6 +34,8 @@ struct bitset_range {
 };
 
 static_assert(sizeof(bitset_range) == 8);
+static_assert(offsetof(bitset_range, lower) == 0);
+static_assert(offsetof(bitset_range, upper) == 4);
 
 // Where the range walks start.
 constexpr bitset_range BITSET_RANGE_START = {1, 0};

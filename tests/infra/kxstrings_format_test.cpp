@@ -3,6 +3,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <map>
+#include <set>
 #include <string>
 
 namespace {
@@ -72,34 +75,38 @@ TEST(Dumps, PrintLinesUnderATitle) {
     EXPECT_EQ(printed_by([] { dump_extra_ascii("t", nullptr, -1); }), "t\n");
 }
 
-TEST(Enumerations, Edges) {
-    const struct {
-        const char *(*text_of)(uint32_t);
-        uint32_t value;
-        const char *text;
-    } rows[] = {{get_str_cache_type, 0, "INVALID"},
-                {get_str_cache_type, 5, "MAX"},
-                {get_str_cache_type, 6, "INVALID"},
-                {get_upgrade_str, 4, "Unknown"},
-                {op_to_str, 0xffffff02, "op_AND"},
-                {op_to_str, 3, "unknown"},
-                {filter_type_to_str, 0x10b, "protocol"},
-                {filter_type_to_str, 13, "unknown"},
-                {set_to_str, 7, "default"},
-                {set_to_str, 0x100, "default"},
-                {kx_print_protocol, 10, "unknown"},
-                {kx_print_protocol, 0x1000b, "zvx_cntrl"},
-                {kx_print_protocol, 18, "vmw vmotion"},
-                {kx_print_ip_protocol, 0x10006, "TCP"},
-                {kx_storm_status_int_to_string, UINT32_MAX, "Dropped"},
-                {get_str_fnf_status, 12, "FNF_STATUS_COUNLDNT_SEND"},
-                {get_str_fnf_status, 40, "FNF_STATUS_INV_FEAT_POINT"},
-                {get_str_fnf_status, 41, "Invalid status"}};
-    for (const auto &row : rows) {
-        EXPECT_STREQ(row.text_of(row.value), row.text) << row.value;
+const char *pvlan_text(uint32_t type) {
+    return pvlan_type_string[type];
+}
+
+const char *rpool_text(uint32_t status) {
+    return rpool_status_to_str[status] == nullptr ? "-" : rpool_status_to_str[status];
+}
+
+TEST(Enumerations, HaveTheTextsOfTheGoldenTable) {
+    const std::map<std::string, const char *(*)(uint32_t)> functions = {
+        {"get_str_cache_type", get_str_cache_type},
+        {"get_upgrade_str", get_upgrade_str},
+        {"op_to_str", op_to_str},
+        {"filter_type_to_str", filter_type_to_str},
+        {"set_to_str", set_to_str},
+        {"kx_print_protocol", kx_print_protocol},
+        {"kx_print_ip_protocol", kx_print_ip_protocol},
+        {"kx_storm_status_int_to_string", kx_storm_status_int_to_string},
+        {"get_str_fnf_status", get_str_fnf_status},
+        {"pvlan_type_string", pvlan_text},
+        {"rpool_status_to_str", rpool_text},
+    };
+    std::ifstream file(TESTS_DIR "/golden/enumerations.tsv");
+    std::set<std::string> seen;
+    for (std::string function, value, text; std::getline(file, function, '\t') &&
+                                            std::getline(file, value, '\t') &&
+                                            std::getline(file, text);) {
+        EXPECT_EQ(functions.at(function)(static_cast<uint32_t>(std::stoul(value))), text)
+            << function << " " << value;
+        seen.insert(function);
     }
-    EXPECT_STREQ(pvlan_type_string[5], "COMMUNITY");
-    EXPECT_EQ(rpool_status_to_str[2], nullptr);
+    EXPECT_EQ(seen.size(), functions.size());
 }
 
 } // namespace

@@ -23,6 +23,7 @@ struct kx_port_pvlan {
 };
 
 static_assert(sizeof(kx_port_pvlan) == 8);
+static_assert(offsetof(kx_port_pvlan, vlan) == 0);
 static_assert(offsetof(kx_port_pvlan, role) == 2);
 static_assert(offsetof(kx_port_pvlan, primary) == 4);
 static_assert(offsetof(kx_port_pvlan, secondary) == 6);
