@@ -48,7 +48,7 @@ TEST(Interpose, EveryOpenReachesTheModel) {
                                         sizeof domain, nullptr),
                   0U);
         EXPECT_EQ(domain, 7U);
-        EXPECT_EQ(close(descriptor), 0);
+        EXPECT_EQ(kx_platform_close(), 0);
     }
     EXPECT_TRUE(driver.complaints.empty());
 }
