@@ -14,6 +14,7 @@ constexpr key_word UPGRADE_STATES[] = {
     {"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}};
 
 constexpr key_word LOAD_BALANCING[] = {
+    {"unknown", 0},
     {"destination-mac", 1},
     {"source-mac", 2},
     {"source-dest-mac", 3},

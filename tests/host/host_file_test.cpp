@@ -1,11 +1,14 @@
 // Host files: what is wrong with one, and on which line.
 #include "host/hex.h"
 #include "host/host_file.h"
+#include "host/json_tree.h"
+#include "host/keys.h"
 #include "sim/builtin_host.h"
 #include "tests/host/random_host.h"
 
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -108,12 +111,55 @@ TEST(HostFile, BuiltInHostIsWellFormed) {
     EXPECT_TRUE(parse_host(builtin_host_text(), "built-in host", parsed, error)) << error;
 }
 
-TEST(HostFile, ComesBackAsItWasWritten) {
+// The built-in host and those of tests/hosts.
+std::vector<std::string> example_hosts() {
     std::vector<std::string> texts = {std::string(builtin_host_text())};
     for (const auto &entry : std::filesystem::directory_iterator(TESTS_DIR "/hosts")) {
         std::string error;
         EXPECT_TRUE(read_host_file(entry.path(), texts.emplace_back(), error)) << error;
     }
+    return texts;
+}
+
+// Takes from `left` the keys that the object has.
+void take_keys(const json_value &object, const key_table &table, std::set<const key *> &left) {
+    for (const key &row : table.keys) {
+        if (row.type == key_type::included)
+            take_keys(object, *row.table, left);
+        for (const json_member &member : object.members) {
+            if (member.key != row.name && row.type != key_type::counters)
+                continue;
+            left.erase(&row);
+            for (const json_value &item : member.value.items) {
+                if (row.table != nullptr)
+                    take_keys(item, *row.table, left);
+            }
+            if (row.table != nullptr)
+                take_keys(member.value, *row.table, left);
+        }
+    }
+}
+
+void add_keys(const key_table &table, std::set<const key *> &all) {
+    for (const key &row : table.keys) {
+        if (row.type != key_type::included)
+            all.insert(&row);
+        if (row.table != nullptr)
+            add_keys(*row.table, all);
+    }
+}
+
+TEST(HostFile, EveryKeyHasAnExample) {
+    std::set<const key *> left;
+    add_keys(HOST_KEYS, left);
+    for (const std::string &text : example_hosts())
+        take_keys(parse_json(text), HOST_KEYS, left);
+    for (const key *row : left)
+        ADD_FAILURE() << row->name << ": " << row->meaning;
+}
+
+TEST(HostFile, ComesBackAsItWasWritten) {
+    std::vector<std::string> texts = example_hosts();
     for (uint32_t seed = 0; seed < 300; seed++)
         texts.push_back(write_host(random_host(seed)));
     for (const std::string &text : texts) {

@@ -1,0 +1,36 @@
+// What the key tables say, as documents.
+#ifndef HOST_REFERENCE_REFERENCE_H
+#define HOST_REFERENCE_REFERENCE_H
+
+#include "host/key.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+std::string reference_markdown();
+std::string reference_schema(); // JSON Schema 2020-12
+std::string reference_mdoc();   // sections of a manual page
+std::string reference_keys();   // one path a line, such as "ports[].link"
+
+// What the documents tell of a key.
+struct key_entry {
+    const key *row;
+    std::string name;      // as it stands in a file; "0 to 40" for counters
+    std::string type;      // in a few words
+    std::string takes;     // the range or the words; words and numbers in backquotes
+    std::string otherwise; // what holds without it, likewise
+};
+
+// A table that a document has a section of. Keys of tables without a name of their own stand in
+// the section of the table that includes them.
+struct key_section {
+    const key_table *table;
+    std::vector<key_entry> entries;
+    std::vector<const key_table *> included; // with names of their own
+};
+
+// All sections, each table once, in the order in which a reader meets them.
+std::vector<key_section> all_sections();
+
+#endif

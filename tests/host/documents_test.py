@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""The documents made from the key tables: that the committed ones are fresh, and that the schema
+takes what the reader takes.
+
+    documents_test.py REPOSITORY HOST_REFERENCE RANDOM_HOST_FILE
+"""
+import json
+import pathlib
+import subprocess
+import sys
+
+import jsonschema
+
+RANDOM_HOSTS = 60
+OTHER_JSON = {"CMakePresets.json", "docs/host.schema.json"}
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout.decode()
+
+
+def check_fresh(repository, reference):
+    for option, name in ("--markdown", "host-file.md"), ("--schema", "host.schema.json"):
+        committed = (repository / "docs" / name).read_text()
+        assert committed == output_of(reference, option), (
+            f"docs/{name} is stale: build the target host_file_docs")
+
+
+def host_files(repository):
+    for path in sorted(repository.rglob("*.json")):
+        name = path.relative_to(repository)
+        if name.parts[0] not in ("build", ".git") and str(name) not in OTHER_JSON:
+            yield name, path.read_text()
+
+
+def written_once_more(text):
+    """The text as another program writes the same JSON: two blanks a level, nothing escaped."""
+    again = json.dumps(json.loads(text), indent=2, ensure_ascii=False)
+    return again.replace("\x7f", "\\u007f") + "\n"
+
+
+def main():
+    repository, reference, random_host_file = pathlib.Path(sys.argv[1]), *sys.argv[2:4]
+    check_fresh(repository, reference)
+    schema = json.loads((repository / "docs" / "host.schema.json").read_text())
+    jsonschema.Draft202012Validator.check_schema(schema)
+    validator = jsonschema.Draft202012Validator(schema)
+
+    files = list(host_files(repository))
+    assert len(files) >= 9, files
+    for seed in range(RANDOM_HOSTS):
+        text = output_of(random_host_file, str(seed))
+        assert text == written_once_more(text), f"random host {seed}"
+        files.append((f"random host {seed}", text))
+    for name, text in files:
+        wrong = jsonschema.exceptions.best_match(validator.iter_errors(json.loads(text)))
+        assert wrong is None, f"{name}: {list(wrong.absolute_path)}: {wrong.message}"
+    print(f"{len(files)} hosts fit the schema")
+
+
+main()
