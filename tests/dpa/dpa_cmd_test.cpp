@@ -1,7 +1,6 @@
 #include "dpa/command/dpa_cmd.h"
 #include "frontend/handlers.h"
 #include "sim/agent/agent_paths.h"
-#include "sim/agent/agent_process.h"
 #include "tests/infra/printed_by.h"
 
 #include <algorithm>
@@ -437,31 +436,6 @@ TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
     paths.close_descriptors();
     const child_end waiting = run_in_child(SIGINT, SIG_DFL);
     EXPECT_TRUE(WIFSIGNALED(waiting.status) && WTERMSIG(waiting.status) == SIGINT);
-}
-
-TEST(DpaCommandAgent, ShowsOutputWhereverTheMarkerIsSplit) {
-    if (access("/var/log", W_OK) != 0)
-        GTEST_SKIP() << "the output file's folder cannot be written";
-    agent_description description;
-    for (uint32_t split = 0; split < 8; split++) {
-        agent_command command;
-        command.command = "show " + std::to_string(split);
-        command.output = "row one\nrow #two\n";
-        command.split_marker = split;
-        command.pause = 60;
-        description.commands.push_back(command);
-    }
-    agent_process agent;
-    std::string error;
-    ASSERT_TRUE(agent.start(description, error)) << error;
-    while_asleep = [] { poll(nullptr, 0, 20); };
-    for (const agent_command &known : description.commands) {
-        EXPECT_EQ(printed_by([&] { EXPECT_EQ(kx_dpa_cmd(known.command.c_str()), 0); }),
-                  "=>dpa command is: " + known.command + "\nrow one\nrow #two\n#byeBye#\n");
-    }
-    EXPECT_EQ(printed_by([&] { kx_dpa_cmd("reboot"); }),
-              "=>dpa command is: reboot\nUnknown command: reboot\n#byeBye#\n");
-    while_asleep = nullptr;
 }
 
 } // namespace
