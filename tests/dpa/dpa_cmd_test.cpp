@@ -289,12 +289,6 @@ TEST_F(DpaCommand, WaitsForAnAgentThatOpensItsPipeLate) {
 
 // What stands where the pipe or the output file should be, and who else has to lose it.
 TEST_F(DpaCommand, WritesToNobodyElsesFile) {
-    const std::string target = "/tmp/not-to-be-lost." + std::to_string(getpid());
-    const auto target_holds = [&] {
-        std::ifstream in(target);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    };
-    std::ofstream(target) << "kept";
     const std::string no_pipe = " Error opening fifo (";
     const std::string no_file = "Couldn't create " + output + " ";
     const struct {
@@ -308,17 +302,21 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
         {output, link, no_file + "17 - File exists\n"},
     };
     for (const auto &row : rows) {
+        const std::string target = row.path + ".not-to-be-lost"; // on the same file system
+        std::ofstream(target) << "kept";
         unlink(row.path.c_str());
         ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
         EXPECT_EQ(run("x", [] {}), row.printed);
         EXPECT_EQ(result, -1);
-        EXPECT_EQ(target_holds(), "kept");
+        std::ifstream in(target);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "kept");
+        unlink(target.c_str());
     }
     // The caller's own files are used: what an earlier run left behind, and a file to try with.
     unlink(output.c_str());
     std::ofstream(output) << "left behind";
     unlink(AGENT_PIPE_PATH);
-    ASSERT_EQ(rename(target.c_str(), AGENT_PIPE_PATH), 0);
+    std::ofstream(AGENT_PIPE_PATH) << "to try with";
     EXPECT_EQ(run("x", [] {}), "=>dpa command is: x\n\n");
     EXPECT_EQ(result, 0);
 }
