@@ -34,7 +34,7 @@ bool is_device(const char *path) {
 
 // A descriptor of the process's own, so that numbers never collide; nothing is read through it.
 int open_device(int flags) {
-    const int descriptor = next(&open, "open")("/dev/null", O_RDONLY | (flags & O_CLOEXEC));
+    const int descriptor = next(&open, "open")("/dev/null", flags & (O_ACCMODE | O_CLOEXEC));
     if (descriptor != -1) {
         device_descriptors().insert(descriptor);
     }

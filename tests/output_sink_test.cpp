@@ -1,6 +1,7 @@
 #include "frontend/output_sink.h"
+#include "tests/infra/printed_by.h"
 
-#include <gtest/gtest.h>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -79,17 +80,29 @@ TEST(OutputSinkBuffer, DroppedWritesNeverWrapTheAddressSpace) {
     hmx_rcli_print_len = 0;
 }
 
-TEST(TraceLines, WrapALogFileOnceItHasPassedOneMebibyte) {
-    const std::string text(999, 'x');
-    testing::internal::CaptureStdout();
-    for (int line = 0; line < 1500; ++line) {
-        kx_trace(16, KX_DEBUG_TRACE, "%s\n", text.c_str());
-        kx_trace(0x87, KX_DEBUG_TRACE, "%s\n", text.c_str());
+TEST(DebugWords, StartAt0x87) {
+    for (const uint32_t word :
+         {kx_debug_print_kxdump, kx_debug_print_hmx_cmds, kx_debug_print_kxdpa_indirect,
+          kx_debug_print_kxtarncmd_indirect, kx_debug_print_kxcmd, kx_debug_print_kxstrings,
+          kx_debug_print_dpa_platform, kx_debug_print_dpa_main}) {
+        EXPECT_EQ(word, 0x87U);
     }
-    fflush(stdout);
-    const size_t size = testing::internal::GetCapturedStdout().size();
-    EXPECT_GT(size, 1u << 20);
-    EXPECT_LT(size, (1u << 20) + 1100);
+}
+
+// Later lines overwrite the file from its top.
+TEST(TraceLines, WrapALogFileOnceItHasPassedOneMebibyte) {
+    const size_t stamp = strlen("Nov 21 10:00:00.123456: ");
+    const std::string before((1 << 20) - stamp - strlen("x\n"), '#');
+    const std::string log = printed_by([&] {
+        fputs(before.c_str(), stdout);
+        for (const char *line : {"x\n", "y\n", "z\n"}) { // the first ends at the limit
+            kx_trace(16, KX_DEBUG_TRACE, "%s", line);
+            kx_trace(0x87, KX_DEBUG_TRACE, "%s", line);
+        }
+    });
+    EXPECT_EQ(log.size(), (1 << 20) + stamp + strlen("y\n"));
+    EXPECT_EQ(replace_stamps(log.substr(0, stamp + 3), "STAMP "), "STAMP z\n#");
+    EXPECT_EQ(replace_stamps(log.substr(before.size()), "STAMP "), "STAMP x\nSTAMP y\n");
 }
 
 } // namespace

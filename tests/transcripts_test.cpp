@@ -44,6 +44,7 @@ using lines = std::vector<std::string>;
 
 constexpr unsigned CASE_SECONDS = 60;
 constexpr int PAGES_LIMIT = 5000;
+constexpr uint32_t LEFT_ALONE = 0xFFFFFFFF; // the continuation word before a page
 
 struct transcript_case {
     std::string name;
@@ -201,15 +202,18 @@ void run_agent(const transcript_case &asked) {
         hmx_rcli_buffer_ptr = hmx_rcli_buffer;
         hmx_rcli_entry_start_ptr = nullptr;
         hmx_rcli_print_len = 0;
-        hmx_rcli_more_output = 0;
+        hmx_rcli_more_output = LEFT_ALONE;
         hmx_cmd_run(text.c_str(), static_cast<int>(text.size()), 1);
         const auto used = static_cast<size_t>(hmx_rcli_buffer_ptr - hmx_rcli_buffer);
         fwrite(hmx_rcli_buffer, 1, std::min<size_t>(used, HMX_RCLI_BUFFER_SIZE), stdout);
         if (hmx_rcli_more_output == 0)
             break;
         // A control character, so that no output of a command reads like it.
-        printf("\001more %u\n", hmx_rcli_more_output);
-        if (asked.mode == "page")
+        if (hmx_rcli_more_output == LEFT_ALONE)
+            printf("\001more -\n");
+        else
+            printf("\001more %u\n", hmx_rcli_more_output);
+        if (asked.mode == "page" || hmx_rcli_more_output == LEFT_ALONE)
             break;
         text = command + " cookie " + std::to_string(hmx_rcli_more_output);
     }

@@ -2,7 +2,6 @@
 #include "frontend/hmx_cmd.h"
 #include "sim/agent/agent_paths.h"
 #include "tests/infra/printed_by.h"
-#include "tests/text.h"
 
 #include <array>
 #include <cerrno>
@@ -11,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <thread>
 #include <unistd.h>
 
@@ -40,9 +40,10 @@ std::string pattern(size_t size, unsigned step) {
     return bytes;
 }
 
-// Trace lines without their stamps.
-std::string traced_by(const std::function<void()> &call) {
-    return replace_stamps(printed_by(call), "");
+// A fault in the exchange must not leave both sides waiting.
+void limit_waiting(int fd) {
+    const timeval limit = {10, 0};
+    EXPECT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit), 0);
 }
 
 // Receive up to `size` bytes, fewer when the tool closes first.
@@ -64,6 +65,8 @@ protected:
     void SetUp() override {
         std::array<int, 2> ends{};
         ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+        for (const int end : ends)
+            limit_waiting(end);
         kx_tarncmd_call_fd = ends[0];
         peer = ends[1];
     }
@@ -180,40 +183,50 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         "kx_tarncmd_socket_api: Sending (52) bytes across\n"
         "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n"
         "kx_tarncmd_socket_api: EOF writing more data -1\n";
+    const std::string silence =
+        "kx_tarncmd_socket_api: Sending (52) bytes across\n"
+        "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n"
+        "kx_tarncmd_socket_api: EOF reading bytes back 0\n";
     uint32_t word = 0;
     uint32_t huge = UINT32_MAX;
+    enum agent_end { LISTENS, CLOSES_ITS_SIDE, GONE };
     const struct {
         const char *what;
-        bool peer_gone;
+        agent_end agent;
         uint32_t debug_word;
         std::function<uint32_t()> call;
         uint32_t status;
         std::string trace;
     } rows[] = {
-        {"one buffer without capacity", false, 0x97,
+        {"one buffer without capacity", LISTENS, 0x97,
          [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2,
          place + "/321: Failed, opcode 2\n"},
-        {"the line is off by default", false, 0x87,
+        {"the line is off by default", LISTENS, 0x87,
          [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2, ""},
-        {"two buffers without the first capacity", false, 0x97,
+        {"two buffers without the first capacity", LISTENS, 0x97,
          [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, nullptr, &word, 4, &huge); }, 2,
          place + "/368: Failed, opcode 2\n"},
-        {"two buffers without the second", false, 0x97,
+        {"two buffers without the second", LISTENS, 0x97,
          [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, &huge, &word, 4, nullptr); }, 2,
          place + "/382: Failed, opcode 2\n"},
-        {"a size that wraps is never allocated", false, 0x87,
+        {"a size that wraps is never allocated", LISTENS, 0x87,
          [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 5, &huge); }, 1,
          "kx_tarncmd_socket_api: Failed allocating return buffer\n"},
-        {"one buffer to nobody", true, 0x97,
+        {"one buffer to nobody", GONE, 0x97,
          [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1,
          sending + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
-        {"two buffers to nobody", true, 0x97,
+        {"one buffer without an answer", CLOSES_ITS_SIDE, 0x97,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1,
+         silence + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+        {"the same, silently", CLOSES_ITS_SIDE, 0x87,
+         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1, ""},
+        {"two buffers to nobody", GONE, 0x97,
          [&] { return kx_tarncmd_call_indirect2(2, 0, 3, &word, 4, nullptr, nullptr, 0, nullptr); },
          1, sending + place + "/395: Failed, opcode 2\ndi status 1\n"},
-        {"simple to nobody", true, 0x87,
+        {"simple to nobody", GONE, 0x87,
          [&] { return static_cast<uint32_t>(kx_tarncmd_call_indirect_simple(2, 0, 1, &word, 4)); },
          1, place + "/294: Failed\n"},
-        {"no record", false, 0x97,
+        {"no record", LISTENS, 0x97,
          [&] { return static_cast<uint32_t>(kx_tarncmd_socket_api(3, nullptr, HEADER)); },
          UINT32_MAX, "kx_tarncmd_socket_api: Invalid args passed \n"},
     };
@@ -222,13 +235,32 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         TearDown();
         SetUp();
         kx_debug_print_kxtarncmd_indirect = row.debug_word;
-        if (row.peer_gone)
+        if (row.agent == GONE)
             close(std::exchange(peer, -1));
+        else if (row.agent == CLOSES_ITS_SIDE)
+            shutdown(peer, SHUT_WR);
         uint32_t status = 0;
         EXPECT_EQ(traced_by([&] { status = row.call(); }), row.trace);
         EXPECT_EQ(status, row.status);
-        EXPECT_EQ(kx_tarncmd_call_fd == -1, row.peer_gone);
+        EXPECT_EQ(kx_tarncmd_call_fd == -1, row.agent != LISTENS);
     }
+}
+
+TEST_F(AgentSocket, CloseEndsTheConnection) {
+    EXPECT_EQ(dpa_platform_close(), 0);
+    EXPECT_EQ(kx_tarncmd_call_fd, -1);
+    char byte = 0;
+    EXPECT_EQ(recv(peer, &byte, 1, 0), 0) << "the agent reads the end";
+    EXPECT_EQ(dpa_platform_close(), 0);
+}
+
+TEST_F(AgentSocket, ExitClosesAndForgetsNothing) {
+    const int connection = kx_tarncmd_call_fd;
+    EXPECT_EQ(kx_tarncmd_api_exit(), 0);
+    EXPECT_EQ(kx_tarncmd_call_fd, connection);
+    char byte = 0;
+    EXPECT_EQ(recv(peer, &byte, 1, 0), 0);
+    kx_tarncmd_call_fd = -1;
 }
 
 // The agent's own path, served by the test.
@@ -237,6 +269,7 @@ protected:
     void SetUp() override {
         std::string error;
         ASSERT_TRUE(paths.claim(error)) << error;
+        limit_waiting(paths.listener());
     }
     void TearDown() override {
         dpa_platform_close();
@@ -251,6 +284,7 @@ TEST_F(AgentSocketPath, ConnectsAnewAfterAReplyThatEndsEarly) {
         // The last connection answers two requests.
         for (size_t length = 0; length <= total; length++) {
             const int client = accept(paths.listener(), nullptr, nullptr);
+            limit_waiting(client);
             for (int requests = length == total ? 2 : 1; requests > 0; requests--) {
                 receive(client, total);
                 send(client, reply.data(), length, MSG_NOSIGNAL);

@@ -182,22 +182,6 @@ TEST_F(HostProcess, RefusesRowsThatAreNotAllowedFromTheAgent) {
     }
 }
 
-TEST_F(HostProcess, RunsEveryAllowedRow) {
-    for (const kestrel_cmd_row &row : rows_where([](const kestrel_cmd_row &candidate) {
-             return candidate.allowed_from_agent != 0 && !is_stub(candidate.handler);
-         })) {
-        const std::string command = typed_keywords(row);
-        const run plain = run_page(command);
-        const run with_argument = run_page(command + " 1 ltl 20");
-        // Usage lines go to the console.
-        const std::string console = plain.console + with_argument.console;
-        EXPECT_TRUE(plain.did_something() || with_argument.did_something() || !console.empty())
-            << command;
-        EXPECT_EQ(console.find("Cmd not permitted"), std::string::npos) << command;
-        EXPECT_EQ(console.find("No match"), std::string::npos) << command;
-    }
-}
-
 std::vector<std::string> lines_of(const std::string &text) {
     std::vector<std::string> lines;
     std::istringstream in(text);

@@ -1,13 +1,18 @@
 #include "frontend/kxcmd.h"
 
+#include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
-#include "tests/text.h"
+#include "frontend/run_state.h"
+#include "sim/interpose.h"
+#include "tests/infra/printed_by.h"
 
 #include <fstream>
-#include <gtest/gtest.h>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
+
+int tarncmd_main(int argc, char *argv[]);
 
 namespace {
 
@@ -47,7 +52,7 @@ kestrel_cmd_row row(kestrel_cmd_handler handler, std::initializer_list<const cha
 
 class Matcher : public testing::Test {
 protected:
-    kestrel_cmd_row table[8] = {
+    kestrel_cmd_row table[9] = {
         {KESTREL_CMD_HEADING, nullptr, nullptr, "heading", nullptr, {"show", "card"}, 0, 0},
         row(handle_show, {"show"}),
         row(handle_card, {"show", "card"}),
@@ -55,16 +60,16 @@ protected:
         row(handle_vlan, {"show", "vlan", "[vlan]", "cookie"}),
         row(handle_later_vlan, {"show", "vlan", "[other]"}),
         row(handle_stop, {"stop"}),
+        row(handle_card, {"1", "2", "3", "4", "5", "6", "7"}),
         {},
     };
 
     // The calls that a text makes and what is printed, with the time stamps cut off.
     std::string run(const std::string &text, int from_agent = 0) {
         calls.clear();
-        testing::internal::CaptureStdout();
-        kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
-        fflush(stdout);
-        printed = replace_stamps(testing::internal::GetCapturedStdout(), "");
+        printed = traced_by([&] {
+            kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
+        });
         std::string joined;
         for (const std::string &call : calls) {
             joined += joined.empty() ? call : ", " + call;
@@ -95,6 +100,9 @@ TEST_F(Matcher, CallsTheDeepestEarliestRowWithTheRest) {
         {"stop; show card; show version", "stop"},
         {"show version; show card", "version, card"},
         {"show \xc3\xa9; show card", "show, card"},
+        {"1 2 3 4 5 6 7 8 9", "card(8 9)"},
+        {"1 2 3 4 5 6 7", "card"},
+        {"~; show card", "card"},
         {"", ""},
         {"  ;\t; ", ""},
     };
@@ -130,16 +138,34 @@ TEST_F(Matcher, ReportsWhatItDoesNotRun) {
 }
 
 TEST_F(Matcher, TracesTheMatchUnderItsBit) {
+    const auto calling = [](kestrel_cmd_handler handler, const char *arg) {
+        char text[64];
+        snprintf(text, sizeof text, "Calling %p(%s)\n", reinterpret_cast<void *>(handler), arg);
+        return std::string(text);
+    };
     kx_debug_print_kxcmd |= 16;
     run("show vlan 5");
-    EXPECT_EQ(printed.substr(0, printed.find("Calling")),
-              "Match found for show vlan 5: index 4 depth 1, show vlan [vlan] cookie\n");
+    EXPECT_EQ(printed, "Match found for show vlan 5: index 4 depth 1, show vlan [vlan] cookie\n" +
+                           calling(handle_vlan, "5"));
+    run("stop");
+    EXPECT_EQ(printed,
+              "Match found for stop: index 6 depth 0, stop   \n" + calling(handle_stop, "NULL"));
     run("bogus");
     EXPECT_EQ(printed, "No match found for bogus\nNo match found for bogus\n");
+    run("show version", 1);
+    char refused[64];
+    snprintf(refused, sizeof refused, "Cmd not permitted from DPA %p\n",
+             reinterpret_cast<void *>(handle_version));
+    EXPECT_EQ(printed.substr(printed.find("Cmd")), std::string(refused) + refused);
     kx_debug_print_kxcmd &= ~16u;
 }
 
 TEST(CommandTable, HoldsTheCatalogueRowForRow) {
+#define HANDLER(name) {name, #name},
+    const std::map<kestrel_cmd_handler, std::string> names = {
+#include "tests/golden/handlers.def"
+    };
+#undef HANDLER
     std::ifstream file(TESTS_DIR "/golden/catalogue.tsv");
     std::string line;
     int index = 0;
@@ -152,9 +178,9 @@ TEST(CommandTable, HoldsTheCatalogueRowForRow) {
             text << (k == 0 ? "" : "#") << row.keywords[k];
         }
         text << '\t' << (row.argument_hint == nullptr ? "-" : row.argument_hint) << '\t'
-             << (row.help_text == nullptr ? "-" : row.help_text) << '\t' << row.allowed_from_agent;
+             << (row.help_text == nullptr ? "-" : row.help_text) << '\t' << row.allowed_from_agent
+             << '\t' << (row.handler == nullptr ? "-" : names.at(row.handler));
         EXPECT_EQ(text.str(), line) << "row " << index;
-        EXPECT_EQ(row.handler != nullptr, row.kind == KESTREL_CMD_COMMAND) << "row " << index;
         EXPECT_EQ(row.reserved, 0u);
     }
     EXPECT_EQ(index, KESTREL_CMD_ROWS);
@@ -177,16 +203,77 @@ TEST(Help, PrintsTheCatalogueSortedWithinItsSections) {
 
 TEST(Help, StopsAtTheBuffersEnd) {
     std::vector<kestrel_cmd_row> table(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
-    testing::internal::CaptureStdout();
-    for (const int size : {1, 2, 15, 16, 40, 1000, 17000}) {
+    std::vector<char> whole(20480);
+    const int length = kxcmd_snprintf_help(table.data(), whole.data(), 20480);
+    for (const int size : {1, 2, 15, 16, 40, 1000, length, length + 1}) {
         // The allocation ends where the buffer does, so that the sanitizer sees a byte too many.
         std::vector<char> buffer(static_cast<size_t>(size));
-        EXPECT_EQ(kxcmd_snprintf_help(table.data(), buffer.data(), size), size);
-        EXPECT_LT(strnlen(buffer.data(), buffer.size()), buffer.size()) << size;
+        int written = 0;
+        const bool fits = size > length;
+        EXPECT_EQ(
+            traced_by([&] { written = kxcmd_snprintf_help(table.data(), buffer.data(), size); }),
+            fits ? "" : "Help text length exceeds maxlen. Need to redefine the maxlen\n");
+        EXPECT_EQ(written, fits ? length : size);
+        const std::string seen(buffer.data());
+        EXPECT_LT(seen.size(), buffer.size());
+        EXPECT_TRUE(std::string(whole.data()).starts_with(seen)) << size;
     }
-    fflush(stdout);
-    EXPECT_NE(testing::internal::GetCapturedStdout().find("Help text length exceeds maxlen."),
-              std::string::npos);
+}
+
+TEST(Help, IsTracedByTheEntryPoint) {
+    const std::vector<kestrel_cmd_row> rows(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
+    char buffer[16];
+    char expected[64];
+    snprintf(expected, sizeof expected, "hmx_cmd_help(buffer %p, length 16)\n",
+             static_cast<void *>(buffer));
+    kx_debug_print_hmx_cmds |= 16;
+    int length = 0;
+    const std::string traced = traced_by([&] { length = hmx_cmd_help(buffer, sizeof buffer); });
+    kx_debug_print_hmx_cmds &= ~16u;
+    EXPECT_EQ(traced.substr(0, traced.find('\n') + 1), expected);
+    EXPECT_EQ(length, 16);
+    EXPECT_STREQ(buffer, "tarncmd help:\n\n");
+    std::copy(rows.begin(), rows.end(), kestrel_cmd_list); // it sorts the table in place
+}
+
+// No row of the table is of this kind.
+TEST(Help, CallsBackForARowThatWritesItself) {
+    const auto callback = [](char *position, int room) {
+        return snprintf(position, static_cast<size_t>(room), "%d left\n", room);
+    };
+    kestrel_cmd_row table[] = {
+        {KESTREL_CMD_HEADING, nullptr, nullptr, "heading", nullptr, {}, 0, 0},
+        {KESTREL_CMD_CALLBACK, nullptr, callback, "unused", nullptr, {}, 0, 0},
+        {KESTREL_CMD_CALLBACK, nullptr, nullptr, "unused", nullptr, {}, 0, 0},
+        row(handle_show, {"show"}),
+        {},
+    };
+    char buffer[100];
+    const std::string expected =
+        "heading\n92 left\n" + std::string("show") + std::string(29, ' ') + "help\n";
+    EXPECT_EQ(kxcmd_snprintf_help(table, buffer, sizeof buffer), static_cast<int>(expected.size()));
+    EXPECT_EQ(std::string(buffer), expected);
+}
+
+TEST(Help, ThatDoesNotFitIsPrintedBetweenTwoWarnings) {
+    const std::string long_text(20480, 'x');
+    const char *const text = std::exchange(kestrel_cmd_list[0].help_text, long_text.c_str());
+    const std::vector<kestrel_cmd_row> rows(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
+    model driver;
+    interpose_model(&driver);
+    std::string name = "tarncmd";
+    char *arguments[] = {name.data(), nullptr};
+    int exit_value = 1;
+    const std::string printed = traced_by([&] { exit_value = tarncmd_main(1, arguments); });
+    kx_dpa_api_exit();
+    interpose_model(nullptr);
+    kx_run_from_shell = false;
+    std::copy(rows.begin(), rows.end(), kestrel_cmd_list);
+    kestrel_cmd_list[0].help_text = text;
+    const std::string warning = "***WARNING*** Help text has been truncated.\n";
+    EXPECT_EQ(exit_value, 0);
+    EXPECT_EQ(printed, "Help text length exceeds maxlen. Need to redefine the maxlen\n" + warning +
+                           long_text.substr(1) + warning);
 }
 
 TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
@@ -197,6 +284,7 @@ TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
         {std::string(30, 'k'), std::string(30, 'k') + "   help\n"},
         {std::string(31, 'k'), std::string(31, 'k') + " \n" + std::string(33, ' ') + "help\n"},
         {std::string(77, 'k'), std::string(77, 'k') + " \n" + std::string(33, ' ') + "help\n"},
+        {std::string(78, 'k'), std::string(78, 'k') + "\n" + std::string(33, ' ') + "help\n"},
         {std::string(90, 'k'), std::string(78, 'k') + "\n" + std::string(33, ' ') + "help\n"},
     };
     for (const auto &expected : rows) {
@@ -208,16 +296,25 @@ TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
 }
 
 TEST(DataCheck, CountsAndComplains) {
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(kxcmd_validate_data("", 0), 0);
-    EXPECT_EQ(kxcmd_validate_data("", 5), 0);
-    EXPECT_EQ(kxcmd_validate_data("show\r\n", 10), 6);
-    EXPECT_EQ(kxcmd_validate_data("a\x01", 10), 2);
-    EXPECT_EQ(kxcmd_validate_data("abcdef", 3), -1);
-    fflush(stdout);
-    const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_NE(printed.find("kxcmd invalid character 01\n"), std::string::npos);
-    EXPECT_NE(printed.find("Data length > 3\n"), std::string::npos);
+    const struct {
+        const char *text;
+        int max_length;
+        int count;
+        const char *complaint;
+    } rows[] = {
+        {"", 0, 0, ""},
+        {"", 5, 0, ""},
+        {"show\r\n", 10, 6, ""},
+        {"a\x01\xff", 10, 3, "kxcmd invalid character 01\nkxcmd invalid character ff\n"},
+        {"abcdefghijkl", 12, -1, "Data length > 12\n"},
+        {"abcdefghijk", 12, 11, ""},
+    };
+    for (const auto &row : rows) {
+        int count = 0;
+        EXPECT_EQ(traced_by([&] { count = kxcmd_validate_data(row.text, row.max_length); }),
+                  row.complaint);
+        EXPECT_EQ(count, row.count) << row.text;
+    }
 }
 
 } // namespace

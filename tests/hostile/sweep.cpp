@@ -1,14 +1,10 @@
-// Runs every command of the table with many arguments against a hostile driver, and the agent's
-// channels against a hostile agent.
+// Runs every command of the table with many arguments against a hostile driver and agent.
 //
 //     hostile_sweep [SEED...]        these seeds; a few fixed ones when none is named
 //     hostile_sweep --seconds N      fresh seeds for that long
 //
 // It prints what it did and exits with 0. A finding ends it, with a line on standard error that
 // names the seed and the command.
-#include "dpa/command/dpa_cmd.h"
-#include "dpa/command/kxtarncmd_indirect.h"
-#include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/run_state.h"
@@ -16,14 +12,11 @@
 #include "tests/hostile/hostile_driver.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -269,7 +262,7 @@ void run_command(const std::string &text, uint64_t seed) {
     hostile_random choices(~seed);
     hostile_agent agent;
     agent.reads_pipe = choices.one_in(2);
-    agent.pieces = {some_garbage(choices), "#byeBye#"};
+    agent.output = some_garbage(choices) + "#byeBye#";
     agent.shell_output = choices.one_in(2) ? some_garbage(choices) : "10.1.2.3\n";
     hostile_agent_restart(agent);
     set_traces(choices.one_in(8));
@@ -308,113 +301,6 @@ void sweep_rows(uint64_t seed) {
     done.rows = std::max(done.rows, rows);
 }
 
-// --- The agent's socket ---
-
-// One exchange with an agent that sends `sent` bytes of a reply and closes.
-void exchange_cut(uint32_t length, size_t sent, bool closes_all) {
-    const size_t total = sizeof(kxdpa_request) + length;
-    snprintf(running, sizeof running, "socket: %zu of %zu bytes\n", sent, total);
-    hostile_agent agent;
-    agent.accepts = true;
-    agent.closes_all = closes_all;
-    agent.reply = std::string(sent, '\x5a');
-    hostile_agent_restart(agent);
-    dpa_platform_close();
-    const auto buffer = std::make_unique<uint8_t[]>(length);
-    const uint32_t status = kx_tarncmd_call_indirect1(KXTARNCMD_OP_VLAN_INFO, 0, KXDPA_FLAG_OUT,
-                                                      buffer.get(), length, nullptr);
-    const bool whole = sent >= total && !closes_all;
-    require(status == (whole ? 0x5a5a5a5aU : KXDPA_STATUS_NO_EXCHANGE), "wrong status");
-    require((kx_tarncmd_call_fd != -1) == whole, "the connection is in the wrong state");
-    for (uint32_t i = 0; i < length; i++) {
-        require(buffer[i] == (whole ? 0x5a : 0), "a broken reply was taken over");
-    }
-    done.runs++;
-}
-
-void sweep_socket() {
-    for (const uint32_t length : {0U, 1U, 28U, 1168U, 4048U, 4049U, 9000U}) {
-        const size_t total = sizeof(kxdpa_request) + length;
-        const size_t stride = total < 2000 ? 1 : 97;
-        for (size_t sent = 0; sent < total; sent += stride) {
-            exchange_cut(length, sent, false);
-        }
-        for (const size_t sent : {total - 1, total, total + 1, total + 50000}) {
-            exchange_cut(length, sent, false);
-        }
-        exchange_cut(length, total, true);
-    }
-    dpa_platform_close();
-}
-
-// --- The agent's pipe ---
-
-// Standard output of the run, which goes to a file in memory meanwhile.
-std::string printed_by_command(const char *command) {
-    fflush(stdout);
-    const int before = dup(STDOUT_FILENO);
-    FILE *file = tmpfile();
-    dup2(fileno(file), STDOUT_FILENO);
-    kx_dpa_cmd(command);
-    fflush(stdout);
-    dup2(before, STDOUT_FILENO);
-    close(before);
-    std::string text(static_cast<size_t>(lseek(fileno(file), 0, SEEK_END)), '\0');
-    require(pread(fileno(file), text.data(), text.size(), 0) == static_cast<ssize_t>(text.size()),
-            "the output cannot be read back");
-    fclose(file);
-    done.runs++;
-    return text;
-}
-
-// The output arrives whole and once, but for its NULs, wherever it is cut, and however often.
-void sweep_marker() {
-    const std::string output =
-        std::string("a #bye #byeBye\0#bye", 19) + std::string(150, 'x') + "\nlast line\n#byeBye#";
-    std::string shown = "=>dpa command is: show\n" + output + "\n";
-    std::erase(shown, '\0');
-    hostile_agent agent;
-    agent.reads_pipe = true;
-    for (size_t cut = 0; cut <= output.size(); cut++) {
-        // The first two pauses are those behind the messages to the agent.
-        agent.pieces = {"", "", output.substr(0, cut), output.substr(cut)};
-        snprintf(running, sizeof running, "pipe: output cut at %zu\n", cut);
-        hostile_agent_restart(agent);
-        require(printed_by_command("show") == shown, "the output is not shown whole and once");
-    }
-    agent.pieces = {"", ""};
-    for (const char byte : output) {
-        agent.pieces.emplace_back(1, byte);
-    }
-    hostile_agent_restart(agent);
-    require(printed_by_command("show") == shown, "bytewise output is not shown whole and once");
-}
-
-void sweep_pipe() {
-    sweep_marker();
-    using prepare = std::function<void(hostile_agent &)>;
-    for (const prepare &change : std::initializer_list<prepare>{
-             [](hostile_agent &agent) { agent.reads_pipe = false; },
-             [](hostile_agent &agent) { agent.leaves_pipe = true; },
-             [](hostile_agent &agent) { agent.replaces_file = true; },
-             [](hostile_agent &agent) { agent.truncates_file = true; },
-             [](hostile_agent &agent) { agent.pieces.clear(); },
-             [](hostile_agent &agent) { agent.pieces.assign(100, "endless\n"); },
-         }) {
-        for (const std::string &command : {std::string("x"), std::string(300, 'x')}) {
-            hostile_agent agent;
-            agent.reads_pipe = true;
-            agent.pieces = {"some", "output", "#byeBye#"};
-            change(agent);
-            snprintf(running, sizeof running, "pipe: command of %zu bytes\n", command.size());
-            hostile_agent_restart(agent);
-            require(!printed_by_command(command.c_str()).empty(), "nothing was said");
-            // Messages are bounded whatever the command: two redirections and one command line.
-            require(hostile_agent_heard().size() < 3 * 128, "a message is too long");
-        }
-    }
-}
-
 uint64_t fresh_seed() {
     uint64_t seed = 0;
     FILE *file = fopen("/dev/urandom", "r");
@@ -439,12 +325,6 @@ int main(int argc, char *argv[]) {
     if (__asan_set_death_callback != nullptr) {
         __asan_set_death_callback(say_what_is_running);
     }
-    alarm(RUN_SECONDS);
-    sweep_socket();
-    sweep_pipe();
-    fprintf(report, "hostile agent: %llu exchanges and commands\n",
-            static_cast<unsigned long long>(done.runs));
-    done.runs = 0;
     if (argc == 3 && strcmp(argv[1], "--seconds") == 0) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(atoi(argv[2]));
         while (std::chrono::steady_clock::now() < end) {
@@ -459,6 +339,7 @@ int main(int argc, char *argv[]) {
             sweep_rows(seed);
         }
     }
+    hostile_agent_restart({});
     fprintf(report, "hostile driver: %llu rows, %llu runs, %llu replies\n",
             static_cast<unsigned long long>(done.rows), static_cast<unsigned long long>(done.runs),
             static_cast<unsigned long long>(done.replies));

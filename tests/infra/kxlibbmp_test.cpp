@@ -104,6 +104,9 @@ TEST(BitSetLayout, BitZeroIsTheTopOfTheFirstByte) {
     EXPECT_EQ(vlans.bits[1], 0x40);
     EXPECT_EQ(vlans.bits[511], 0x01);
     EXPECT_EQ(bmp4096_bitcount(&vlans), 3);
+    bitset_clear_bit(&vlans, 9);
+    EXPECT_EQ(vlans.bits[1], 0);
+    EXPECT_EQ(bmp4096_bitcount(&vlans), 2);
     bitset_fill(&vlans);
     EXPECT_EQ(bmp4096_bitcount(&vlans), 4096);
 }

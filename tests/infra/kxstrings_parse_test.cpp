@@ -127,15 +127,6 @@ TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
     EXPECT_LT(accepted, 180000);
 }
 
-// The trace lines of a call, their time stamps taken off.
-template <typename Call> std::string traced_by(Call call) {
-    std::string text = printed_by(call);
-    for (size_t line = 0; line < text.size(); line = text.find('\n', line) + 1) {
-        text.erase(line, strlen("Jan  1 00:00:00.000000: "));
-    }
-    return text;
-}
-
 TEST(MacAddress, Forms) {
     for (const std::string &text :
          texts("00:1a:22:33:44:f5|00-1A-22-33-44-F5|00:1a-22:33-44:f5|"

@@ -50,6 +50,7 @@ TEST(Interpose, EveryOpenReachesTheModel) {
         EXPECT_EQ(domain, 7U);
         EXPECT_EQ(kx_platform_close(), 0);
     }
+    kx_dpa_call_fd = -1;
     EXPECT_TRUE(driver.complaints.empty());
 }
 

@@ -1,0 +1,46 @@
+// What the drop counters export beside their commands.
+#include "handlers/port/port_drops.h"
+
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "sim/interpose.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(PortDrops, FormattersFillTheTextCellByCell) {
+    kx_drop_counters counters{};
+    for (const uint32_t stage : {0U, 5U, 23U, 24U, 39U, 40U}) {
+        counters.stages[stage].valid = 0x80;
+        counters.stages[stage].drops = 4294967200U + stage;
+    }
+    const std::string ingress = "     4294967200      4294967205      4294967223 ";
+    const std::string egress = "     4294967224      4294967239      4294967240 ";
+    for (size_t size = 1; size < 80; size++) {
+        // A cell is begun while 16 bytes are left; the one that needs a byte more loses its blank.
+        const size_t length = std::min((size / 16) * 16, size_t{48});
+        const std::string cut = std::string(1, ' ').substr(0, length == size ? 1 : 0);
+        std::vector<char> text(size, '#');
+        kx_port_ingress_drops_to_str(text.data(), size, &counters);
+        EXPECT_EQ(std::string(text.data()) + cut, ingress.substr(0, length)) << size;
+        kx_port_egress_drops_to_str(text.data(), size, &counters);
+        EXPECT_EQ(std::string(text.data()) + cut, egress.substr(0, length)) << size;
+    }
+}
+
+// No command runs it.
+TEST(PortDrops, AreClearedByOneRequest) {
+    model driver;
+    std::string asked;
+    driver.trace = [&](const std::string &line) { asked += line; };
+    interpose_model(&driver);
+    kx_dpa_api_init();
+    EXPECT_EQ(kx_port_drops_clear(), 0U);
+    kx_dpa_api_exit();
+    interpose_model(nullptr);
+    EXPECT_EQ(asked, "op 276 arg 0xb flags 3 len 8 in 00*8 -> 0");
+}
+
+} // namespace
