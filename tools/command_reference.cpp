@@ -1,10 +1,5 @@
 // Writes what documents and shells need to know of the command table, so that none of it is kept by
-// hand.
-//
-//     command_reference FORM [TEMPLATE]
-//
-// writes the form (markdown, mdoc or words) alone, or in the place of the template's line
-// "@COMMANDS@".
+// hand: command_reference markdown | mdoc | words
 #include "frontend/command_rows.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
@@ -14,7 +9,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <string>
 #include <string_view>
@@ -307,33 +301,16 @@ void write_words() {
     }
 }
 
-bool write_with_template(void (*form)(), const char *name) {
-    std::ifstream text(name);
-    for (std::string line; std::getline(text, line);) {
-        if (line == "@COMMANDS@") {
-            form();
-        } else {
-            std::puts(line.c_str());
-        }
-    }
-    return text.eof();
-}
-
 } // namespace
 
 int main(int argc, char *argv[]) {
     static const std::map<std::string_view, void (*)()> FORMS = {
         {"markdown", write_markdown}, {"mdoc", write_mdoc}, {"words", write_words}};
-    const auto form = FORMS.find(argc == 2 || argc == 3 ? argv[1] : "");
+    const auto form = FORMS.find(argc == 2 ? argv[1] : "");
     if (form == FORMS.end()) {
-        std::fputs("Usage: command_reference markdown|mdoc|words [TEMPLATE]\n", stderr);
+        std::fputs("Usage: command_reference markdown | mdoc | words\n", stderr);
         return 2;
     }
-    if (argc == 2) {
-        form->second();
-    } else if (!write_with_template(form->second, argv[2])) {
-        std::fprintf(stderr, "command_reference: %s: cannot be read\n", argv[2]);
-        return 1;
-    }
+    form->second();
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
