@@ -1,7 +1,6 @@
 #include "infra/utils/kxassert.h"
 #include "infra/utils/kxstrings.h"
 
-#include <cctype>
 #include <cstring>
 
 namespace {
@@ -10,14 +9,16 @@ bool ends_word(char c) {
     return c == '\0' || c == ';' || kx_is_space(c);
 }
 
-int lower(char c) {
-    return tolower(static_cast<unsigned char>(c));
+// Keywords are ASCII, whatever locale a host process has set; and one run compares some thousand
+// letters with them before it does anything else.
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 } // namespace
 
 bool kx_is_space(char c) {
-    return isspace(static_cast<unsigned char>(c)) != 0;
+    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 bool kx_begins_with(const char *text, const char *beginning) {
@@ -43,7 +44,8 @@ int stris(const char *word, const char *keyword) {
         return 1;
     }
     for (; *keyword != '\0'; ++keyword, ++word) {
-        if (ends_word(*word) || lower(*word) != lower(*keyword)) {
+        // A keyword may hold a blank, a word ends there.
+        if (lower(*word) != lower(*keyword) || ends_word(*word)) {
             return 1;
         }
     }
