@@ -1,5 +1,6 @@
 // Runs the tool and the bare programs in turn and prints what each costs.
-// Usage: measure TARNCMD BARE ONE_REQUEST DRIVER_LIBRARY
+// Usage: measure TARNCMD BARE ONE_REQUEST DRIVER_LIBRARY [TIMES]
+// On a busy machine the numbers settle with more rounds: TIMES as many as otherwise.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -90,24 +91,43 @@ std::string output_of(const command &words, const std::vector<std::string> &sett
     return text;
 }
 
-// Means of the times, the greatest peak. The commands take turns, so that whatever else the machine
-// does falls on all of them alike.
+// Means of the times over the middle half of the rounds, which leaves out those that something else
+// on the machine got into, and the greatest peak.
+cost summarize(std::vector<cost> rounds) {
+    cost summary;
+    for (const cost &one : rounds) {
+        summary.memory = std::max(summary.memory, one.memory);
+    }
+    std::sort(rounds.begin(), rounds.end(),
+              [](const cost &a, const cost &b) { return a.user + a.system < b.user + b.system; });
+    const size_t first = rounds.size() / 4;
+    const size_t end = rounds.size() - first;
+    const auto count = static_cast<double>(end - first);
+    for (size_t i = first; i < end; ++i) {
+        summary.user += rounds[i].user / count;
+        summary.system += rounds[i].system / count;
+        summary.wall += rounds[i].wall / count;
+    }
+    return summary;
+}
+
+// The commands take turns, so that whatever else the machine does falls on all of them alike.
 std::vector<cost> measure(const std::vector<command> &commands,
                           const std::vector<std::string> &settings, const std::string &driver,
                           int rounds) {
     const int nowhere = open("/dev/null", O_WRONLY);
-    std::vector<cost> sums(commands.size());
+    std::vector<std::vector<cost>> costs(commands.size());
     for (int round = 0; round < rounds; ++round) {
         for (size_t i = 0; i < commands.size(); ++i) {
-            const cost one = run(commands[i], settings, driver, nowhere);
-            sums[i].user += one.user / rounds;
-            sums[i].system += one.system / rounds;
-            sums[i].wall += one.wall / rounds;
-            sums[i].memory = std::max(sums[i].memory, one.memory);
+            costs[i].push_back(run(commands[i], settings, driver, nowhere));
         }
     }
     close(nowhere);
-    return sums;
+    std::vector<cost> summaries;
+    for (const std::vector<cost> &rounds_of_one : costs) {
+        summaries.push_back(summarize(rounds_of_one));
+    }
+    return summaries;
 }
 
 void print_costs(const char *name, const cost &spent) {
@@ -123,8 +143,9 @@ void print_ratio(const char *name, const cost &a, const cost &b) {
 } // namespace
 
 int main(int argc, char *argv[]) {
-    if (argc != 5) {
-        fputs("Usage: measure TARNCMD BARE ONE_REQUEST DRIVER_LIBRARY\n", stderr);
+    const int times = argc == 6 ? atoi(argv[5]) : 1;
+    if (argc < 5 || argc > 6 || times < 1) {
+        fputs("Usage: measure TARNCMD BARE ONE_REQUEST DRIVER_LIBRARY [TIMES]\n", stderr);
         return 2;
     }
     const std::string tool = argv[1];
@@ -158,8 +179,8 @@ int main(int argc, char *argv[]) {
             fprintf(stderr, "measure: %s: the programs print different rows\n", measured.name);
             return 1;
         }
-        const std::vector<cost> costs =
-            measure({tarncmd, printing, writing}, measured.settings, driver, measured.rounds);
+        const std::vector<cost> costs = measure({tarncmd, printing, writing}, measured.settings,
+                                                driver, measured.rounds * times);
         print_costs((std::string(measured.name) + ": (a)").c_str(), costs[0]);
         print_costs("(b) bare, printf a row", costs[1]);
         print_costs("(c) bare, one write", costs[2]);
@@ -167,7 +188,7 @@ int main(int argc, char *argv[]) {
         print_ratio("(a)/(c)", costs[0], costs[2]);
     }
     const std::vector<cost> costs =
-        measure({{tool, "show", "version"}, {argv[3]}}, {}, driver, 500);
+        measure({{tool, "show", "version"}, {argv[3]}}, {}, driver, 500 * times);
     print_costs("show version: (a)", costs[0]);
     print_costs("(b) one request in C", costs[1]);
     print_ratio("(a)/(b)", costs[0], costs[1]);
