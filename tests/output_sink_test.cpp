@@ -68,6 +68,21 @@ TEST(OutputSinkTerminal, IsNeverBufferedWhateverTheOtherWordsHold) {
     hmx_rcli_entry_start_ptr = nullptr;
 }
 
+TEST(OutputSinkTerminal, PrintsTextsOfAnyLengthWhole) {
+    std::string expected = "100%\n";
+    testing::internal::CaptureStdout();
+    kx_print("100%%\n");
+    for (const size_t length : {1U, 510U, 511U, 512U, 513U, 70000U}) {
+        const std::string text(length, static_cast<char>('a' + length % 26));
+        kx_print("%s", text.c_str());
+        kx_print("\n");
+        kx_print("%zu %s, %5.1f\n", length, text.c_str(), 0.5);
+        expected += text + "\n" + std::to_string(length) + " " + text + ",   0.5\n";
+    }
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), expected);
+}
+
 TEST(OutputSinkBuffer, DroppedWritesNeverWrapTheAddressSpace) {
     hmx_rcli_buffer_ptr = hmx_rcli_buffer;
     kx_print("%s", std::string(1 << 20, 'x').c_str());

@@ -26,7 +26,7 @@ struct shared_text {
 };
 
 struct mac_text {
-    char text[sizeof "00:00:00:00:00:00"];
+    char text[KX_MAC_TEXT_SIZE];
 };
 
 struct ipv6_address {

@@ -129,7 +129,7 @@ int kx_show_lacp_ltl(uint32_t ltl) {
 }
 
 void kx_show_lacp_internal(const kx_lacp_partner &partner) {
-    char mac[sizeof "00:00:00:00:00:00"];
+    char mac[KX_MAC_TEXT_SIZE];
     snprintf_mac_address(mac, sizeof mac, partner.system_mac);
     kx_print("%10s : Sys Pri(%d), Sys MAC(%s)\n", "Sys ID", partner.system_priority, mac);
     kx_print("%10s : Key(%d), Port Num(0x%x), Port Pri(%d)\n", "Port ID", partner.key,

@@ -90,16 +90,16 @@ void print_header(const kx_bd_record &bd, bool leaf_mode) {
 
 void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_time,
                bool leaf_mode) {
-    const uint8_t *mac = entry.mac;
+    char mac[KX_MAC_TEXT_SIZE];
+    snprintf_mac_address(mac, sizeof mac, entry.mac);
     const uint32_t age = kx_get_mac_age(entry.ltl, entry.flags, entry.seen_time, entry.now,
                                         static_cast<uint32_t>(aging_time));
     char remote_ip[REMOTE_IP_SIZE] = "";
     if (has_remote_endpoints(bd)) {
         ipv4_to_a(ntohl(entry.remote_ip), remote_ip, sizeof remote_ip);
     }
-    kx_print("    %7.7s   %02x:%02x:%02x:%02x:%02x:%02x %5d %9d   %10s   %15s",
-             kx_l2_type(entry.flags), mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], entry.ltl,
-             age, kx_l2_flags(entry).text, remote_ip);
+    kx_print("    %7.7s   %s %5d %9d   %10s   %15s", kx_l2_type(entry.flags), mac, entry.ltl, age,
+             kx_l2_flags(entry).text, remote_ip);
     // Deliberate: a natively carried segment has no DSN in its header, but in its rows.
     if (is_segment(bd)) {
         kx_print("   %3d ", entry.dsn);

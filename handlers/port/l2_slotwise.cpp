@@ -4,6 +4,7 @@
 #include "frontend/output_sink.h"
 #include "handlers/port/l2.h"
 #include "handlers/port/shared/bridge_domain.h"
+#include "infra/utils/kxstrings.h"
 
 #include <algorithm>
 
@@ -42,13 +43,13 @@ void print_header(bool segments) {
 }
 
 void print_row(const slot_bd &bd, const kx_l2_entry &entry) {
-    const uint8_t *mac = entry.mac;
+    char mac[KX_MAC_TEXT_SIZE];
+    snprintf_mac_address(mac, sizeof mac, entry.mac);
     const uint32_t age =
         kx_get_mac_age(entry.ltl, entry.flags, entry.seen_time, entry.now, bd.aging_time);
-    kx_print("%4d    %7.7s   %02x:%02x:%02x:%02x:%02x:%02x %5d %9d   %10s\n",
-             is_segment(bd) ? bd.record.segment_id : bd.record.vlan, kx_l2_type(entry.flags),
-             mac[0], mac[1], mac[2], mac[3], mac[4], mac[5], entry.ltl, age,
-             kx_l2_flags(entry).text);
+    kx_print("%4d    %7.7s   %s %5d %9d   %10s\n",
+             is_segment(bd) ? bd.record.segment_id : bd.record.vlan, kx_l2_type(entry.flags), mac,
+             entry.ltl, age, kx_l2_flags(entry).text);
 }
 
 // Print the rows of a slot from the entry in `step` on, with a header wherever segments follow

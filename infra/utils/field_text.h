@@ -3,15 +3,17 @@
 #define INFRA_UTILS_FIELD_TEXT_H
 
 #include <cstddef>
-#include <cstring>
 
 template <size_t SIZE> struct kx_text { char text[SIZE + 1]; };
 
 // The text of a field of SIZE bytes, up to its NUL or the whole field when it has none.
 template <size_t SIZE> kx_text<SIZE> kx_field_text(const char (&field)[SIZE]) {
     kx_text<SIZE> copy;
-    const size_t length = strnlen(field, SIZE);
-    memcpy(copy.text, field, length);
+    // Names are short: two calls of the C library would cost more than the loop.
+    size_t length = 0;
+    for (; length < SIZE && field[length] != '\0'; ++length) {
+        copy.text[length] = field[length];
+    }
     copy.text[length] = '\0';
     return copy;
 }

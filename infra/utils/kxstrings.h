@@ -72,6 +72,9 @@ int32_t kx_get_ltl_cookie_frm_args(const char *text);
 
 // --- Values ---
 
+// Bytes of the text of a MAC address, its NUL included.
+constexpr size_t KX_MAC_TEXT_SIZE = 18;
+
 // "00:1a:2b:3c:4d:5e", with snprintf's bound and result.
 int snprintf_mac_address(char *destination, size_t size, const uint8_t mac[6]);
 

@@ -2,6 +2,7 @@
 
 #include "frontend/output_sink.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -19,9 +20,21 @@ bool ends_line(uint8_t byte) {
 
 } // namespace
 
+// Digit by digit: in a MAC table, six conversions would take a third of the time of a row.
 int snprintf_mac_address(char *destination, size_t size, const uint8_t mac[6]) {
-    return snprintf(destination, size, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2],
-                    mac[3], mac[4], mac[5]);
+    constexpr const char *DIGITS = "0123456789abcdef";
+    char text[KX_MAC_TEXT_SIZE];
+    for (size_t i = 0; i < 6; ++i) {
+        text[3 * i] = DIGITS[mac[i] >> 4];
+        text[3 * i + 1] = DIGITS[mac[i] & 0xF];
+        text[3 * i + 2] = ':';
+    }
+    if (size > 0) {
+        const size_t length = std::min(size, sizeof text) - 1;
+        memcpy(destination, text, length);
+        destination[length] = '\0';
+    }
+    return sizeof text - 1;
 }
 
 int snprintf_ip_address(char *destination, size_t size, uint32_t address) {

@@ -15,6 +15,9 @@ TEST(AddressText, Forms) {
     char text[64];
     EXPECT_EQ(snprintf_mac_address(text, sizeof text, bytes), 17);
     EXPECT_STREQ(text, "00:1a:0a:ff:02:b0");
+    EXPECT_EQ(snprintf_mac_address(text, 6, bytes), 17);
+    EXPECT_STREQ(text, "00:1a");
+    EXPECT_EQ(snprintf_mac_address(nullptr, 0, bytes), 17);
     EXPECT_EQ(snprintf_ipv6_address(text, sizeof text, bytes), 39);
     EXPECT_STREQ(text, "001a:0aff:02b0:0000:0000:0000:0000:0000");
     EXPECT_EQ(snprintf_ipv6_address(text, 6, bytes), 39);
