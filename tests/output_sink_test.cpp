@@ -2,6 +2,7 @@
 #include "tests/infra/printed_by.h"
 
 #include <cstring>
+#include <ctime>
 #include <string>
 
 namespace {
@@ -102,6 +103,17 @@ TEST(DebugWords, StartAt0x87) {
           kx_debug_print_dpa_platform, kx_debug_print_dpa_main}) {
         EXPECT_EQ(word, 0x87U);
     }
+}
+
+TEST(TraceLines, BeginWithTheTimeOfDay) {
+    const time_t before = time(nullptr);
+    const std::string line = printed_by([] { kx_print_stamped("%d\n", 5); });
+    bool found = false;
+    for (time_t now = before; now <= time(nullptr); ++now) {
+        found |= line.starts_with(std::string(ctime(&now)).substr(4, 15) + ".");
+    }
+    EXPECT_TRUE(found) << line;
+    EXPECT_EQ(replace_stamps(line, "STAMP "), "STAMP 5\n");
 }
 
 // Later lines overwrite the file from its top.

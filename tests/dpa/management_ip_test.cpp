@@ -32,6 +32,7 @@ TEST(ManagementAddress, ConvertsDottedText) {
         strcpy(text, row.text);
         EXPECT_EQ(conv_ip_address(text), row.value) << row.text;
     }
+    EXPECT_EQ(conv_ip_address(nullptr), 0U);
 }
 
 TEST(ManagementAddress, IsAskedFromTheHostAndToldToTheDriver) {
