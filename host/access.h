@@ -29,11 +29,11 @@ template <typename map> struct keyed {
 
 namespace access_detail {
 
-template <typename T> constexpr bool IS_OPTIONAL = false;
-template <typename T> constexpr bool IS_OPTIONAL<std::optional<T>> = true;
+template <typename T> inline constexpr bool IS_OPTIONAL = false;
+template <typename T> inline constexpr bool IS_OPTIONAL<std::optional<T>> = true;
 
-template <typename T> constexpr bool IS_MAP = false;
-template <typename K, typename V> constexpr bool IS_MAP<std::map<K, V>> = true;
+template <typename T> inline constexpr bool IS_MAP = false;
+template <typename K, typename V> inline constexpr bool IS_MAP<std::map<K, V>> = true;
 
 template <typename owner, typename field> owner owner_of(field owner::*);
 template <auto first, auto...> struct path_owner { using type = decltype(owner_of(first)); };

@@ -162,7 +162,7 @@ std::string read_words(const key &row, const json_value &given, uint64_t &number
     number = 0;
     for (const json_value &item : given.items) {
         uint64_t bits = 0;
-        if (const std::string expected = read_word(row, item, bits); !expected.empty()) {
+        if (std::string expected = read_word(row, item, bits); !expected.empty()) {
             return expected;
         }
         number |= bits;
@@ -239,8 +239,8 @@ std::string read_interface(const key &row, const json_value &given, uint64_t &nu
 
 // "1,10-20"
 std::string read_ranges(const key &row, std::string_view text, std::vector<uint32_t> &numbers) {
-    const std::string expected = "expected numbers from " + std::to_string(row.least) + " to " +
-                                 std::to_string(row.most) + " such as \"1,10-20\"";
+    std::string expected = "expected numbers from " + std::to_string(row.least) + " to " +
+                           std::to_string(row.most) + " such as \"1,10-20\"";
     while (!text.empty()) {
         const size_t comma = std::min(text.find(','), text.size());
         const std::string_view piece = text.substr(0, comma);

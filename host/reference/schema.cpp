@@ -83,7 +83,7 @@ json array_of(const json &items, uint64_t most) {
 }
 
 json flag(const key &row) {
-    const json plain = {{"type", "boolean"}};
+    json plain = {{"type", "boolean"}};
     if (row.most == 1) {
         return plain;
     }

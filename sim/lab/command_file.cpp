@@ -35,7 +35,7 @@ std::string find_program(const std::string &command) {
     for (;;) {
         const size_t end = rest.find(':');
         const std::string folder(rest.substr(0, end));
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + command;
+        std::string candidate = (folder.empty() ? "." : folder) + "/" + command;
         if (is_program(candidate)) {
             return candidate;
         }
@@ -49,7 +49,7 @@ std::string find_program(const std::string &command) {
 bool names_a_loader(int file, const Elf32_Ehdr &head) {
     for (size_t i = 0; i < head.e_phnum; i++) {
         Elf32_Phdr part{};
-        const auto at = static_cast<off_t>(head.e_phoff + i * head.e_phentsize);
+        const auto at = off_t{head.e_phoff} + static_cast<off_t>(i) * head.e_phentsize;
         if (pread(file, &part, sizeof part, at) == static_cast<ssize_t>(sizeof part) &&
             part.p_type == PT_INTERP) {
             return true;
@@ -101,7 +101,9 @@ std::string why_not_preloaded(const std::string &command) {
                    "use --device";
         case program_kind::script:
             path = interpreter;
-            subject = command + ": its interpreter " + interpreter;
+            subject = command;
+            subject += ": its interpreter ";
+            subject += interpreter;
             break;
         default:
             return "";
