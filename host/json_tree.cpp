@@ -1,7 +1,11 @@
 #include "host/json_tree.h"
 
+#include "host/text.h"
+
 #include <cstddef>
 #include <iterator>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -44,11 +48,25 @@ struct counting_iterator {
     }
 };
 
+// The parser's own words, without its place in the text: a token may stand in them with what was
+// read before it.
+std::string parser_reason(std::string_view what) {
+    constexpr size_t LONGEST = 200;
+    for (const std::string_view end : {"] ", "parse error at ", ": "}) {
+        const size_t found = what.find(end);
+        if (found != std::string_view::npos) {
+            what.remove_prefix(found + end.size());
+        }
+    }
+    return bytes_to_utf8(what.substr(0, LONGEST));
+}
+
 struct tree_builder {
     unsigned newlines = 0;
     bool after_newline = false;
     json_value root;
     std::vector<json_value *> open;
+    std::vector<std::unordered_set<std::string>> keys; // of each value in `open`
 
     // A number ends with the character behind it, which may already be the line's end.
     unsigned line() const {
@@ -75,10 +93,12 @@ struct tree_builder {
             throw host_error{line(), "nested too deeply"};
         }
         open.push_back(&add(type, line()));
+        keys.emplace_back();
         return true;
     }
     bool leave() {
         open.pop_back();
+        keys.pop_back();
         return true;
     }
 
@@ -123,21 +143,14 @@ struct tree_builder {
         return leave();
     }
     bool key(std::string &name) {
-        for (const json_member &member : open.back()->members) {
-            if (member.key == name) {
-                throw host_error{line(), "\"" + name + "\" is given twice"};
-            }
+        if (!keys.back().insert(name).second) {
+            throw host_error{line(), "\"" + name + "\" is given twice"};
         }
         open.back()->members.push_back({std::move(name), {}});
         return true;
     }
-    bool parse_error(size_t, const std::string &token, const nlohmann::json::exception &) {
-        // The token comes with what stands before it, line ends spelled out.
-        constexpr std::string_view line_end = "<U+000A>";
-        const size_t last = token.rfind(line_end);
-        const std::string shown =
-            last == std::string::npos ? token : token.substr(last + line_end.size());
-        throw host_error{number_line(), "not JSON at \"" + shown + "\""};
+    bool parse_error(size_t, const std::string &, const nlohmann::json::exception &failed) {
+        throw host_error{number_line(), "not JSON: " + parser_reason(failed.what())};
     }
 };
 

@@ -17,9 +17,7 @@ struct override_rule {
     std::optional<uint32_t> length;            // the reply is filled up or cut to this
     std::optional<uint32_t> returned;          // length handed back in the capacity word
 
-    // Where a simulated host stands with the rule.
-    bool indexed = false;
-    bool met = false; // a request was answered by it
+    bool indexed = false; // where a simulated host stands with it
 };
 
 #endif

@@ -3,15 +3,21 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
-#include <system_error>
+#include <string_view>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr const char *ADDRESS_PROGRAM = "esxcfg-advcfg";
+constexpr const char *FOLDERS = "/tmp";
+constexpr std::string_view FOLDER_NAME = "tarnlab-XXXXXX"; // the last six differ
+constexpr int FOLDER_TRIES = 10;
 
 // A word of a shell script.
 std::string quoted(const std::string &text) {
@@ -34,6 +40,39 @@ bool write_address_program(const std::string &file, const std::string &address) 
     return script.good() && chmod(file.c_str(), 0700) == 0;
 }
 
+bool looks_like_ours(std::string_view name) {
+    return name.size() == FOLDER_NAME.size() &&
+           name.substr(0, name.rfind('-')) == FOLDER_NAME.substr(0, FOLDER_NAME.rfind('-'));
+}
+
+// Remove the folder if it is this user's and nobody holds its lock, which ends with its holder,
+// however that ends. Anything in it that was not put there by this program keeps it.
+void remove_if_left(int folders, const char *name) {
+    const int folder = openat(folders, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    struct stat found {};
+    if (folder != -1 && fstat(folder, &found) == 0 && found.st_uid == geteuid() &&
+        flock(folder, LOCK_EX | LOCK_NB) == 0) {
+        unlinkat(folder, ADDRESS_PROGRAM, 0);
+        unlinkat(folders, name, AT_REMOVEDIR);
+    }
+    if (folder != -1) {
+        close(folder);
+    }
+}
+
+void remove_what_was_left() {
+    DIR *folders = opendir(FOLDERS);
+    if (folders == nullptr) {
+        return;
+    }
+    while (const dirent *listed = readdir(folders)) {
+        if (looks_like_ours(listed->d_name)) {
+            remove_if_left(dirfd(folders), listed->d_name);
+        }
+    }
+    closedir(folders);
+}
+
 } // namespace
 
 host_programs::~host_programs() {
@@ -41,20 +80,42 @@ host_programs::~host_programs() {
         return;
     }
     setenv("PATH", path_before_.c_str(), 1);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    unlinkat(lock_, ADDRESS_PROGRAM, 0);
+    rmdir(folder_.c_str());
+    close(lock_);
+}
+
+// Another process may take the new folder for one that was left until it is locked.
+bool host_programs::make_folder() {
+    for (int tries = 0; tries < FOLDER_TRIES; tries++) {
+        std::string folder = std::string(FOLDERS) + "/" + std::string(FOLDER_NAME);
+        if (mkdtemp(folder.data()) == nullptr) {
+            return false;
+        }
+        lock_ = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        struct stat made {};
+        if (lock_ != -1 && flock(lock_, LOCK_EX | LOCK_NB) == 0 && fstat(lock_, &made) == 0 &&
+            made.st_nlink != 0) {
+            folder_ = folder;
+            return true;
+        }
+        if (lock_ != -1) {
+            close(lock_);
+        }
+    }
+    errno = EAGAIN;
+    return false;
 }
 
 bool host_programs::install(const host &described, std::string &error) {
     if (!described.management_address) {
         return true;
     }
-    std::string folder = "/tmp/tarnlab-XXXXXX";
-    if (mkdtemp(folder.data()) == nullptr) {
-        error = folder + ": " + std::strerror(errno);
+    remove_what_was_left();
+    if (!make_folder()) {
+        error = std::string(FOLDERS) + ": " + std::strerror(errno);
         return false;
     }
-    folder_ = folder;
     const char *path = std::getenv("PATH");
     path_before_ = path == nullptr ? "/usr/bin:/bin" : path;
     setenv("PATH", (folder_ + ":" + path_before_).c_str(), 1);

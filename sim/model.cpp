@@ -159,7 +159,7 @@ destination reply_destination(kxdpa_request &record) {
             variable ? &record.max1 : nullptr};
 }
 
-// Never writes past the length or capacity that the request declares, whatever an override says,
+// Never writes past the length and capacity that the request declares, whatever an override says,
 // but for the `behind` bytes of the opcode.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk,
                  uint32_t behind, bool forced) {
@@ -206,7 +206,11 @@ std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &i
     return line;
 }
 
-std::string describe_outcome(const kxdpa_request &record) {
+std::string describe_outcome(const kxdpa_request &record, int error) {
+    if (error != 0) {
+        const char *name = strerrorname_np(error);
+        return name == nullptr ? format(" -> error %d", error) : " -> " + std::string(name);
+    }
     std::string line = format(" -> %u", record.status);
     if (record.max1_valid != 0) {
         line += format(" max %u", record.max1);
@@ -256,6 +260,9 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
         return EFAULT;
     }
     const override_rule *rule = driver.overrides.find(driver.state.overrides, record, input);
+    if (rule != nullptr && driver.met) {
+        driver.met(static_cast<size_t>(rule - driver.state.overrides.data()));
+    }
     const bool forced = rule != nullptr && (rule->reply || rule->length);
     if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
         return rule->error;
@@ -309,9 +316,7 @@ int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {
     const kxdpa_request asked = record;
     const int error = run_request(driver, record, memory, input);
     if (driver.trace) {
-        driver.trace(describe(asked, input) + (error == 0
-                                                   ? describe_outcome(record)
-                                                   : " -> " + std::string(strerrorname_np(error))));
+        driver.trace(describe(asked, input) + describe_outcome(record, error));
     }
     return error;
 }

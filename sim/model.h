@@ -33,6 +33,8 @@ struct model {
     override_index overrides{}; // of the host
     // One line for every request, without its newline; see docs/simulated-host.md.
     std::function<void(const std::string &line)> trace;
+    // Told the place of each override that a request is answered by.
+    std::function<void(size_t place)> met;
     // One line for every malformed record; nullptr writes to standard error.
     std::function<void(const std::string &line)> complain;
 };

@@ -66,9 +66,5 @@ const override_rule *override_index::find(std::vector<override_rule> &rules,
             }
         }
     }
-    if (first == none) {
-        return nullptr;
-    }
-    rules[first].met = true;
-    return &rules[first];
+    return first == none ? nullptr : &rules[first];
 }

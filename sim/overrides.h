@@ -16,9 +16,9 @@
 // again then.
 class override_index {
 public:
-    // The first rule that holds for the request, which is marked as met; nullptr for none. `input`
-    // is what buffer 1 carried. Every request that a rule asks for is counted for its `time`,
-    // whether or not the rule is the first.
+    // The first rule that holds for the request, nullptr for none. `input` is what buffer 1
+    // carried. Every request that a rule asks for is counted for its `time`, whether or not the
+    // rule is the first.
     const override_rule *find(std::vector<override_rule> &rules, const kxdpa_request &request,
                               std::span<const uint8_t> input);
 

@@ -2,14 +2,17 @@
 #include "host/host_file.h"
 #include "sim/builtin_host.h"
 #include "sim/interpose.h"
-#include "sim/preload_variables.h"
-#include "sim/trace_file.h"
+#include "sim/preload_channel.h"
+#include "sim/trace.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -18,7 +21,7 @@ constexpr int EXIT_BAD_HOST = 2;
 
 // Programs that the command starts must not see what was meant for the command. Other preloaded
 // libraries stay.
-void forget_preload() {
+void forget_preload(const std::string &own_entry) {
     const char *listed = std::getenv("LD_PRELOAD");
     if (listed == nullptr) {
         return;
@@ -29,7 +32,7 @@ void forget_preload() {
         const size_t end = rest.find_first_of(": ");
         const std::string_view entry = rest.substr(0, end);
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (entry.empty() || entry.ends_with(PRELOAD_LIBRARY)) {
+        if (entry.empty() || entry == own_entry || entry.ends_with(PRELOAD_LIBRARY)) {
             continue;
         }
         kept += (kept.empty() ? "" : ":") + std::string(entry);
@@ -41,29 +44,55 @@ void forget_preload() {
     }
 }
 
-std::string take_variable(const char *name) {
-    const char *value = std::getenv(name);
-    std::string copy = value == nullptr ? "" : value;
-    unsetenv(name);
-    return copy;
+std::string host_text(int descriptor) {
+    if (descriptor == -1) {
+        return std::string(builtin_host_text());
+    }
+    std::string text;
+    char piece[65536];
+    ssize_t got = 0;
+    while ((got = pread(descriptor, piece, sizeof piece, static_cast<off_t>(text.size()))) > 0) {
+        text.append(piece, static_cast<size_t>(got));
+    }
+    return text;
+}
+
+void close_if_open(int descriptor) {
+    if (descriptor != -1) {
+        close(descriptor);
+    }
+}
+
+// Mark the overrides that are met where tarnlab sees it.
+void mark_met(model &driver, int descriptor) {
+    const size_t size = driver.state.overrides.size();
+    if (descriptor == -1 || size == 0) {
+        return;
+    }
+    void *shared = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    if (shared != MAP_FAILED) {
+        driver.met = [marks = static_cast<uint8_t *>(shared)](size_t place) { marks[place] = 1; };
+    }
 }
 
 __attribute__((constructor)) void start_simulation() {
-    const std::string host_path = take_variable(HOST_VARIABLE);
-    const std::string trace_path = take_variable(TRACE_VARIABLE);
-    forget_preload();
+    const preload_channel channel = preload_from_text(std::getenv(PRELOAD_VARIABLE));
+    unsetenv(PRELOAD_VARIABLE);
+    forget_preload(preload_entry(channel));
     // Lives as long as the process, also while its other destructors run.
     auto *driver = new model;
     std::string error;
-    const bool loaded = host_path.empty()
-                            ? parse_host(builtin_host_text(), "built-in host", driver->state, error)
-                            : load_host(host_path, driver->state, error);
-    if (!loaded) {
+    if (!parse_host(host_text(channel.host), "host", driver->state, error)) {
         std::fprintf(stderr, "%s: %s\n", PRELOAD_LIBRARY, error.c_str());
         _exit(EXIT_BAD_HOST);
     }
-    if (!trace_path.empty()) {
-        trace_into(*driver, trace_path);
+    mark_met(*driver, channel.met);
+    if (channel.trace != -1) {
+        fcntl(channel.trace, F_SETFD, FD_CLOEXEC);
+        trace_into(*driver, channel.trace);
+    }
+    for (const int descriptor : {channel.library, channel.host, channel.met}) {
+        close_if_open(descriptor);
     }
     interpose_model(driver);
 }

@@ -314,6 +314,8 @@ lines collect_results(const transcript_case &asked, int exit_value, const fs::pa
     lines results;
     show_output(results, '|', read_file(folder / "out"), asked.mask_stamps);
     show_output(results, '!', read_file(folder / "err"), asked.mask_stamps);
+    // What tarnlab finds unused in the host file is no output of the tool.
+    std::erase_if(results, [](const auto &line) { return line.starts_with("!tarnlab: "); });
     if (exit_value != 0)
         results.push_back("exit " + std::to_string(exit_value));
     const std::string noted = read_file(folder / "results");

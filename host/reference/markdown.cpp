@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char *INTRODUCTION = R"(# The host file
 
-<!-- Made from the tables in host/ by the build target host_file_docs. -->
+<!-- Made from the tables in host/ by the build target docs. -->
 
 A host file describes a host: its ports, bridge domains, counters and whatever else its driver can be
 asked for. It is what a capture of a host writes, what scripts read, and what the

@@ -1,11 +1,15 @@
 // Host files: what is wrong with one, and on which line.
+#include "dpa/userspace/kxdpa_opcodes.h"
 #include "host/hex.h"
 #include "host/host_file.h"
 #include "host/json_tree.h"
 #include "host/keys.h"
+#include "host/value.h"
 #include "sim/builtin_host.h"
 #include "tests/host/random_host.h"
 
+#include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <set>
@@ -21,9 +25,16 @@ TEST(HostFile, SaysWhereItIsWrong) {
         const char *text;
         const char *error;
     } rows[] = {
-        {"", "f:1: not JSON at \"\""},
-        {"{\n\"ports\": [\n}", "f:3: not JSON at \"}\""},
-        {"{\"vlans\": \"1\"\n} x", "f:2: not JSON at \"} x\""},
+        {"", "f:1: not JSON: syntax error while parsing value - unexpected end of input; "
+             "expected '[', '{', or a literal"},
+        {"{\n\"ports\": [\n}", "f:3: not JSON: syntax error while parsing value - unexpected "
+                               "'}'; expected '[', '{', or a literal"},
+        {"{\"vlans\": \"1\"\n} x",
+         "f:2: not JSON: syntax error while parsing value - invalid literal; last read: "
+         "'\"1\"<U+000A>} x'; expected end of input"},
+        {"{\"card\": {\"name\": \"\xFF\"}}",
+         "f:1: not JSON: syntax error while parsing value - invalid string: ill-formed UTF-8 "
+         "byte; last read: '\"\xEE\xBF\xBF'"},
         {"[]", "f:1: the host: expected an object"},
         {"{\n\n\"prots\": []}", "f:3: prots: unknown key"},
         {"{\"card\": {\"domain\": 1,\n\"domain\": 2}}", "f:2: \"domain\" is given twice"},
@@ -52,6 +63,26 @@ TEST(HostFile, SaysWhereItIsWrong) {
          "f:1: vlans: expected numbers from 1 to 4095 such as \"1,10-20\""},
         {"{\"vlans\": \"20-10\"}",
          "f:1: vlans: expected numbers from 1 to 4095 such as \"1,10-20\""},
+        {"{\"card\": {\"leaf_mode\": 1}}", "f:1: card.leaf_mode: expected true or false"},
+        {"{\"card\": {\"leaf_mode\": 256}}", "f:1: card.leaf_mode: expected true or false"},
+        {"{\"card\": {\"name\": \"a\\u0000b\"}}", "f:1: card.name: expected a text without a NUL"},
+        {"{\"card\": {\"processors\": null, \"processor_cores\": 2}}",
+         "f:1: card.processor_cores: belongs to what is refused"},
+        {"{\"drops\": [{\"ltl\": 1, \"known\": false,\n\"40\": 2}]}",
+         "f:2: drops[0].40: belongs to what is refused"},
+        {"{\"drops\": [{\"ltl\": 1, \"41\": 2}]}", "f:1: drops[0].41: unknown key"},
+        {"{\"drops\": [{\"ltl\": 1, \"03\": 2}]}", "f:1: drops[0].03: unknown key"},
+        {"{\"ports\": [{\"ltl\": 1, \"mac\": null}]}",
+         "f:1: ports[0].mac: expected a MAC address such as \"00:50:56:aa:bb:cc\""},
+        {"{\"ports\": null}", "f:1: ports: expected a list"},
+        {"{\"ports\": [{\"ltl\": 1, \"secure_learning\": [\"never\"]}]}",
+         "f:1: ports[0].secure_learning: expected one of \"ages-absolute\", \"ages-inactivity\", "
+         "\"never-ages\", or a number"},
+        {"{\"private_vlans\": [{\"ltl\": 1, \"vlan\": 2}, {\"ltl\": 2, \"vlan\": 2},\n"
+         "{\"vlan\": 2, \"ltl\": 1}]}",
+         "f:2: private_vlans[2].vlan: is used twice"},
+        {"{\"lacp\": {\"carriers\": {\"physical\": [1,2,3,4,5,6,7,8,9]}}}",
+         "f:1: lacp.carriers.physical: expected at most 8 numbers"},
         {"{\"overrides\": [{\"opcode\": 1, \"reply\": \"abc\"}]}",
          "f:1: overrides[0].reply: expected bytes in hexadecimal"},
         {"{\"overrides\": [{\"opcode\": 1, \"reply\": \"00*9999999\"}]}",
@@ -67,6 +98,167 @@ TEST(HostFile, SaysWhereItIsWrong) {
     std::string error;
     EXPECT_FALSE(parse_host(std::string(100000, '['), "f", parsed, error));
     EXPECT_EQ(error, "f:1: nested too deeply");
+}
+
+TEST(HostFile, AllThatIsWrongIsToldInTheOrderOfTheLines) {
+    const std::vector<std::string> expected = {
+        "f:2: card.domian: unknown key",
+        "f:2: vlans: expected numbers from 1 to 4095 such as \"1,10-20\"",
+        "f:3: ports[0].org: expected a number from 0 to 255",
+        "f:4: ports[2].ltl: is used twice",
+        "f:5: ports[3].ltl: is missing",
+    };
+    EXPECT_EQ(check_host("{\n\"vlans\": 7, \"card\": {\"domian\": 1},\n"
+                         "\"ports\": [{\"ltl\": 1, \"org\": 256}, {\"ltl\": 2},\n"
+                         "{\"ltl\": 2},\n{}]}",
+                         "f"),
+              expected);
+}
+
+TEST(HostFile, ManyKeysAreReadInNoTime) {
+    std::string text = "{\"card\": {";
+    for (int i = 0; i < 60000; i++)
+        text += "\"key" + std::to_string(i) + "\": 1,";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(check_host(text + "\"key60000\": 1}}", "f").size(), 60001U);
+    EXPECT_EQ(check_host(text + "\"key59999\": 1}}", "f").at(0),
+              "f:1: \"key59999\" is given twice");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+}
+
+// A text as it stands in the file, and the driver's bytes.
+TEST(HostFile, TextsAreAnyBytes) {
+    const struct {
+        const char *text;
+        const char *bytes;
+    } rows[] = {
+        {"plain", "plain"},
+        {"\\b\\f\\n\\r\\t\\\"\\\\/\\u0001\\u001f\\u007f", "\b\f\n\r\t\"\\/\x01\x1f\x7f"},
+        {"\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {"\xEE\xBE\x80", "\x80"},
+        {"\xEE\xBF\xBF", "\xFF"},
+        {"\xEE\xBF\x83"
+         "a",
+         "\xC3"
+         "a"},                                                    // a character cut short
+        {"\xEE\xBF\x80\xEE\xBE\xAF", "\xC0\xAF"},                 // a slash that is too long
+        {"\xEE\xBF\xAD\xEE\xBE\xA0\xEE\xBE\x80", "\xED\xA0\x80"}, // a surrogate
+        {"\xEE\xBF\xB4\xEE\xBE\x90\xEE\xBE\x80\xEE\xBE\x80", "\xF4\x90\x80\x80"}, // too large
+        {"\xEE\xBF\xAE\xEE\xBE\xBE\xEE\xBE\x80", "\xEE\xBE\x80"},                 // U+EF80 itself
+        {"\xEE\xBE\xBF\xEF\x80\x80", "\xBF\xEF\x80\x80"}, // its neighbour, U+F000, is plain
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.text);
+        host described;
+        described.card.name = row.bytes;
+        const std::string written =
+            std::string("{\n  \"card\": {\n    \"name\": \"") + row.text + "\"\n  }\n}\n";
+        EXPECT_EQ(write_host(described), written);
+        host read;
+        std::string error;
+        EXPECT_TRUE(parse_host(written, "f", read, error)) << error;
+        EXPECT_EQ(read.card.name, row.bytes);
+    }
+}
+
+// What is said, what is left out, and what no key can say.
+TEST(HostFile, IsWrittenInOneForm) {
+    host described;
+    EXPECT_EQ(write_host(described), "{}\n");
+    described.card.slot.reset();
+    described.card.leaf_mode = 2;
+    described.card.tunnel_mode = KX_TUNNEL_MODE_L3;
+    described.card.upgrade = 9;
+    described.card.management_ipv6->back() = 1;
+    described.bridge_domains.vlans = {20, 1, 3};
+    bridge_domain &odd = described.bridge_domains.by_index[2];
+    odd.record.vlan = 30;
+    odd.record.swbd = 30; // follows from the VLAN
+    odd.record.segment_features = 0x81;
+    odd.record.kind = 3;
+    port &listed = described.ports.by_ltl[7];
+    for (port_view &view : listed.views)
+        view.record.if_index = 0x2500C000;
+    listed.views[KX_VIEW_KRT].vlans.reset();
+    listed.views[KX_VIEW_SYSTEM].record.if_index = 0x1C000010;
+    described.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
+                                      {.mac = {2, 0, 0, 0, 0, 1}}};
+    override_rule &rule = described.overrides.emplace_back();
+    rule.opcode = 15;
+    rule.in.emplace();
+    rule.error = ENODEV;
+    // No such VLAN, and a port that no request can ask for.
+    described.bridge_domains.by_index[9].record.vlan = 4096;
+    described.ports.by_ltl[0x1000000] = {};
+    const char *const expected = R"({
+  "card": {
+    "slot": null,
+    "tunnel_mode": "l3",
+    "leaf_mode": 2,
+    "management_ipv6": "::1",
+    "upgrade": 9
+  },
+  "vlans": [
+    1,
+    3,
+    20
+  ],
+  "bridge_domains": [
+    {
+      "index": 2,
+      "vlan": 30,
+      "kind": 3,
+      "segment_features": [
+        "mac-distribution",
+        128
+      ]
+    },
+    {
+      "index": 9
+    }
+  ],
+  "ports": [
+    {
+      "ltl": 7,
+      "interface": "Eth4/1",
+      "admin": "down",
+      "link": "down",
+      "krt": {
+        "vlans": null
+      },
+      "system": {
+        "interface": "Veth2"
+      }
+    }
+  ],
+  "l2": {
+    "tables": [
+      {
+        "bridge_domain": 4,
+        "entries": [
+          {
+            "mac": "02:00:00:00:00:09",
+            "pvlan": 0
+          },
+          {
+            "mac": "02:00:00:00:00:01"
+          }
+        ]
+      }
+    ]
+  },
+  "overrides": [
+    {
+      "opcode": 15,
+      "in": "",
+      "error": "ENODEV"
+    }
+  ]
+}
+)";
+    std::vector<std::string> unsaid;
+    EXPECT_EQ(write_host(described, &unsaid), expected);
+    EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
 TEST(HostFile, TextMayFillItsFieldButNotMore) {
@@ -158,20 +350,58 @@ TEST(HostFile, EveryKeyHasAnExample) {
         ADD_FAILURE() << row->name << ": " << row->meaning;
 }
 
+// What every key says, whether or not it would be written.
+void add_values(std::string &all, const key_table &table, const void *object) {
+    for (const key &row : table.keys) {
+        all += std::string("\n") + row.name + " ";
+        if (row.type == key_type::list) {
+            const bool there = row.access.each(
+                object, [&](const void *item) { add_values(all, *row.table, item); });
+            all += there ? "." : "none";
+        } else if (row.table != nullptr) {
+            const void *inner = row.access.look(object);
+            all += inner == nullptr ? "none" : "";
+            if (inner != nullptr)
+                add_values(all, *row.table, inner);
+        } else if (row.type == key_type::counters) {
+            for (uint32_t index = 0; index < row.items; index++)
+                all += value_text(row, row.access.get_at(object, index), 0) + " ";
+        } else {
+            all += value_text(row, row.access.get(object), 0);
+        }
+    }
+}
+
+std::string all_values(const host &of) {
+    std::string all;
+    add_values(all, HOST_KEYS, &of);
+    return all;
+}
+
+void check_round_trip(const std::string &text) {
+    host first;
+    host second;
+    std::string error;
+    std::vector<std::string> unsaid;
+    ASSERT_TRUE(parse_host(text, "f", first, error)) << error << text;
+    const std::string written = write_host(first, &unsaid);
+    EXPECT_EQ(unsaid, std::vector<std::string>{});
+    ASSERT_TRUE(parse_host(written, "f", second, error)) << error << written;
+    ASSERT_EQ(write_host(second), written);
+}
+
 TEST(HostFile, ComesBackAsItWasWritten) {
-    std::vector<std::string> texts = example_hosts();
-    for (uint32_t seed = 0; seed < 300; seed++)
-        texts.push_back(write_host(random_host(seed)));
-    for (const std::string &text : texts) {
-        host first;
-        host second;
+    for (const std::string &text : example_hosts())
+        check_round_trip(text);
+    for (uint32_t seed = 0; seed < 300; seed++) {
+        SCOPED_TRACE(seed);
+        const host drawn = random_host(seed);
+        const std::string written = write_host(drawn);
+        host read;
         std::string error;
-        std::vector<std::string> unsaid;
-        ASSERT_TRUE(parse_host(text, "f", first, error)) << error << text;
-        const std::string written = write_host(first, &unsaid);
-        EXPECT_EQ(unsaid, std::vector<std::string>{});
-        ASSERT_TRUE(parse_host(written, "f", second, error)) << error << written;
-        ASSERT_EQ(write_host(second), written);
+        ASSERT_TRUE(parse_host(written, "f", read, error)) << error << written;
+        ASSERT_EQ(write_host(read), written);
+        ASSERT_EQ(all_values(read), all_values(drawn));
     }
 }
 

@@ -42,19 +42,18 @@ struct drawing {
                 return drawn;
         }
         const uint64_t span = row.most - row.least;
-        const uint64_t offsets[] = {0,
-                                    1,
-                                    span,
-                                    span == 0 ? 0 : span - 1,
-                                    below(9),
-                                    std::uniform_int_distribution<uint64_t>(0, span)(numbers)};
+        const uint64_t offsets[] = {
+            0,        1,
+            span,     span == 0 ? 0 : span - 1,
+            below(9), std::uniform_int_distribution<uint64_t>(0, span)(numbers)};
         return row.least + std::min(span, one_of(offsets));
     }
 
     // Words that people would use, any bytes, and texts that fill their field.
     std::string text(const key &row) {
-        static const char *const words[] = {"web", "red", "vmnic0", "a b", "x\"y\\z", "\t\x7f",
-                                            "\xC3\xBC\xE2\x82\xAC", "\xEF\xBE\x80", "\xFF\x80"};
+        static const char *const words[] = {
+            "web",          "red",     "vmnic0", "a b", "x\"y\\z", "\t\x7f", "\xC3\xBC\xE2\x82\xAC",
+            "\xEF\xBE\x80", "\xFF\x80"};
         std::string drawn = one_of(words);
         if (one_in(4))
             drawn += std::to_string(below(100));
@@ -107,8 +106,9 @@ struct drawing {
             drawn.bytes = bytes(static_cast<size_t>(one_in(10) ? 600 : below(12)));
             break;
         case key_type::mac:
-            drawn.bytes = one_in(3) ? bytes(6) : std::string("\x00\x50\x56\x01\x02", 5) +
-                                                     static_cast<char>(below(40));
+            drawn.bytes =
+                one_in(3) ? bytes(6)
+                          : std::string("\x00\x50\x56\x01\x02", 5) + static_cast<char>(below(40));
             break;
         case key_type::ipv6:
             drawn.bytes = bytes(16);
@@ -176,8 +176,8 @@ struct drawing {
         if (row.type == key_type::object || row.type == key_type::list)
             row.access.drop(object);
         else
-            row.access.set(object, {.is = key_value::state::refused, .number = 0, .bytes = {},
-                                    .numbers = {}});
+            row.access.set(
+                object, {.is = key_value::state::refused, .number = 0, .bytes = {}, .numbers = {}});
     }
 
     // `unique` becomes what tells the object from others of its list.

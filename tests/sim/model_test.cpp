@@ -4,8 +4,11 @@
 
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "host/host_file.h"
+#include "sim/answer.h"
+#include "sim/builtin_host.h"
 #include "sim/exchange.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -116,6 +119,74 @@ TEST(Model, ComplainsAboutTheFieldThatIsWrong) {
     }
 }
 
+// Memory that nothing is taken from and nothing written into.
+class no_memory : public caller_memory {
+public:
+    bool read(uint32_t, void *, uint32_t) override {
+        ADD_FAILURE() << "read";
+        return false;
+    }
+    bool write(uint32_t, const void *, uint32_t) override {
+        ADD_FAILURE() << "written";
+        return false;
+    }
+};
+
+TEST(Model, TakesNothingOfAMalformedRequest) {
+    bench on("{}");
+    kxdpa_request record = on.request(9999, 0, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, 0xFFFFFFFF);
+    no_memory memory;
+    EXPECT_EQ(model_request(on.driver, record, memory), 0);
+    EXPECT_EQ(record.status, SIM_STATUS_MALFORMED);
+    EXPECT_EQ(on.complaints.size(), 1U);
+}
+
+// Whatever it is told to reply, the driver writes no more than the request has room for; behind the
+// room of the card's UUID, the type alone.
+TEST(Model, NeverWritesBeyondTheRoom) {
+    std::string text(builtin_host_text());
+    size_t asked = 0;
+    for (const char *override : {"", R"(, "reply": "77*9000")", R"(, "length": 9000)"}) {
+        for (const family *part : all_families()) {
+            for (const answer &form : part->answers) {
+                SCOPED_TRACE(form.opcode);
+                bench on(text);
+                if (*override != '\0') {
+                    host rules;
+                    std::string error;
+                    parse_host(R"({"overrides": [{"opcode": )" + std::to_string(form.opcode) +
+                                   override + "}]}",
+                               "f", rules, error);
+                    on.driver.state.overrides = rules.overrides;
+                }
+                std::vector<uint8_t> first(10000, UNTOUCHED);
+                std::vector<uint8_t> second(10000, UNTOUCHED);
+                const bool two = (form.flags & KXDPA_FLAG_TWO) != 0;
+                const uint32_t length = form.len1 == ANY_LENGTH ? 4 : form.len1;
+                kxdpa_request record = on.request(form.opcode, 0, form.flags, length);
+                record.buf1 = record.buf1 == 0 ? 0 : reinterpret_cast<uintptr_t>(first.data());
+                if ((form.flags & KXDPA_FLAG_MAX) != 0) {
+                    record.max1 = form.capacity + 1;
+                    record.max1_valid = 1;
+                }
+                if (two) {
+                    record.buf2 = reinterpret_cast<uintptr_t>(second.data());
+                    record.len2 = form.len2;
+                }
+                const uint32_t room = two ? record.len2 : record.len1 + record.max1;
+                const uint32_t behind = form.opcode == KXDPA_OP_CARD_UUID ? 4 : 0;
+                on.ask(record);
+                EXPECT_TRUE(on.complaints.empty()) << on.complaints.at(0);
+                const std::vector<uint8_t> &reply = two ? second : first;
+                EXPECT_EQ(std::count(reply.begin() + room + behind, reply.end(), UNTOUCHED),
+                          static_cast<ptrdiff_t>(reply.size() - room - behind));
+                asked++;
+            }
+        }
+    }
+    EXPECT_GT(asked, 300U);
+}
+
 TEST(Model, WantsRoomForAVariableReply) {
     bench on(R"({"ports": [{"ltl": 20, "mac": "00:50:56:aa:bb:cc"}]})");
     kxdpa_request small = on.variable(68, 20, KXDPA_FLAG_OUT, 0, 5);
@@ -190,6 +261,10 @@ TEST(Model, OverridesReplaceWhatTheyName) {
         {R"("length": 3)", 0, 0, 3, 3},
         {R"("returned": 4000)", 0, 0, 4000, 6},
         {R"("error": "EIO")", EIO, KXDPA_STATUS_NO_EXCHANGE, 32, 0},
+        {R"("error": "EIO", "status": 3, "reply": "01*2")", EIO, 3, 2, 2},
+        {R"("error": 4000, "returned": 1)", 4000, 0, 1, 6},
+        {R"("in": "", "status": 5)", 0, 5, 32, 0},
+        {R"("in": "00", "status": 5)", 0, 0, 6, 6},
         {R"("argument": 21, "status": 5)", 0, 0, 6, 6},
         {R"("time": 2, "status": 5)", 0, 0, 6, 6},
     };
@@ -204,6 +279,36 @@ TEST(Model, OverridesReplaceWhatTheyName) {
         EXPECT_EQ(record.max1, row.capacity_after);
         EXPECT_EQ(on.written(), row.written);
     }
+}
+
+// A rule holds for its input whatever was asked before, and each request counts for all that ask
+// for it.
+TEST(Model, OverridesAskForTheInput) {
+    bench on(R"({"overrides": [
+        {"opcode": 9999, "in": "0101", "time": 2, "status": 12},
+        {"opcode": 9999, "in": "0202", "status": 20},
+        {"opcode": 9999, "argument": 7, "in": "0101", "status": 17},
+        {"opcode": 9999, "time": 3, "status": 33},
+        {"opcode": 9999, "in": "0101", "status": 10}]})");
+    std::vector<size_t> met;
+    on.driver.met = [&](size_t place) { met.push_back(place); };
+    const struct {
+        uint32_t arg;
+        uint8_t input;
+        uint32_t status;
+    } rows[] = {{0, 1, 10}, {0, 2, 20}, {7, 1, 12}, {7, 1, 17}, {0, 3, 38}};
+    for (const auto &row : rows) {
+        on.buffer1[0] = on.buffer1[1] = row.input;
+        kxdpa_request record = on.request(9999, row.arg, KXDPA_FLAG_IN, 2);
+        EXPECT_EQ(on.ask(record), 0);
+        EXPECT_EQ(record.status, row.status);
+    }
+    EXPECT_EQ(met, (std::vector<size_t>{4, 1, 0, 2}));
+    override_rule any;
+    any.opcode = 9999;
+    any.status = 1;
+    on.driver.state.overrides = {any};
+    EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 2), 1U);
 }
 
 TEST(Model, OverrideOfTheSecondTimeHoldsOnce) {

@@ -23,7 +23,7 @@ def check_fresh(repository, reference):
     for option, name in ("--markdown", "host-file.md"), ("--schema", "host.schema.json"):
         committed = (repository / "docs" / name).read_text()
         assert committed == output_of(reference, option), (
-            f"docs/{name} is stale: build the target host_file_docs")
+            f"docs/{name} is stale: build the target docs")
 
 
 def host_files(repository):

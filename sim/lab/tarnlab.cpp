@@ -1,0 +1,328 @@
+// Runs a command on a simulated host.
+#include "host/host_file.h"
+#include "sim/agent/agent_process.h"
+#include "sim/builtin_host.h"
+#include "sim/device/device_file.h"
+#include "sim/host_programs.h"
+#include "sim/lab/command_file.h"
+#include "sim/lab/lab_options.h"
+#include "sim/model.h"
+#include "sim/preload_channel.h"
+#include "sim/trace.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int EXIT_CANNOT_RUN = 126;
+constexpr int EXIT_NOT_FOUND = 127;
+constexpr int EXIT_SIGNAL_BASE = 128;
+
+constexpr size_t REPORT_LIMIT = 10; // lines about overrides
+
+void complain(const std::string &line) {
+    std::fprintf(stderr, "tarnlab: %s\n", line.c_str());
+}
+
+// A run in the making.
+struct lab_run {
+    lab_options options;
+    std::string text; // of the host file
+    host described;
+    int trace = -1;                // -1 for none
+    std::vector<uint8_t> met = {}; // by override, not 0 when a request met it
+};
+
+// The library is installed beside this program, below ../lib.
+std::string library_path() {
+    char self[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof self);
+    std::string path(self, length > 0 ? static_cast<size_t>(length) : 0);
+    for (int i = 0; i < 2; i++) {
+        path.erase(std::min(path.rfind('/'), path.size()));
+    }
+    return path + "/lib/" + PRELOAD_LIBRARY;
+}
+
+bool read_host(lab_run &run, std::string &error) {
+    if (run.options.host.empty()) {
+        run.text = builtin_host_text();
+        return parse_host(run.text, "built-in host", run.described, error);
+    }
+    return read_host_file(run.options.host, run.text, error) &&
+           parse_host(run.text, run.options.host, run.described, error);
+}
+
+bool start_trace(lab_run &run, std::string &error) {
+    const std::string &path = run.options.trace;
+    if (path.empty()) {
+        return true;
+    }
+    run.trace = path == "-"
+                    ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
+                    : open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
+    if (run.trace == -1) {
+        error = path + ": cannot be written: " + std::strerror(errno);
+    }
+    return run.trace != -1;
+}
+
+// A file without a name that holds `size` bytes; -1 when there is no room.
+int nameless_file(const char *bytes, size_t size) {
+    const int file = memfd_create("tarnlab", MFD_CLOEXEC);
+    for (size_t written = 0; file != -1 && written < size;) {
+        const ssize_t more = write(file, bytes + written, size - written);
+        if (more <= 0) {
+            close(file);
+            return -1;
+        }
+        written += static_cast<size_t>(more);
+    }
+    return file;
+}
+
+// All that the preloaded library is handed. False with one line in `error`.
+bool open_channel(const lab_run &run, preload_channel &channel, std::string &error) {
+    const std::string library = library_path();
+    channel.library = open(library.c_str(), O_RDONLY | O_CLOEXEC);
+    if (channel.library == -1) {
+        error = library + ": " + std::strerror(errno);
+        return false;
+    }
+    channel.host = nameless_file(run.text.data(), run.text.size());
+    channel.met = nameless_file(reinterpret_cast<const char *>(run.met.data()), run.met.size());
+    channel.trace = run.trace;
+    if (channel.host == -1 || channel.met == -1) {
+        error = std::string("the host description: ") + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+// In the command's process: let the library find what is for it.
+void hand_over(const preload_channel &channel) {
+    for (const int descriptor : {channel.library, channel.host, channel.trace, channel.met}) {
+        if (descriptor != -1) {
+            fcntl(descriptor, F_SETFD, 0);
+        }
+    }
+    std::string preload = preload_entry(channel);
+    const char *others = std::getenv("LD_PRELOAD");
+    if (others != nullptr && *others != '\0') {
+        preload += std::string(":") + others;
+    }
+    setenv("LD_PRELOAD", preload.c_str(), 1);
+    setenv(PRELOAD_VARIABLE, preload_text(channel).c_str(), 1);
+}
+
+[[noreturn]] void become_command(const lab_options &options) {
+    execvp(options.command[0], options.command);
+    const int reason = errno;
+    std::fprintf(stderr, "tarnlab: %s: %s\n", options.command[0], std::strerror(reason));
+    _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
+}
+
+int exit_value_of(int status) {
+    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// Whoever ends this program means the command; what stands around the command is still removed.
+volatile pid_t running_command = -1;
+
+void pass_on(int signal) {
+    if (running_command > 0) {
+        kill(running_command, signal);
+    }
+}
+
+int run_preloaded(lab_run &run, const preload_channel &channel) {
+    const pid_t child = fork();
+    if (child == 0) {
+        hand_over(channel);
+        become_command(run.options);
+    }
+    if (child == -1) {
+        std::perror("tarnlab: fork");
+        return EXIT_CANNOT_RUN;
+    }
+    running_command = child;
+    std::signal(SIGTERM, pass_on);
+    std::signal(SIGHUP, pass_on);
+    // An interrupt from the terminal is the command's to handle.
+    std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGQUIT, SIG_IGN);
+    int status = 0;
+    while (waitpid(child, &status, 0) == -1 && errno == EINTR) {
+    }
+    [[maybe_unused]] const ssize_t got = pread(channel.met, run.met.data(), run.met.size(), 0);
+    return exit_value_of(status);
+}
+
+// Answer the device file's requests until the command ends. Signals that ask this program to end
+// are the command's to follow, its end is then ours.
+int serve_command(int channel, int signals, model &driver, pid_t command) {
+    pollfd watched[] = {{channel, POLLIN, 0}, {signals, POLLIN, 0}};
+    int status = 0;
+    while (waitpid(command, &status, WNOHANG) != command) {
+        if (poll(watched, 2, -1) == -1) {
+            continue;
+        }
+        signalfd_siginfo arrived{};
+        if (watched[1].revents != 0 && read(signals, &arrived, sizeof arrived) > 0 &&
+            arrived.ssi_signo != SIGCHLD) {
+            kill(command, static_cast<int>(arrived.ssi_signo));
+        }
+        if (watched[0].revents != 0 && !serve_device_request(channel, driver)) {
+            watched[0].fd = -1;
+        }
+    }
+    return exit_value_of(status);
+}
+
+int run_on_device(lab_run &run, int channel) {
+    model driver;
+    driver.state = run.described;
+    driver.met = [&](size_t place) { run.met[place] = 1; };
+    if (run.trace != -1) {
+        trace_into(driver, run.trace);
+    }
+    sigset_t handled;
+    sigset_t before;
+    sigemptyset(&handled);
+    for (const int number : {SIGCHLD, SIGTERM, SIGHUP}) {
+        sigaddset(&handled, number);
+    }
+    sigprocmask(SIG_BLOCK, &handled, &before);
+    const int signals = signalfd(-1, &handled, SFD_CLOEXEC);
+    const pid_t child = signals == -1 ? -1 : fork();
+    if (child == 0) {
+        sigprocmask(SIG_SETMASK, &before, nullptr);
+        become_command(run.options);
+    }
+    if (child == -1) {
+        std::perror("tarnlab: fork");
+        return EXIT_CANNOT_RUN;
+    }
+    // An interrupt from the terminal reaches the command by itself.
+    std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGQUIT, SIG_IGN);
+    return serve_command(channel, signals, driver, child);
+}
+
+// What the host description says for nothing.
+void report_unused(const lab_run &run) {
+    size_t unused = 0;
+    for (size_t place = 0; place < run.met.size(); place++) {
+        if (run.met[place] == 0 && ++unused <= REPORT_LIMIT) {
+            complain("overrides[" + std::to_string(place) + "]: no request met it (opcode " +
+                     std::to_string(run.described.overrides[place].opcode) + ")");
+        }
+    }
+    if (unused > REPORT_LIMIT) {
+        complain("overrides: " + std::to_string(unused - REPORT_LIMIT) +
+                 " more that no request met");
+    }
+    for (const auto &[index, table] : run.described.l2.tables) {
+        if (!run.described.bridge_domains.by_index.contains(index)) {
+            complain("l2.tables: there is no bridge domain " + std::to_string(index));
+        }
+    }
+}
+
+// The command with everything that its host has besides the driver. Returns the exit value, or -1
+// with one line in `error`.
+int run_on_host(lab_run &run, std::string &error) {
+    preload_channel channel;
+    const int device = run.options.device ? mount_device_file(error) : -1;
+    const bool ready = run.options.device ? device != -1 : open_channel(run, channel, error);
+    agent_process agent;
+    host_programs programs;
+    if (!ready || (run.described.agent && !agent.start(*run.described.agent, error)) ||
+        !programs.install(run.described, error)) {
+        return -1;
+    }
+    return run.options.device ? run_on_device(run, device) : run_preloaded(run, channel);
+}
+
+int run(lab_run &run) {
+    std::string error;
+    if (!read_host(run, error) || !start_trace(run, error)) {
+        complain(error);
+        return EXIT_WRONG_USE;
+    }
+    if (!run.options.device) {
+        error = why_not_preloaded(run.options.command[0]);
+    }
+    run.met.resize(run.described.overrides.size());
+    const int exit_value = error.empty() ? run_on_host(run, error) : -1;
+    if (exit_value == -1) {
+        complain(error);
+        return EXIT_WRONG_USE;
+    }
+    report_unused(run);
+    return exit_value;
+}
+
+int check(const std::string &path) {
+    std::string text;
+    std::string error;
+    if (!read_host_file(path, text, error)) {
+        complain(error);
+        return EXIT_WRONG_USE;
+    }
+    const std::vector<std::string> wrong = check_host(text, path);
+    for (const std::string &line : wrong) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+    return wrong.empty() ? EXIT_SUCCESS : EXIT_WRONG_USE;
+}
+
+int print(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+        std::fflush(stdout) == 0) {
+        return EXIT_SUCCESS;
+    }
+    complain(std::string("standard output: ") + std::strerror(errno));
+    return EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // Whoever started this program may have left it ignored, and then no child can be waited for.
+    std::signal(SIGCHLD, SIG_DFL);
+    lab_run planned;
+    std::string error;
+    if (!read_options(argc, argv, planned.options, error)) {
+        complain(error);
+        return EXIT_WRONG_USE;
+    }
+    switch (planned.options.what) {
+    case lab_options::task::check:
+        return check(planned.options.host);
+    case lab_options::task::print_host:
+        return print(builtin_host_text());
+    case lab_options::task::version:
+        return print("tarnlab " TARN_VERSION "\n");
+    case lab_options::task::help:
+        return print(lab_help());
+    default:
+        return run(planned);
+    }
+}
