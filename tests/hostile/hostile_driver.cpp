@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -134,57 +133,30 @@ bool answer_as_host(kxdpa_request *record) {
     return model_request(simulated_host(), *record, memory) == 0 && record->status == 0;
 }
 
-int answer(kxdpa_request *record) {
-    hostile_driver &driver = the_hostile_driver;
-    hostile_random &random = driver.random;
-    if (++driver.requests > HOSTILE_REQUESTS_LIMIT) {
-        fprintf(stderr, "a run without an end: opcode %u\n", record->opcode);
-        abort();
-    }
-    const bool out_of_patience = driver.requests > driver.patience;
-    // One command asks for a record until it gets it, so that even now some requests succeed.
-    if (out_of_patience ? !random.one_in(4)
-                        : driver.failures != 0 && random.one_in(driver.failures)) {
-        if (random.one_in(4)) {
-            errno = EIO;
-            return -1;
-        }
-        record->status = random.one_in(2) ? END_OF_WALK : random.next() | 1U;
-        return 0;
-    }
+hostile_reply next_reply(hostile_driver &driver) {
     hostile_reply how = driver.reply;
     while (how == hostile_reply::mixed) {
-        how = static_cast<hostile_reply>(random.below(HOSTILE_REPLIES));
+        how = static_cast<hostile_reply>(driver.random.below(HOSTILE_REPLIES));
     }
-    const room to = find_room(record);
-    const uint32_t asked = record->arg;
-    const bool as_host = how == hostile_reply::host || how == hostile_reply::damaged;
-    if (as_host && answer_as_host(record)) {
-        if (how == hostile_reply::damaged) {
-            damage(to, random);
-        }
-        return 0;
-    }
-    record->status = 0;
-    if (to.bytes == nullptr) {
-        return 0;
-    }
-    fill(to, as_host ? hostile_reply::small : how, random);
-    if (to.size == sizeof(uint32_t) && how != hostile_reply::nothing && !random.one_in(4)) {
-        step(to, asked, driver);
-    }
-    if (to.returned != nullptr) {
-        return_length(to, random);
-    }
-    return 0;
+    return how;
 }
 
-int answer_ioctl(unsigned long code, void *argument) {
-    if (code != 0) {
-        errno = ENOTTY;
-        return -1;
+// A request may also fail with its buffer and its words written.
+int refuse(kxdpa_request *record, hostile_driver &driver) {
+    hostile_random &random = driver.random;
+    const room to = find_room(record);
+    if (to.bytes != nullptr && random.one_in(4)) {
+        fill(to, next_reply(driver), random);
+        if (to.returned != nullptr) {
+            return_length(to, random);
+        }
     }
-    return answer(static_cast<kxdpa_request *>(argument));
+    const bool no_exchange = random.one_in(4);
+    if (!no_exchange || random.one_in(4)) {
+        record->status = random.one_in(2) ? END_OF_WALK : random.next() | 1U;
+    }
+    errno = EIO;
+    return no_exchange ? -1 : 0;
 }
 
 } // namespace
@@ -212,10 +184,39 @@ void hostile_driver_quiet() {
     the_hostile_driver.patience = 0;
 }
 
-extern "C" int ioctl(int /*descriptor*/, unsigned long code, ...) noexcept {
-    va_list values;
-    va_start(values, code);
-    void *argument = va_arg(values, void *);
-    va_end(values);
-    return answer_ioctl(code, argument);
+int hostile_driver_answer(kxdpa_request *record) {
+    hostile_driver &driver = the_hostile_driver;
+    hostile_random &random = driver.random;
+    if (++driver.requests > HOSTILE_REQUESTS_LIMIT) {
+        fprintf(stderr, "a run without an end: opcode %u\n", record->opcode);
+        abort();
+    }
+    const bool out_of_patience = driver.requests > driver.patience;
+    // One command asks for a record until it gets it, so that even now some requests succeed.
+    if (out_of_patience ? !random.one_in(4)
+                        : driver.failures != 0 && random.one_in(driver.failures)) {
+        return refuse(record, driver);
+    }
+    const hostile_reply how = next_reply(driver);
+    const room to = find_room(record);
+    const uint32_t asked = record->arg;
+    const bool as_host = how == hostile_reply::host || how == hostile_reply::damaged;
+    if (as_host && answer_as_host(record)) {
+        if (how == hostile_reply::damaged) {
+            damage(to, random);
+        }
+        return 0;
+    }
+    record->status = 0;
+    if (to.bytes == nullptr) {
+        return 0;
+    }
+    fill(to, as_host ? hostile_reply::small : how, random);
+    if (to.size == sizeof(uint32_t) && how != hostile_reply::nothing && !random.one_in(4)) {
+        step(to, asked, driver);
+    }
+    if (to.returned != nullptr) {
+        return_length(to, random);
+    }
+    return 0;
 }

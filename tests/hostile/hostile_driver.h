@@ -1,8 +1,7 @@
 // A driver and a host that answer whatever a seed makes them: the tool must stand all of it.
 //
-// Linked into a program with the command layer, this module takes over the system calls that reach
-// the driver and the host (ioctl, popen, creat, open of the agent's pipe, sleep). It never writes
-// outside the buffers that a request names, so whatever the sanitizers report is the tool's.
+// It never writes outside the buffers that a request names, so whatever the sanitizers report is
+// the tool's.
 #ifndef TESTS_HOSTILE_HOSTILE_DRIVER_H
 #define TESTS_HOSTILE_HOSTILE_DRIVER_H
 
@@ -53,6 +52,11 @@ struct hostile_driver {
 };
 
 extern hostile_driver the_hostile_driver;
+
+struct kxdpa_request;
+
+// Answer one request in place. Returns what the ioctl returns, with errno set for -1.
+int hostile_driver_answer(kxdpa_request *record);
 
 // A driver for one run: everything about it follows from the seed.
 void hostile_driver_restart(uint64_t seed);

@@ -1,0 +1,21 @@
+// What to type behind the keywords of a row of the command table.
+#ifndef TESTS_HOSTILE_ROW_ARGUMENTS_H
+#define TESTS_HOSTILE_ROW_ARGUMENTS_H
+
+#include "frontend/kestrel_cmd_list.h"
+#include "tests/hostile/hostile_driver.h"
+
+#include <string>
+#include <vector>
+
+// The keywords that an operator types: up to the first one that only documents.
+std::string command_of(const kestrel_cmd_row &row);
+
+// The arguments to try behind a row's keywords: common ones, the words that the row's own
+// documentation names, and garbage.
+std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random);
+
+// Up to 200 printable characters, without the ";" that separates commands.
+std::string some_garbage(hostile_random &random);
+
+#endif
