@@ -15,9 +15,13 @@
 #include "host/port_channel.h"
 #include "host/private_vlan.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+// What a described host answers for something that it leaves out, and at the end of a walk.
+constexpr uint32_t HOST_STATUS_NOT_FOUND = 61;
 
 struct host {
     card_state card;

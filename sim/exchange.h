@@ -3,6 +3,7 @@
 #define SIM_EXCHANGE_H
 
 #include "dpa/userspace/kxdpa_request.h"
+#include "host/host.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -16,7 +17,7 @@
 // Status words of the model. The channel gives meaning to 1, 2 and 6 only.
 constexpr uint32_t SIM_STATUS_MALFORMED = 22;      // the record breaks the driver's rules
 constexpr uint32_t SIM_STATUS_UNKNOWN_OPCODE = 38; // nobody answers it
-constexpr uint32_t SIM_STATUS_NOT_FOUND = 61;      // no such entry, or a walk's end
+constexpr uint32_t SIM_STATUS_NOT_FOUND = HOST_STATUS_NOT_FOUND;
 
 struct exchange {
     const kxdpa_request &request;
