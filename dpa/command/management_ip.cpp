@@ -13,11 +13,9 @@ namespace {
 constexpr const char *ADDRESS_COMMAND =
     "esxcfg-advcfg -g /Misc/HostIPAddr | awk '{ print $NF }' >&1 ";
 
-// "255.255.255.255", its newline and a NUL, and two bytes to spare.
-constexpr int ADDRESS_LINE_SIZE = 19;
+} // namespace
 
-// The last line that the command prints, without its newline; empty when there is none.
-void read_address(char (&address)[ADDRESS_LINE_SIZE]) {
+void kx_dpa_platform_read_management_ip(char (&address)[KX_MANAGEMENT_IP_SIZE]) {
     address[0] = '\0';
     // Text of the host itself, nothing of it from the command line.
     FILE *output = popen(ADDRESS_COMMAND, "r");
@@ -34,14 +32,12 @@ void read_address(char (&address)[ADDRESS_LINE_SIZE]) {
     }
 }
 
-} // namespace
-
 uint32_t kx_dpa_platform_get_management_ip(uint32_t *out) {
     if (out == nullptr) {
         return 1;
     }
-    char text[ADDRESS_LINE_SIZE];
-    read_address(text);
+    char text[KX_MANAGEMENT_IP_SIZE];
+    kx_dpa_platform_read_management_ip(text);
     const uint32_t address = htonl(conv_ip_address(text));
     kx_dpa_set(KXDPA_OP_SET_MANAGEMENT_IPV4, 0, &address);
     *out = address;

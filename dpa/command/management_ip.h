@@ -2,7 +2,15 @@
 #ifndef DPA_COMMAND_MANAGEMENT_IP_H
 #define DPA_COMMAND_MANAGEMENT_IP_H
 
+#include <cstddef>
 #include <cstdint>
+
+// Bytes of "255.255.255.255", its newline and a NUL, and two to spare.
+constexpr size_t KX_MANAGEMENT_IP_SIZE = 19;
+
+// Ask the host's configuration command for the management address, as the last line that it prints,
+// without its newline; empty when there is none. Of a line that does not fit it is the last piece.
+void kx_dpa_platform_read_management_ip(char (&address)[KX_MANAGEMENT_IP_SIZE]);
 
 // Ask the host's configuration command for the management IPv4 address, tell it to the driver
 // (KXDPA_OP_SET_MANAGEMENT_IPV4) and store it in `out`, in network byte order; 0.0.0.0 when the
