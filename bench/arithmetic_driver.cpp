@@ -24,6 +24,7 @@ namespace {
 constexpr const char *DEVICE_PATH = "/vmfs/devices/char/vmkdriver/kestrel";
 constexpr uint32_t FIRST_LTL = 50;
 constexpr uint32_t LAST_KEY_BYTES = 4; // of a MAC address that count the entries
+constexpr uint32_t NOT_FOUND = 61;     // status of what is not there, and of a walk's end
 
 int device = -1;
 uint32_t ports;
@@ -50,7 +51,7 @@ template <typename Record> Record *buffer(uint32_t address) {
 
 uint32_t next_of(uint32_t current, uint32_t first, uint32_t count, uint32_t *next) {
     *next = current < first || current == KX_LTL_BEFORE_FIRST ? first : current + 1;
-    return *next < first + count ? KXDPA_STATUS_SUCCESS : 1;
+    return *next < first + count ? KXDPA_STATUS_SUCCESS : NOT_FOUND;
 }
 
 void fill_port(uint32_t ltl, kx_port_record *port) {
@@ -68,9 +69,23 @@ void fill_bd(uint32_t index, kx_bd_record *bd) {
     *bd = {};
     bd->index = index;
     bd->vlan = static_cast<uint16_t>(index);
+    bd->vdc = KX_BD_LOOKUP_VDC;
     bd->swbd = index;
     bd->native_encap = 1;
     snprintf(bd->name, sizeof bd->name, "domain-%u", index);
+}
+
+// All of a bridge domain's numbers are its index.
+uint32_t find_bd(kx_bd_record *asked) {
+    uint32_t index = asked->vlan != 0 ? asked->vlan : asked->swbd;
+    if (asked->name[0] != '\0') {
+        index = static_cast<uint32_t>(strtoul(asked->name + strlen("domain-"), nullptr, 10));
+    }
+    if (index == 0 || index > domains) {
+        return NOT_FOUND;
+    }
+    fill_bd(index, asked);
+    return KXDPA_STATUS_SUCCESS;
 }
 
 uint32_t next_l2_entry(const uint8_t *key, kx_l2_entry *entry) {
@@ -78,7 +93,7 @@ uint32_t next_l2_entry(const uint8_t *key, kx_l2_entry *entry) {
     memcpy(&number, key + 2, LAST_KEY_BYTES);
     number = __builtin_bswap32(number) + 1;
     if (number > macs) {
-        return 1;
+        return NOT_FOUND;
     }
     *entry = {};
     entry->ltl = FIRST_LTL + number % 1000;
@@ -144,8 +159,34 @@ uint32_t answer(kxdpa_request *request) {
     case KXDPA_OP_PORT_SECURITY:
         memset(buffer<uint8_t>(request->buf1), 0, request->len1);
         return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_BD_COUNT:
+        *word = domains;
+        return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_BD_BY_VLAN:
+    case KXDPA_OP_BD_BY_VLAN_L2:
+    case KXDPA_OP_BD_BY_SWBD:
+    case KXDPA_OP_BD_BY_NAME:
+        return find_bd(buffer<kx_bd_record>(request->buf1));
+    case KXDPA_OP_BD_NEXT_PORT:
+        return next_of(*word, FIRST_LTL, ports, word);
+    case KXDPA_OP_BD_PORT_COUNT:
+        *word = ports;
+        return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_NEXT_VLAN_GROUP: // none
+    case KXDPA_OP_ACL_COUNT:
+        *word = 0;
+        return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_PORT_PVLAN: // answers with what was asked: no private VLAN
+        return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_PORT_MAC:
+        memset(buffer<uint8_t>(request->buf1), 2, KX_MAC_SIZE);
+        return KXDPA_STATUS_SUCCESS;
+    case KXDPA_OP_DROP_COUNTERS:
+    case KXDPA_OP_GET_MAC_TABLE:
+        memset(buffer<uint8_t>(request->buf1), 0, request->len1);
+        return KXDPA_STATUS_SUCCESS;
     default:
-        return 1;
+        return NOT_FOUND;
     }
 }
 

@@ -109,6 +109,9 @@ void answer_slot_step(host &state, exchange &talk) {
         return entry.mac.back() % *l2.slots == talk.request.arg;
     };
     for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
+        if (!state.bridge_domains.by_index.contains(table->first)) {
+            continue; // nor does any other request find it
+        }
         const bool goes_on = table->first == step.bd_index;
         const size_t first =
             goes_on ? place_behind(table->second, std::to_array(step.entry.mac)) : 0;

@@ -59,7 +59,7 @@ struct drawing {
             drawn += std::to_string(below(100));
         if (one_in(8)) {
             drawn.clear();
-            const uint64_t length = one_in(2) ? std::min<uint64_t>(row.most, 300) : below(20);
+            const uint64_t length = one_in(2) ? std::min<uint64_t>(row.most, 300) : 1 + below(20);
             while (drawn.size() < length)
                 drawn += static_cast<char>(1 + below(255));
         }

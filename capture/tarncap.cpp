@@ -1,0 +1,254 @@
+// tarncap: this host, or one command on it, as a host file.
+#include "capture/capture.h"
+#include "capture/output_file.h"
+#include "capture/record/recorder.h"
+#include "capture/record/recording.h"
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "host/host_file.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <getopt.h>
+#include <unistd.h>
+
+int tarncmd_main(int argc, char *argv[]);
+
+namespace {
+
+constexpr int EXIT_CANNOT = 1;
+constexpr int EXIT_USAGE = 2;
+
+constexpr const char *HELP =
+    "Usage: tarncap [-o FILE] [KEY...]\n"
+    "       tarncap --record FILE COMMAND [WORDS...]\n"
+    "\n"
+    "Asks the driver of this host what the display commands of tarncmd ask it, changes nothing, and\n"
+    "writes the host as a host file (JSON), from which tarnlab runs tarncmd anywhere.\n"
+    "\n"
+    "  KEY                       only these keys of the host file, and only the requests for them\n"
+    "  -o FILE, --output FILE    write FILE, whole or not at all, instead of standard output\n"
+    "  --record FILE             run one tarncmd command line, whatever it does, and keep every\n"
+    "                            request with its exact answer in FILE\n"
+    "  --version                 print the version\n"
+    "  --help                    print this text\n"
+    "\n"
+    "What the driver refuses is left out and counted on standard error. The exit value is 0, or 1\n"
+    "when the driver cannot be asked or the output not be written, and 2 when the arguments are\n"
+    "wrong. With --record it is that of the command.\n";
+
+struct options {
+    std::string output; // empty for standard output
+    std::string record; // empty for a capture
+    std::set<std::string> keys;
+    char **command = nullptr; // of a recording
+};
+
+bool complain(const std::string &line) {
+    std::fprintf(stderr, "tarncap: %s\n", line.c_str());
+    return false;
+}
+
+// One argument that is no option: a key, or the first word of the command to record.
+bool read_word(char **word, options &into) {
+    if (!into.record.empty()) {
+        into.command = word;
+        return true;
+    }
+    if (!can_be_captured(*word)) {
+        return complain(std::string("no key \"") + *word +
+                        "\" can be captured; see tarncap --help");
+    }
+    into.keys.insert(*word);
+    return true;
+}
+
+// Returns false when the program is to end with `exit_value`.
+bool read_options(int argc, char **argv, options &into, int &exit_value) {
+    static const option known[] = {{"output", required_argument, nullptr, 'o'},
+                                   {"record", required_argument, nullptr, 'r'},
+                                   {"version", no_argument, nullptr, 'v'},
+                                   {"help", no_argument, nullptr, 'h'},
+                                   {nullptr, 0, nullptr, 0}};
+    exit_value = EXIT_USAGE;
+    opterr = 0;
+    int letter = 0;
+    // Words come in their order among the options: the command to record ends the options.
+    while (into.command == nullptr &&
+           (letter = getopt_long(argc, argv, "-:o:", known, nullptr)) != -1) {
+        switch (letter) {
+        case 1:
+            if (!read_word(argv + optind - 1, into)) {
+                return false;
+            }
+            break;
+        case 'o':
+            into.output = optarg;
+            break;
+        case 'r':
+            into.record = optarg;
+            break;
+        case 'v':
+            std::puts("tarncap " TARN_VERSION);
+            exit_value = 0;
+            return false;
+        case 'h':
+            std::fputs(HELP, stdout);
+            exit_value = 0;
+            return false;
+        case ':':
+            return complain(std::string(argv[optind - 1]) + " needs a FILE; see tarncap --help");
+        default:
+            return complain(std::string("unknown option ") + argv[optind - 1] +
+                            "; see tarncap --help");
+        }
+    }
+    for (; into.command == nullptr && optind < argc; optind++) { // behind "--"
+        if (!read_word(argv + optind, into)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool check_options(const options &given) {
+    if (given.record.empty()) {
+        return true;
+    }
+    if (given.command == nullptr) {
+        return complain("--record needs a command; see tarncap --help");
+    }
+    if (!given.output.empty() || !given.keys.empty()) {
+        return complain("--record goes with no other option and no KEY; see tarncap --help");
+    }
+    return true;
+}
+
+// --- A recording ---
+
+volatile int interrupted = 0; // the number of the signal
+std::string recording_file;
+
+void note_interrupt(int number) {
+    interrupted = number;
+}
+
+// Returns false after a complaint.
+bool save_recording() {
+    const std::vector<recorded_request> requests = recorder_stop();
+    if (requests.empty()) {
+        return complain(recording_file + ": not written: the driver was asked nothing");
+    }
+    std::string error;
+    return write_output_file(recording_file, write_host(recorded_host(requests)), error) ||
+           complain(error);
+}
+
+// Who interrupts a command that does not end wants the recording all the more.
+void save_and_leave() {
+    save_recording();
+    std::signal(interrupted, SIG_DFL);
+    raise(interrupted);
+}
+
+int record(const options &given, int count) {
+    std::string error;
+    if (!check_output_file(given.record, error)) {
+        complain(error);
+        return EXIT_CANNOT;
+    }
+    recording_file = given.record;
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        // Not to be restarted: a request that hangs is interrupted as well.
+        struct sigaction noting {};
+        noting.sa_handler = note_interrupt;
+        sigaction(number, &noting, nullptr);
+    }
+    recorder_start(&interrupted, save_and_leave);
+    // The word before the command stands where the tool's own name would.
+    const int value = tarncmd_main(count + 1, given.command - 1);
+    if (interrupted != 0) {
+        save_and_leave();
+    }
+    return save_recording() ? value : EXIT_CANNOT;
+}
+
+// --- A capture ---
+
+bool open_driver() {
+    if (kx_dpa_api_init() != 0) {
+        std::fputs("Error initializing kx_dpa_api_init()\n", stderr);
+        return false;
+    }
+    uint32_t domain = 0;
+    if (kx_dpa_get(KXDPA_OP_CARD_DOMAIN, 0, &domain) == KXDPA_STATUS_VERSION_MISMATCH) {
+        std::fputs("Cannot execute tarncmd: tarncmd utility version does not match the running "
+                   "HMX version.\n",
+                   stderr);
+        return false;
+    }
+    return true;
+}
+
+bool write_output(const std::string &path, const std::string &text) {
+    std::string error;
+    if (!path.empty()) {
+        return write_output_file(path, text, error) || complain(error);
+    }
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+        std::fflush(stdout) == 0) {
+        return true;
+    }
+    return complain(std::string("standard output cannot be written: ") + std::strerror(errno));
+}
+
+int capture(const options &given) {
+    std::string error;
+    if (!given.output.empty() && !check_output_file(given.output, error)) {
+        complain(error);
+        return EXIT_CANNOT;
+    }
+    if (!open_driver()) {
+        return EXIT_CANNOT;
+    }
+    host_capture host;
+    host.driver = inquiry(isatty(STDERR_FILENO) != 0);
+    capture_host(host, given.keys);
+    kx_dpa_api_exit();
+    host.driver.end_progress();
+    const std::string text = write_host(host.captured);
+    const bool written = write_output(given.output, text);
+    if (text.size() > HOST_FILE_LIMIT) {
+        complain("the host file is too large to be read again");
+    }
+    for (const std::string &line : host.driver.reports()) {
+        complain(line);
+    }
+    return written ? 0 : EXIT_CANNOT;
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+    // A driver that makes more of a host than there is memory for.
+    std::set_new_handler([] {
+        complain("out of memory");
+        _exit(EXIT_CANNOT);
+    });
+    options given;
+    int exit_value = 0;
+    if (!read_options(argc, argv, given, exit_value)) {
+        return exit_value;
+    }
+    if (!check_options(given)) {
+        return EXIT_USAGE;
+    }
+    return given.record.empty() ? capture(given)
+                                : record(given, static_cast<int>(argv + argc - given.command));
+}

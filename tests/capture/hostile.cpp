@@ -1,0 +1,196 @@
+// Recordings replayed: every row of the command table, with a few of its arguments, on a hostile
+// driver, and the recording of the run on a simulated host. And captures of hostile drivers, which
+// end and give a host file.
+//
+//     capture_hostile [SEED...]
+//
+// prints how many rows, runs and requests were replayed and captured, and exits with 0. A
+// difference ends it, with a line on standard error that names the seed and the command.
+#include "capture/capture.h"
+#include "capture/record/recording.h"
+#include "frontend/handlers.h"
+#include "frontend/kestrel_cmd_list.h"
+#include "host/host_file.h"
+#include "sim/host_programs.h"
+#include "tests/capture/tool_run.h"
+#include "tests/hostile/hostile_driver.h"
+#include "tests/hostile/row_arguments.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr uint64_t FIXED_SEEDS[] = {1, 2, 3};
+
+struct tally {
+    std::set<std::string> rows;
+    uint64_t runs = 0;
+    uint64_t requests = 0;
+    uint64_t captures = 0;
+} done;
+
+int answer_hostile(kxdpa_request &record) {
+    return hostile_driver_answer(&record) == 0 ? 0 : errno;
+}
+
+[[noreturn]] void give_up(uint64_t seed, const std::string &command, const std::string &what) {
+    std::fprintf(stderr, "seed %llu: %s\n%s\n", static_cast<unsigned long long>(seed),
+                 command.c_str(), what.c_str());
+    _exit(1);
+}
+
+// The command on a hostile driver, on a host whose own program prints `address`, and again from
+// nothing but the file of the recording.
+void replay(uint64_t seed, const std::string &command,
+            const std::optional<std::string> &address = std::nullopt) {
+    hostile_driver_restart(seed);
+    std::string error;
+    std::string text;
+    tool_run recorded;
+    {
+        host recording_on;
+        recording_on.management_address = address;
+        host_programs programs;
+        if (!programs.install(recording_on, error)) {
+            give_up(seed, command, error);
+        }
+        recorder_start();
+        recorded = run_tool({command}, answer_hostile);
+        text = write_host(recorded_host(recorder_stop()));
+    }
+    model simulated;
+    host_programs programs;
+    if (!parse_host(text, "recording", simulated.state, error) ||
+        !programs.install(simulated.state, error)) {
+        give_up(seed, command, error + "\n" + text);
+    }
+    simulated.complain = [&](const std::string &line) { give_up(seed, command, line); };
+    const tool_run replayed = run_tool({command}, driver_of(simulated));
+    if (replayed != recorded) {
+        give_up(seed, command,
+                "recorded:\n" + recorded.text + "replayed:\n" + replayed.text + text);
+    }
+    done.runs++;
+    done.requests += recorded.requests.size();
+}
+
+bool is_recorded(const kestrel_cmd_row &row) {
+    // The agent's pipe is no driver.
+    return row.kind == KESTREL_CMD_COMMAND && row.handler != kx_dpa_cmd;
+}
+
+// One line of this display comes from a program of the host.
+void replay_card(hostile_random &random) {
+    static const std::optional<std::string> addresses[] = {
+        std::nullopt, "", "10.1.2.3", "no address", "a-line-that-does-not-fit-into-the-room"};
+    for (const auto &address : addresses) {
+        const uint64_t run_seed = uint64_t{random.next()} << 32 | random.next();
+        replay(run_seed, "show card", address);
+    }
+}
+
+void replay_rows(uint64_t seed) {
+    hostile_random random(seed);
+    for (const kestrel_cmd_row &row : kestrel_cmd_list) {
+        if (!is_recorded(row)) {
+            continue;
+        }
+        const std::string command = command_of(row);
+        done.rows.insert(command);
+        if (row.handler == kx_card_dump) {
+            replay_card(random);
+            continue;
+        }
+        for (const std::string &argument : arguments_of(row, random)) {
+            const uint64_t run_seed = uint64_t{random.next()} << 32 | random.next();
+            replay(run_seed, command + (argument.empty() ? "" : " ") + argument);
+        }
+    }
+}
+
+// --- Captures ---
+
+constexpr uint32_t CAPTURES_OF_A_SEED = 40;
+
+// Returns what the capture reports.
+std::vector<std::string> capture(uint64_t seed, const char *what, const test_driver &driver) {
+    set_test_driver(driver);
+    kx_dpa_api_init();
+    host_capture capturing;
+    capture_host(capturing, {});
+    kx_dpa_api_exit();
+    std::vector<std::string> unsaid;
+    const std::string text = write_host(capturing.captured, &unsaid);
+    host described;
+    std::string error;
+    if (!parse_host(text, "capture", described, error)) {
+        give_up(seed, what, error + "\n" + text);
+    }
+    if (!unsaid.empty()) {
+        give_up(seed, what, "no key says " + unsaid.front());
+    }
+    done.captures++;
+    return capturing.driver.reports();
+}
+
+void capture_hostile_drivers(uint64_t seed) {
+    hostile_random random(seed);
+    for (uint32_t i = 0; i < CAPTURES_OF_A_SEED; i++) {
+        const uint64_t run_seed = uint64_t{random.next()} << 32 | random.next();
+        hostile_driver_restart(run_seed);
+        capture(run_seed, "capture", answer_hostile);
+    }
+}
+
+// Every walk goes on for ever, upwards or in a circle. Ports without VLANs keep it within memory.
+void capture_endless_driver(uint32_t circle) {
+    uint32_t last = 0;
+    const std::vector<std::string> reports = capture(circle, "endless", [&](kxdpa_request &record) {
+        const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
+        auto *const bytes = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
+        const uint32_t size = two ? record.len2 : record.len1;
+        record.status = record.opcode == KXDPA_OP_PORT_VLAN_SET ? 5 : KXDPA_STATUS_SUCCESS;
+        last = circle == 0 ? last + 1 : last % circle + 1;
+        for (uint32_t at = 0; record.status == 0 && at + sizeof last <= size; at += sizeof last) {
+            memcpy(bytes + at, &last, sizeof last);
+        }
+        return 0;
+    });
+    if (reports.empty()) {
+        give_up(circle, "endless", "nothing is reported");
+    }
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+    std::vector<uint64_t> seeds(std::begin(FIXED_SEEDS), std::end(FIXED_SEEDS));
+    if (argc > 1) {
+        seeds.clear();
+        for (int i = 1; i < argc; i++) {
+            seeds.push_back(std::strtoull(argv[i], nullptr, 0));
+        }
+    }
+    for (const uint64_t seed : seeds) {
+        replay_rows(seed);
+        capture_hostile_drivers(seed);
+    }
+    capture_endless_driver(0);
+    capture_endless_driver(7);
+    std::printf("captures of hostile drivers: %llu\n",
+                static_cast<unsigned long long>(done.captures));
+    std::printf("recordings: %zu rows, %llu runs, %llu requests replayed\n", done.rows.size(),
+                static_cast<unsigned long long>(done.runs),
+                static_cast<unsigned long long>(done.requests));
+    return 0;
+}
