@@ -16,19 +16,20 @@ int kx_typed_keywords(const kestrel_cmd_row &row) {
     return count;
 }
 
-void kx_explain_silence(const kestrel_cmd_row &row, const char *command) {
-    if (row.handler == kx_show_empty) {
+void kx_explain_silence(const kestrel_cmd_row &row, int matched, const char *command) {
+    const bool is_display = row.handler == kx_show_empty;
+    const int count = kx_typed_keywords(row);
+    if (is_display || (kx_is_stub(row.handler) && matched < count)) {
         size_t length = strlen(command);
         while (length > 0 && kx_is_space(command[length - 1])) {
             --length;
         }
         fflush(stdout);
-        fprintf(stderr, "tarncmd: no display command \"%.*s\"; \"tarncmd help\" lists them\n",
-                static_cast<int>(length), command);
+        fprintf(stderr, "tarncmd: no %scommand \"%.*s\"; \"tarncmd help\" lists them\n",
+                is_display ? "display " : "", static_cast<int>(length), command);
     } else if (kx_is_stub(row.handler)) {
         char words[256] = ""; // the longest row has 73 characters
         size_t length = 0;
-        const int count = kx_typed_keywords(row);
         for (int i = 0; i < count && length < sizeof words; ++i) {
             length += static_cast<size_t>(snprintf(words + length, sizeof words - length, "%s%s",
                                                    i == 0 ? "" : " ", row.keywords[i]));

@@ -22,8 +22,9 @@
  *
  * Nothing here resets the sink: what the host leaves in it, the next run finds. All state is one
  * set per process and is not locked: one command runs at a time. Lines about refused and unknown
- * commands, and trace lines, go to standard output, never into the buffer; nothing goes to standard
- * error, which is the host's own.
+ * commands, and trace lines, go to standard output, never into the buffer. Nothing here writes to
+ * standard error, which is the host's own; the shell that "show card" asks for the management
+ * address inherits it and may.
  *
  * Everything is 32-bit x86 code. This header can be included from C and from C++.
  */

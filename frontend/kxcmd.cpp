@@ -192,7 +192,7 @@ int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int /*length
         return -1;
     }
     if (kx_run_from_shell) {
-        kx_explain_silence(row, command);
+        kx_explain_silence(row, best.depth + 1, command);
     }
     return row.handler(arg);
 }

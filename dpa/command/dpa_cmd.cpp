@@ -123,11 +123,18 @@ bool is_pipe_or_own_file(int pipe) {
     return fstat(pipe, &found) == 0 && (S_ISFIFO(found.st_mode) || is_own_file(found));
 }
 
+// A FIFO without a reader; a socket, which fails in the same way, never has one.
+bool lacks_a_reader(int pipe) {
+    struct stat found {};
+    return pipe == -1 && errno == ENXIO && lstat(COMMAND_PIPE, &found) == 0 &&
+           S_ISFIFO(found.st_mode);
+}
+
 // Returns the descriptor, whose writes wait as usual, or -1 after a line; -1 without one when a
 // signal ended the wait for a reader.
 int open_command_pipe() {
     int pipe = try_command_pipe();
-    for (int tries = 0; pipe == -1 && errno == ENXIO && tries < PIPE_READER_TRIES; ++tries) {
+    for (int tries = 0; lacks_a_reader(pipe) && tries < PIPE_READER_TRIES; ++tries) {
         fflush(stdout);
         usleep(PIPE_READER_PAUSE);
         if (ended_by != 0) {

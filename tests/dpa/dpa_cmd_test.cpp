@@ -14,8 +14,10 @@
 #include <poll.h>
 #include <random>
 #include <string>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -319,6 +321,20 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
     std::ofstream(AGENT_PIPE_PATH) << "to try with";
     EXPECT_EQ(run("x", [] {}), "=>dpa command is: x\n\n");
     EXPECT_EQ(result, 0);
+}
+
+// A socket fails like a FIFO without a reader, but none will come.
+TEST_F(DpaCommand, DoesNotWaitForTheReaderOfASocket) {
+    unlink(AGENT_PIPE_PATH);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    strcpy(address.sun_path, AGENT_PIPE_PATH);
+    const int server = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(bind(server, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    EXPECT_EQ(run("x", [] {}), " Error opening fifo (6), exiting\n");
+    EXPECT_EQ(slept, std::chrono::milliseconds(0));
+    close(server);
+    unlink(AGENT_PIPE_PATH);
 }
 
 // The host's own dispositions, with everything that belongs to them.
