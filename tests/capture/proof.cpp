@@ -80,12 +80,14 @@ struct live_host {
     }
 };
 
-// Left out, and told in docs/capture.md: a driver that refuses this tool's version, and answers
-// that differ from time to time.
+// Left out, and told in docs/capture.md: a driver that refuses this tool's version, answers that
+// differ from time to time, and how the driver answers what is sent to it.
 bool can_be_captured(const host &described) {
     return !described.card.version_mismatch &&
            std::none_of(described.overrides.begin(), described.overrides.end(),
-                        [](const override_rule &rule) { return rule.only_time != 0; });
+                        [](const override_rule &rule) {
+                            return rule.only_time != 0 || !MAY_BE_ASKED.contains(rule.opcode);
+                        });
 }
 
 std::string capture_of(const std::string &name, live_host &live) {
@@ -185,24 +187,31 @@ std::string text_of(const std::string &path) {
     return text;
 }
 
-void prove_file(const std::string &path) {
-    prove(path, parsed(path, text_of(path)), SAMPLES_OF_A_FILE);
+void prove_captured(const std::string &name, const std::string &text) {
+    const host described = parsed(name, text);
+    if (can_be_captured(described)) {
+        prove(name, described, SAMPLES_OF_A_FILE);
+    }
 }
 
 // The transcripts patch host files, many of them with a driver that misbehaves.
 void prove_transcript(const std::filesystem::path &path) {
+    const std::filesystem::path hosts = path.parent_path().parent_path() / "hosts";
     std::ifstream lines(path);
-    std::string original(builtin_host_text());
+    std::string of_file(builtin_host_text());
+    std::string of_case = of_file;
+    bool in_cases = false;
     std::set<std::string> proven;
     for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("host ")) {
-            original = text_of(path.parent_path().parent_path() / "hosts" / line.substr(5));
+        if (line.starts_with("case ")) {
+            in_cases = true;
+            of_case = of_file;
+        } else if (line.starts_with("host ")) {
+            (in_cases ? of_case : of_file) = text_of(hosts / line.substr(5));
         } else if (line.starts_with("patch ") && proven.insert(line).second) {
-            const std::string name = path.filename().string() + ": " + line;
-            const host patched = parsed(name, patch_host(original, line.substr(6)));
-            if (can_be_captured(patched)) {
-                prove(name, patched, SAMPLES_OF_A_FILE);
-            }
+            const std::string patch =
+                line.ends_with(".json") ? text_of(hosts / line.substr(6)) : line.substr(6);
+            prove_captured(path.filename().string() + ": " + line, patch_host(of_case, patch));
         }
     }
 }
@@ -221,7 +230,7 @@ int main(int argc, char *argv[]) {
         if (path.extension() == ".txt") {
             prove_transcript(path);
         } else {
-            prove_file(path);
+            prove_captured(path, text_of(path));
         }
     }
     const auto first_seed = static_cast<uint32_t>(std::strtoul(argv[1], nullptr, 0));

@@ -419,8 +419,11 @@ TEST(IfIndex, RangesCountTheNumberOfTheirType) {
         EXPECT_EQ(if_index_get_num_ports_in_if_index_range(&range, &count), 0);
         EXPECT_EQ(count, 3U);
         std::vector<uint32_t> got(3);
+        count = 0;
         EXPECT_EQ(if_index_get_if_index_in_range(&range, got.data(), 2, &count), 14);
+        EXPECT_EQ(count, 0U);
         EXPECT_EQ(if_index_get_if_index_in_range(&range, got.data(), 3, &count), 0);
+        EXPECT_EQ(count, 3U);
         EXPECT_EQ(got, expected);
         uint32_t walked = expected[0];
         for (const uint32_t next : {expected[1], expected[2]}) {
