@@ -15,8 +15,7 @@ def is_port_channel: .ltl >= 1040 and .ltl <= 1047;
 # An entry that nothing was ever configured on.
 def is_empty: (.name // "") == "" and (.interface // "") == "" and (.admin // "down") != "up";
 
-def numbers: if . == null or . == "" then [] else
-    split(",") | map(split("-") | map(tonumber) | range(.[0]; .[-1] + 1)) end;
+def numbers: . // [];
 
 def ranges:
     reduce .[] as $n ([]; if length > 0 and .[-1][1] + 1 == $n then .[-1][1] = $n
@@ -65,6 +64,9 @@ def colored($color): if . == "" then . else "<font color=\"\($color)\">\(. | @ht
 def small: if . == "" then . else "<font point-size=\"9\">\(.)</font>" end;
 def cell($attributes): "<td align=\"left\" \($attributes)>\(.)</td>";
 
+# The columns are as wide in every group.
+def widths: [14, 110, 52, 150, 90];
+
 # A row of a group: state, name, interface, networks, what is wrong.
 def port_row:
     . as $port
@@ -76,7 +78,9 @@ def port_row:
          ([network_text(22), service_text] | map(select(. != "")) | join(" · ")
             | colored($port | text_color) | small),
          (state_text | colored($port | text_color) | small)]
-        | map(cell("bgcolor=\"\($background)\"")) | join("")) + "</tr>";
+        | [., widths] | transpose
+        | map(.[1] as $width | .[0] | cell("bgcolor=\"\($background)\" width=\"\($width)\""))
+        | join("")) + "</tr>";
 
 def group_label($title):
     "<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"3\">"
@@ -87,7 +91,7 @@ def uplink_label:
     . as $port
     | "<table border=\"0\" cellspacing=\"0\" cellpadding=\"2\">"
     + "<tr><td><font color=\"\(dot_color)\">●</font> <b>\(name_text | colored($port | text_color))</b></td></tr>"
-    + ([[.interface, "LTL \(.ltl)"], [.device], [network_text(24)], [state_text]]
+    + ([[if name_text == .interface then null else .interface end, "LTL \(.ltl)"], [.device], [network_text(24)], [state_text]]
        | map(map(select(. != null and . != "")) | join(" · ") | select(. != ""))
        | map("<tr><td>\(colored($port | text_color) | small)</td></tr>") | join(""))
     + "</table>";
