@@ -203,15 +203,18 @@ void prove_if_possible(const std::string &name, const host &described) {
 
 // The transcripts patch host files, many of them with a driver that misbehaves.
 void prove_transcript(const std::filesystem::path &path) {
+    const std::filesystem::path hosts = path.parent_path().parent_path() / "hosts";
     std::ifstream lines(path);
     std::string original(builtin_host_text());
     std::set<std::string> proven;
     for (std::string line; std::getline(lines, line);) {
         if (line.starts_with("host ")) {
-            original = text_of(path.parent_path().parent_path() / "hosts" / line.substr(5));
+            original = text_of(hosts / line.substr(5));
         } else if (line.starts_with("patch ") && proven.insert(line).second) {
             const std::string name = path.filename().string() + ": " + line;
-            prove_if_possible(name, parsed(name, patch_host(original, line.substr(6))));
+            const std::string given = line.substr(6);
+            const std::string patch = given.ends_with(".json") ? text_of(hosts / given) : given;
+            prove_if_possible(name, parsed(name, patch_host(original, patch)));
         }
     }
 }
