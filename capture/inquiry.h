@@ -136,10 +136,16 @@ public:
             return false;
         }
         const Record asked = *record;
-        uint32_t capacity = sizeof *record;
+        // The capacity comes on top of the length, so a driver may write as much again.
+        struct {
+            Record record;
+            uint8_t behind[sizeof(Record)];
+        } buffer = {asked, {}};
+        uint32_t capacity = sizeof asked;
         const uint32_t status =
             kx_dpa_call_indirect1(opcode, argument, KXDPA_FLAG_IN | KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
-                                  record, sizeof *record, &capacity);
+                                  &buffer, sizeof asked, &capacity);
+        *record = buffer.record;
         return status == KXDPA_STATUS_SUCCESS
                    ? answered(opcode)
                    : refused(with_input(opcode, argument, asked), status, meaning, bytes_of(asked),

@@ -196,9 +196,10 @@ bool each_item(const void *object, const std::function<void(const void *)> &visi
             visit(&item);
         }
     } else if constexpr (IS_MAP<container>) {
-        for (const auto &[key, value] : *field) {
-            const keyed<container> item{key, value};
-            visit(&item);
+        // An entry is visited in place: it lies in memory as the struct does.
+        static_assert(sizeof(keyed<container>) == sizeof(typename container::value_type));
+        for (const auto &entry : *field) {
+            visit(&entry);
         }
     } else {
         for (const auto &item : *field) {

@@ -37,8 +37,13 @@ struct writing {
 
 void add_member(std::string &members, std::string_view name, const std::string &text,
                 size_t indent) {
-    members +=
-        (members.empty() ? "" : ",\n") + std::string(indent, ' ') + json_quoted(name) + ": " + text;
+    if (!members.empty()) {
+        members += ",\n";
+    }
+    members.append(indent, ' ');
+    members += json_quoted(name);
+    members += ": ";
+    members += text;
 }
 
 std::string closed(const std::string &members, const char *brackets, size_t indent) {

@@ -73,8 +73,8 @@ typed_keys collect_typed_keys(host_capture &host) {
         typed.vlans.insert(bd.record.vlan);
         typed.swbds.insert({bd.record.swbd, bd.record.vlan});
         typed.segments.insert(bd.record.segment_id);
-        // A word that leaves room for its NUL.
-        char name[sizeof bd.record.name];
+        // A word, which may fill the field.
+        char name[sizeof bd.record.name + 1];
         strncpy_until_space(name, sizeof name, name_of(bd.record).c_str());
         typed.names.insert(name);
     }

@@ -5,9 +5,11 @@ namespace {
 
 std::set<uint32_t> vlans_in(const bmp4096 &set) {
     std::set<uint32_t> vlans;
-    for (uint32_t vlan = 0; vlan < sizeof set.bits * 8; vlan++) {
-        if ((set.bits[vlan / 8] & 0x80U >> vlan % 8) != 0) {
-            vlans.insert(vlans.end(), vlan);
+    for (uint32_t byte = 0; byte < sizeof set.bits; byte++) {
+        for (uint32_t bit = 0; set.bits[byte] != 0 && bit < 8; bit++) {
+            if ((set.bits[byte] & 0x80U >> bit) != 0) {
+                vlans.insert(vlans.end(), byte * 8 + bit);
+            }
         }
     }
     return vlans;

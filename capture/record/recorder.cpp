@@ -57,10 +57,12 @@ span reply_span(const kxdpa_request &request) {
     if (!has(request, KXDPA_FLAG_OUT) || address == 0) {
         return {};
     }
+    const uint32_t length = two ? request.len2 : request.len1;
     if (!has(request, KXDPA_FLAG_MAX)) {
-        return {bytes_at(address), two ? request.len2 : request.len1};
+        return {bytes_at(address), length};
     }
-    const uint32_t capacity = two ? request.max2 : request.max1;
+    // The capacity comes on top of the length.
+    const uint32_t capacity = length + (two ? request.max2 : request.max1);
     // The one reply that goes beyond the capacity: the UUID's type stands behind it.
     const bool uuid = request.opcode == KXDPA_OP_CARD_UUID && capacity == KX_CARD_UUID_CAPACITY;
     return {bytes_at(address), uuid ? static_cast<uint32_t>(sizeof(kx_card_uuid)) : capacity};
