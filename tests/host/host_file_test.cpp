@@ -9,8 +9,8 @@
 #include "tests/host/random_host.h"
 
 #include <cerrno>
-#include <chrono>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -119,11 +119,12 @@ TEST(HostFile, ManyKeysAreReadInNoTime) {
     std::string text = "{\"card\": {";
     for (int i = 0; i < 60000; i++)
         text += "\"key" + std::to_string(i) + "\": 1,";
-    const auto start = std::chrono::steady_clock::now();
+    const clock_t start = clock();
     EXPECT_EQ(check_host(text + "\"key60000\": 1}}", "f").size(), 60001U);
     EXPECT_EQ(check_host(text + "\"key59999\": 1}}", "f").at(0),
               "f:1: \"key59999\" is given twice");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    // Much more than the sanitizers take, and less than one look at every key for each of them.
+    EXPECT_LT(clock() - start, 6 * CLOCKS_PER_SEC);
 }
 
 // A text as it stands in the file, and the driver's bytes.
