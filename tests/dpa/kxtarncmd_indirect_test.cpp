@@ -44,6 +44,7 @@ std::string pattern(size_t size, unsigned step) {
 void limit_waiting(int fd) {
     const timeval limit = {10, 0};
     EXPECT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit), 0);
+    EXPECT_EQ(setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit), 0);
 }
 
 // Receive up to `size` bytes, fewer when the tool closes first.
