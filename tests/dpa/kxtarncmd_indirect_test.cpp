@@ -156,6 +156,7 @@ TEST_F(AgentSocket, SendsRecordAndBuffersAndTakesThemBack) {
         {"more than the socket holds", false, 3, 1 << 20, 0, 0, 0, false, 1 << 20, 0},
         {"two buffers", true, 11, 8, 99, 24, 99, false, 8, 24},
         {"two capacities", true, 15, 8, 100, 4, 4000, false, 108, 4004},
+        {"two capacities alone", true, 15, 0, 100, 0, 4000, false, 100, 4000},
         {"second buffer without its flag", true, 3, 8, 0, 24, 0, false, 8, 0},
     };
     for (const Framing &row : rows)

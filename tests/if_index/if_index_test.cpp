@@ -479,6 +479,8 @@ TEST(IfIndex, RangesThatAreNone) {
     EXPECT_EQ(if_index, 0x02081000U);
     EXPECT_EQ(if_index_phy_eth_get_mainintf_from_subintf(0x1A081005, &if_index), 12);
     EXPECT_EQ(if_index_get_subintf_from_mainintf(0x02081000, 1, nullptr), 14);
+    EXPECT_EQ(if_index_get_subintf_from_mainintf(0x02081005, 4095, &if_index), 0);
+    EXPECT_EQ(if_index, 0x02081FFFU);
 }
 
 TEST(IfIndex, ByteOrderComparisonAndFspf) {
