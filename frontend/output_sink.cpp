@@ -39,7 +39,7 @@ bool has_room(uintptr_t position) {
 
 // printf itself copies each of a row's some twenty pieces into the stream, which takes longer than
 // all of the formatting. The stream gets the finished row in one piece instead.
-void print_to_stdout(const char *format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) void print_to_stdout(const char *format, va_list arguments) {
     const char *const conversion = strchrnul(format, '%');
     if (*conversion == '\0') {
         fwrite(format, 1, static_cast<size_t>(conversion - format), stdout);
