@@ -127,6 +127,7 @@ std::vector<cost> measure(const std::vector<command> &commands,
     }
     close(nowhere);
     std::vector<cost> summaries;
+    summaries.reserve(costs.size());
     for (const std::vector<cost> &rounds_of_one : costs) {
         summaries.push_back(summarize(rounds_of_one));
     }
