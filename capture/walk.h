@@ -3,8 +3,10 @@
 #define CAPTURE_WALK_H
 
 #include "capture/inquiry.h"
+#include "host/number_set.h"
 #include "host/port.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,12 +25,13 @@ template <typename Key, typename Step>
 std::vector<Key> collect_walk(inquiry &driver, kxdpa_opcode opcode, Key start, Step step,
                               size_t limit = WALK_LIMIT) {
     std::vector<Key> found;
-    std::set<Key> passed;
+    std::set<Key> passed; // empty while keys rise: none of them can come back
     for (Key at = start; !driver.is_hopeless(opcode) && step(&at); found.push_back(at)) {
-        // While keys rise, none can come back.
-        const bool rises = passed.empty() || *passed.rbegin() < at;
-        passed.insert(rises ? passed.end() : passed.begin(), at);
-        if (passed.size() == found.size() || found.size() == limit) {
+        const bool rises = passed.empty() && (found.empty() || found.back() < at);
+        if (!rises && passed.empty()) {
+            passed.insert(found.begin(), found.end());
+        }
+        if ((!rises && !passed.insert(at).second) || found.size() == limit) {
             driver.report_endless_walk(opcode, found.size());
             break;
         }
@@ -49,7 +52,10 @@ inline bool is_walked_ltl(inquiry &driver, kxdpa_opcode opcode, uint32_t ltl) {
 // from `start` on, that it would take otherwise; the number is none where the driver's walk ended.
 template <typename Odd>
 void for_odd_steps(const std::vector<uint32_t> &found, uint32_t start, Odd odd) {
-    const std::set<uint32_t> sorted(found.begin(), found.end());
+    const number_set sorted(found.begin(), found.end());
+    if (std::equal(found.begin(), found.end(), sorted.begin(), sorted.end())) {
+        return;
+    }
     uint32_t from = start;
     for (size_t i = 0; i <= found.size(); i++) {
         const auto next = i == 0 ? sorted.begin() : sorted.upper_bound(from);

@@ -8,15 +8,17 @@
 #define HOST_ACCESS_H
 
 #include "host/key.h"
+#include "host/number_set.h"
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -81,7 +83,7 @@ template <typename T> key_value say(const T &field) {
         value.is = key_value::state::refused;
     } else if constexpr (std::is_integral_v<T>) {
         value.number = static_cast<uint64_t>(field);
-    } else if constexpr (std::is_same_v<T, std::set<uint32_t>>) {
+    } else if constexpr (std::is_same_v<T, number_set>) {
         value.numbers.assign(field.begin(), field.end());
     } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
         // Numbers that are not used stand as zeros behind the others.
@@ -98,6 +100,20 @@ template <typename T> key_value say(const T &field) {
     return value;
 }
 
+// True when both say the same.
+template <typename T> bool is_same(const T &one, const T &other) {
+    if constexpr (IS_OPTIONAL<T>) {
+        return one && other ? is_same(*one, *other) : one.has_value() == other.has_value();
+    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+        return std::string_view(one, strnlen(one, sizeof one)) ==
+               std::string_view(other, strnlen(other, sizeof other));
+    } else if constexpr (std::is_array_v<T>) {
+        return std::equal(std::begin(one), std::end(one), std::begin(other));
+    } else {
+        return one == other;
+    }
+}
+
 template <typename T> void assign(T &field, const key_value &value) {
     if constexpr (IS_OPTIONAL<T>) {
         if (value.is == key_value::state::refused) {
@@ -109,7 +125,7 @@ template <typename T> void assign(T &field, const key_value &value) {
         field = value.number != 0;
     } else if constexpr (std::is_integral_v<T>) {
         field = static_cast<T>(value.number);
-    } else if constexpr (std::is_same_v<T, std::set<uint32_t>>) {
+    } else if constexpr (std::is_same_v<T, number_set>) {
         field = {value.numbers.begin(), value.numbers.end()};
     } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
         std::fill(std::begin(field), std::end(field), 0U);
@@ -144,6 +160,12 @@ template <auto... path> key_value get_at_path(const void *object) {
         return {.is = key_value::state::out_of_place, .number = 0, .bytes = {}, .numbers = {}};
     }
     return say(*field);
+}
+
+template <auto... path> bool same_at_path(const void *object, const void *other) {
+    const auto *field = look_along<path...>(object);
+    const auto *other_field = look_along<path...>(other);
+    return field == nullptr || (other_field != nullptr && is_same(*field, *other_field));
 }
 
 template <auto... path> bool set_at_path(void *object, const key_value &value) {
@@ -279,6 +301,10 @@ template <auto bit, auto... path> key_value get_bit(const void *object) {
     return value;
 }
 
+template <auto bit, auto... path> bool same_bit(const void *object, const void *other) {
+    return ((*look_along<path...>(object) ^ *look_along<path...>(other)) & bit) == 0;
+}
+
 template <auto bit, auto... path> bool set_bit(void *object, const key_value &value) {
     auto &flags = *open_along<path...>(object);
     using field = std::remove_reference_t<decltype(flags)>;
@@ -293,6 +319,7 @@ template <auto... path>
 constexpr key_access at = {
     .get = access_detail::get_at_path<path...>,
     .set = access_detail::set_at_path<path...>,
+    .same = access_detail::same_at_path<path...>,
     .most = access_detail::most_of<access_detail::field_of<path...>>(),
     .can_lack = access_detail::IS_OPTIONAL<access_detail::field_of<path...>>,
     .in_order = std::is_array_v<access_detail::field_of<path...>>,
@@ -329,6 +356,7 @@ template <auto bit, auto... path>
 constexpr key_access bit_of = {
     .get = access_detail::get_bit<bit, path...>,
     .set = access_detail::set_bit<bit, path...>,
+    .same = access_detail::same_bit<bit, path...>,
     .most = 1,
 };
 

@@ -3,11 +3,11 @@
 #define HOST_BRIDGE_DOMAIN_H
 
 #include "handlers/port/bridge_domain_record.h"
+#include "host/number_set.h"
 
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <vector>
 
 constexpr kx_bd_record bd_record_defaults() {
@@ -18,15 +18,15 @@ constexpr kx_bd_record bd_record_defaults() {
 }
 
 struct bridge_domain {
-    bool known = true;                          // its record can be asked for
-    kx_bd_record record = bd_record_defaults(); // as the views read it, but for its index
-    std::optional<std::set<uint32_t>> members{std::in_place}; // LTLs
+    bool known = true;                                // its record can be asked for
+    kx_bd_record record = bd_record_defaults();       // as the views read it, but for its index
+    std::optional<number_set> members{std::in_place}; // LTLs
     std::vector<uint32_t> groups; // IPv4 multicast groups, network byte order, in the walk's order
 };
 
 struct bridge_domain_table {
-    std::optional<std::set<uint32_t>> vlans{std::in_place}; // that exist, reserved ones included
-    std::map<uint32_t, bridge_domain> by_index;             // bridge-domain index, from 1
+    std::optional<number_set> vlans{std::in_place}; // that exist, reserved ones included
+    std::map<uint32_t, bridge_domain> by_index;     // bridge-domain index, from 1
 };
 
 #endif

@@ -79,5 +79,7 @@ bool load_host(const std::string &path, host &into, std::string &error) {
 
 std::string write_host(const host &described, std::vector<std::string> *unsaid) {
     std::vector<std::string> unread;
-    return object_text(HOST_KEYS, &described, unsaid == nullptr ? unread : *unsaid) + "\n";
+    std::string text = object_text(HOST_KEYS, &described, unsaid == nullptr ? unread : *unsaid);
+    text += '\n';
+    return text;
 }

@@ -63,6 +63,9 @@ struct key_access {
     key_value (*get)(const void *object) = nullptr;
     // False when the value has no place: it belongs to what the driver refuses.
     bool (*set)(void *object, const key_value &value) = nullptr;
+    // True when `object` says nothing else than `other`, or has no place for the value: what `get`
+    // would tell, without its copies. Null where `get` is cheap.
+    bool (*same)(const void *object, const void *other) = nullptr;
     uint64_t most = 0;     // the largest number that the field holds, or the most bytes or items
     bool can_lack = false; // the value may be refused, or nothing said
     bool in_order = false; // of numbers: a list in its own order, not a set

@@ -5,12 +5,12 @@
 #include "handlers/port/port_record.h"
 #include "handlers/port/port_security_record.h"
 #include "host/address.h"
+#include "host/number_set.h"
 
 #include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 
 constexpr uint32_t PORT_VIEWS = 3; // kx_port_view
 
@@ -28,10 +28,10 @@ constexpr kx_port_record port_record_defaults() {
 }
 
 struct port_view {
-    bool known = true;                                      // the view has a record of the port
-    kx_port_record record = port_record_defaults();         // as the views read it
-    std::optional<std::set<uint32_t>> vlans{std::in_place}; // configured on the port
-    std::set<uint32_t> forwards_on;                         // VLANs
+    bool known = true;                              // the view has a record of the port
+    kx_port_record record = port_record_defaults(); // as the views read it
+    std::optional<number_set> vlans{std::in_place}; // configured on the port
+    number_set forwards_on;                         // VLANs
 };
 
 struct port {

@@ -114,7 +114,7 @@ struct unique_keys {
         std::string all;
         for (const key &row : table.keys) {
             if (row.unique) {
-                all += value_text(row, row.access.get(item), 0) + ",";
+                all += value_text(row, row.access.get(item)) + ",";
             }
         }
         return seen.insert(all).second;

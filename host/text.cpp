@@ -63,6 +63,8 @@ void append_stand_in(std::string &text, uint8_t byte) {
     text += static_cast<char>(0x80 | (code & 0x3F));
 }
 
+constexpr size_t INDENT = 2;
+
 } // namespace
 
 std::string bytes_to_utf8(std::string_view bytes) {
@@ -97,22 +99,42 @@ std::string bytes_from_utf8(std::string_view text) {
     return bytes;
 }
 
-std::string json_quoted(std::string_view utf8) {
+void append_quoted(std::string &json, std::string_view utf8) {
     constexpr char digits[] = "0123456789abcdef";
-    std::string quoted = "\"";
+    json += '"';
     for (const char character : utf8) {
         const auto byte = static_cast<uint8_t>(character);
+        if (byte >= 0x20 && byte != 0x7F && byte != '"' && byte != '\\') {
+            json += character;
+            continue;
+        }
         const size_t short_form = std::string_view("\b\f\n\r\t\"\\").find(character);
+        json += '\\';
         if (short_form != std::string_view::npos) {
-            quoted += '\\';
-            quoted += "bfnrt\"\\"[short_form];
-        } else if (byte < 0x20 || byte == 0x7F) {
-            quoted += "\\u00";
-            quoted += digits[byte >> 4];
-            quoted += digits[byte & 15];
+            json += "bfnrt\"\\"[short_form];
         } else {
-            quoted += character;
+            json += "u00";
+            json += digits[byte >> 4];
+            json += digits[byte & 15];
         }
     }
-    return quoted + '"';
+    json += '"';
+}
+
+json_lines open_lines(std::string &json, char bracket, size_t indent) {
+    json += bracket;
+    return {json.size(), indent + INDENT};
+}
+
+void begin_line(std::string &json, const json_lines &lines) {
+    json += lines.is_empty(json) ? "\n" : ",\n";
+    json.append(lines.indent, ' ');
+}
+
+void close_lines(std::string &json, char bracket, const json_lines &lines) {
+    if (!lines.is_empty(json)) {
+        json += '\n';
+        json.append(lines.indent - INDENT, ' ');
+    }
+    json += bracket;
 }

@@ -7,14 +7,30 @@
 #ifndef HOST_TEXT_H
 #define HOST_TEXT_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 std::string bytes_to_utf8(std::string_view bytes);
 std::string bytes_from_utf8(std::string_view text);
 
-// A JSON string, quotes included, of well-formed UTF-8. Nothing but quotes, backslashes and control
-// characters is escaped.
-std::string json_quoted(std::string_view utf8);
+// Append a JSON string, quotes included, of well-formed UTF-8. Nothing but quotes, backslashes and
+// control characters is escaped.
+void append_quoted(std::string &json, std::string_view utf8);
+
+// A JSON object or list that is being appended to a text, each of its items on a line of its own.
+struct json_lines {
+    size_t start;  // of the text behind the bracket
+    size_t indent; // of the items, in blanks
+
+    bool is_empty(const std::string &json) const {
+        return json.size() == start;
+    }
+};
+
+// `indent` is that of the line with the bracket.
+json_lines open_lines(std::string &json, char bracket, size_t indent);
+void begin_line(std::string &json, const json_lines &lines);
+void close_lines(std::string &json, char bracket, const json_lines &lines);
 
 #endif

@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <limits>
 #include <optional>
-#include <set>
 #include <string_view>
 
 namespace {
@@ -288,65 +288,59 @@ std::string read_numbers(const key &row, const json_value &given, std::vector<ui
     return wrong;
 }
 
-std::string word_text(const key &row, uint64_t number) {
+void append_word(std::string &text, const key &row, uint64_t number) {
     for (const key_word &word : row.words) {
         if (word.number == number) {
-            return json_quoted(word.name);
+            append_quoted(text, word.name);
+            return;
         }
     }
-    return std::to_string(number);
-}
-
-std::string list_text(const std::vector<std::string> &items, size_t indent) {
-    if (items.empty()) {
-        return "[]";
-    }
-    std::string text = "[";
-    for (const std::string &item : items) {
-        text += (text.size() == 1 ? "\n" : ",\n") + std::string(indent + 2, ' ') + item;
-    }
-    return text + "\n" + std::string(indent, ' ') + "]";
+    append_number(text, number);
 }
 
 // The words of a number's bits, then the bits without a word as one number.
-std::string words_text(const key &row, uint64_t number, size_t indent) {
-    std::vector<std::string> items;
+void append_words(std::string &text, const key &row, uint64_t number, size_t indent) {
+    const json_lines lines = open_lines(text, '[', indent);
     for (const key_word &word : row.words) {
         if ((number & word.number) == word.number) {
-            items.push_back(json_quoted(word.name));
+            begin_line(text, lines);
+            append_quoted(text, word.name);
             number &= ~uint64_t{word.number};
         }
     }
     if (number != 0) {
-        items.push_back(std::to_string(number));
+        begin_line(text, lines);
+        append_number(text, number);
     }
-    return list_text(items, indent);
+    close_lines(text, ']', lines);
 }
 
-std::string numbers_text(const std::vector<uint32_t> &numbers, size_t indent) {
-    std::vector<std::string> items;
-    items.reserve(numbers.size());
+void append_numbers(std::string &text, const std::vector<uint32_t> &numbers, size_t indent) {
+    const json_lines lines = open_lines(text, '[', indent);
     for (const uint32_t number : numbers) {
-        items.push_back(std::to_string(number));
+        begin_line(text, lines);
+        append_number(text, number);
     }
-    return list_text(items, indent);
+    close_lines(text, ']', lines);
 }
 
-std::string mac_text(const std::string &bytes) {
-    std::string text;
+void append_mac(std::string &text, const std::string &bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    const char *separator = "";
+    text += '"';
     for (const char byte : bytes) {
-        char piece[4];
-        std::snprintf(piece, sizeof piece, text.empty() ? "%02x" : ":%02x",
-                      static_cast<uint8_t>(byte));
-        text += piece;
+        text += separator;
+        text += digits[static_cast<uint8_t>(byte) >> 4];
+        text += digits[byte & 15];
+        separator = ":";
     }
-    return text;
+    text += '"';
 }
 
-std::string address_text(int family, const void *address) {
-    char text[INET6_ADDRSTRLEN] = "";
-    inet_ntop(family, address, text, sizeof text);
-    return text;
+void append_address(std::string &text, int family, const void *address) {
+    char printed[INET6_ADDRSTRLEN] = "";
+    inet_ntop(family, address, printed, sizeof printed);
+    append_quoted(text, printed);
 }
 
 std::string hex_text(const std::string &bytes) {
@@ -410,37 +404,61 @@ bool is_sayable(const key &row, const key_value &value) {
     }
 }
 
-std::string value_text(const key &row, const key_value &value, size_t indent) {
+void append_number(std::string &text, uint64_t number) {
+    char digits[std::numeric_limits<uint64_t>::digits10 + 1];
+    // Divisions of 64 bits are calls on the machines that this runs on.
+    const auto [end, error] =
+        number <= UINT32_MAX
+            ? std::to_chars(digits, std::end(digits), static_cast<uint32_t>(number))
+            : std::to_chars(digits, std::end(digits), number);
+    text.append(digits, end);
+}
+
+void append_value(std::string &text, const key &row, const key_value &value, size_t indent) {
     if (value.is != key_value::state::told) {
-        return "null";
+        text += "null";
+        return;
     }
     switch (row.type) {
     case key_type::flag:
-        return value.number > 1 ? std::to_string(value.number)
-                                : (value.number == 1 ? "true" : "false");
+        if (value.number <= 1) {
+            text += value.number == 1 ? "true" : "false";
+            return;
+        }
+        break;
     case key_type::word:
-        return word_text(row, value.number);
+        return append_word(text, row, value.number);
     case key_type::words:
-        return words_text(row, value.number, indent);
+        return append_words(text, row, value.number, indent);
     case key_type::text:
-        return json_quoted(bytes_to_utf8(value.bytes));
+        return append_quoted(text, bytes_to_utf8(value.bytes));
     case key_type::hex:
-        return json_quoted(hex_text(value.bytes));
+        return append_quoted(text, hex_text(value.bytes));
     case key_type::mac:
-        return json_quoted(mac_text(value.bytes));
+        return append_mac(text, value.bytes);
     case key_type::ipv4: {
         const auto address = static_cast<uint32_t>(value.number);
-        return json_quoted(address_text(AF_INET, &address));
+        return append_address(text, AF_INET, &address);
     }
     case key_type::ipv6:
-        return json_quoted(address_text(AF_INET6, value.bytes.data()));
+        return append_address(text, AF_INET6, value.bytes.data());
     case key_type::interface: {
         const std::string name = interface_name(static_cast<uint32_t>(value.number));
-        return name.empty() ? std::to_string(value.number) : json_quoted(name);
+        if (!name.empty()) {
+            return append_quoted(text, name);
+        }
+        break;
     }
     case key_type::numbers:
-        return numbers_text(value.numbers, indent);
+        return append_numbers(text, value.numbers, indent);
     default:
-        return std::to_string(value.number);
+        break;
     }
+    append_number(text, value.number);
+}
+
+std::string value_text(const key &row, const key_value &value) {
+    std::string text;
+    append_value(text, row, value, 0);
+    return text;
 }

@@ -9,133 +9,142 @@
 
 namespace {
 
-constexpr size_t INDENT = 2;
-
 // The writer goes along the rows as the reader will, and keeps beside the object what the reader
-// would have by then. What follows from the keys before is so never written twice.
+// would have by then. What follows from the keys before is so never written twice. Everything is
+// appended to the one text, and what turns out to say nothing is cut off again.
 struct writing {
+    std::string &text;
     std::vector<std::string> &unsaid; // paths of what no key can say
     std::string path{};               // of the object at hand
     bool differences = false;         // only what differs, not what is always written
     bool lacks_required = false;      // the item at hand cannot be read back
 
-    std::string path_of(std::string_view name) const {
-        return path + (path.empty() ? "" : ".") + std::string(name);
+    // Lengthen the path. Returns its length before, to cut it back to.
+    size_t enter(std::string_view name) {
+        const size_t outside = path.size();
+        path += path.empty() ? "" : ".";
+        path += name;
+        return outside;
+    }
+    void add_unsaid(std::string_view name) {
+        const size_t outside = enter(name);
+        unsaid.push_back(path);
+        path.resize(outside);
+    }
+    void begin_member(const json_lines &members, std::string_view name) {
+        begin_line(text, members);
+        append_quoted(text, name);
+        text += ": ";
     }
 
-    std::string object(const key_table &table, const void *object, void *so_far, size_t indent);
-    void rows(std::string &members, const key_table &table, const void *object, void *so_far,
-              size_t indent);
-    void value(std::string &members, const key &row, const void *object, void *so_far,
-               size_t indent);
-    void counters(std::string &members, const key &row, const void *object, void *so_far,
-                  size_t indent) const;
-    void part(std::string &members, const key &row, const void *object, void *so_far,
-              size_t indent);
-    void list(std::string &members, const key &row, const void *object, size_t indent);
+    void object(const key_table &table, const void *object, void *so_far, size_t indent);
+    void rows(const json_lines &members, const key_table &table, const void *object, void *so_far);
+    void value(const json_lines &members, const key &row, const void *object, void *so_far);
+    void counters(const json_lines &members, const key &row, const void *object, void *so_far);
+    void part(const json_lines &members, const key &row, const void *object, void *so_far);
+    void list(const json_lines &members, const key &row, const void *object);
 };
 
-void add_member(std::string &members, std::string_view name, const std::string &text,
-                size_t indent) {
-    if (!members.empty()) {
-        members += ",\n";
-    }
-    members.append(indent, ' ');
-    members += json_quoted(name);
-    members += ": ";
-    members += text;
+bool is_same(const key_access &access, const void *object, const void *other) {
+    return access.same != nullptr ? access.same(object, other)
+                                  : access.get(object) == access.get(other);
 }
 
-std::string closed(const std::string &members, const char *brackets, size_t indent) {
-    std::string text(1, brackets[0]);
-    if (!members.empty()) {
-        text += "\n" + members + "\n" + std::string(indent, ' ');
+void writing::value(const json_lines &members, const key &row, const void *object, void *so_far) {
+    if ((differences || !row.always) && is_same(row.access, object, so_far)) {
+        return;
     }
-    return text + brackets[1];
-}
-
-void writing::value(std::string &members, const key &row, const void *object, void *so_far,
-                    size_t indent) {
     const key_value said = row.access.get(object);
     if (said.is == key_value::state::out_of_place) {
         return;
     }
-    const bool differs = said != row.access.get(so_far);
-    if (!differs && (differences || !row.always)) {
-        return;
-    }
     if (!is_sayable(row, said)) {
-        unsaid.push_back(path_of(row.name));
+        add_unsaid(row.name);
         lacks_required |= row.required;
         return;
     }
     row.access.set(so_far, said);
-    add_member(members, row.name, value_text(row, said, indent), indent);
+    begin_member(members, row.name);
+    append_value(text, row, said, members.indent);
 }
 
-void writing::counters(std::string &members, const key &row, const void *object, void *so_far,
-                       size_t indent) const {
+void writing::counters(const json_lines &members, const key &row, const void *object,
+                       void *so_far) {
     for (uint32_t index = 0; index < row.items; index++) {
         const key_value said = row.access.get_at(object, index);
         if (said != row.access.get_at(so_far, index)) {
-            add_member(members, std::to_string(index), value_text(row, said, indent), indent);
+            begin_member(members, std::to_string(index));
+            append_value(text, row, said, members.indent);
         }
     }
 }
 
-void writing::part(std::string &members, const key &row, const void *object, void *so_far,
-                   size_t indent) {
+void writing::part(const json_lines &members, const key &row, const void *object, void *so_far) {
     const void *said = row.access.look(object);
     const bool expected = row.access.look(so_far) != nullptr;
     if (said == nullptr) {
         if (expected) {
-            add_member(members, row.name, "null", indent);
+            begin_member(members, row.name);
+            text += "null";
         }
         return;
     }
-    const std::string outside = std::move(path);
-    path = outside + (outside.empty() ? "" : ".") + row.name;
+    const size_t before = text.size();
+    const size_t outside = enter(row.name);
     const bool differences_outside = std::exchange(differences, expected);
-    std::string inner;
-    rows(inner, *row.table, said, row.access.open(so_far), indent + INDENT);
-    path = outside;
-    differences = differences_outside;
-    if (!inner.empty() || !expected) {
-        add_member(members, row.name, closed(inner, "{}", indent), indent);
+    begin_member(members, row.name);
+    const json_lines inner = open_lines(text, '{', members.indent);
+    rows(inner, *row.table, said, row.access.open(so_far));
+    if (inner.is_empty(text) && expected) {
+        text.resize(before);
+    } else {
+        close_lines(text, '}', inner);
     }
+    path.resize(outside);
+    differences = differences_outside;
 }
 
-void writing::list(std::string &members, const key &row, const void *object, size_t indent) {
-    std::string items;
-    size_t place = 0;
+void writing::list(const json_lines &members, const key &row, const void *object) {
+    const size_t before = text.size();
+    const size_t outside = enter(row.name);
+    const size_t list_path = path.size();
     const bool differences_outside = std::exchange(differences, false);
-    const std::string outside = std::move(path);
-    const std::string list_path = outside + (outside.empty() ? "" : ".") + row.name;
+    begin_member(members, row.name);
+    const size_t value_start = text.size();
+    const json_lines items = open_lines(text, '[', members.indent);
+    size_t place = 0;
     const bool there = row.access.each(object, [&](const void *item) {
-        path = list_path + "[" + std::to_string(place) + "]";
+        path += '[';
+        append_number(path, place);
+        path += ']';
         const std::shared_ptr<void> so_far = row.table->make(place++);
-        const size_t deep = indent + INDENT;
+        const size_t before_item = text.size();
         lacks_required = false;
-        const std::string text = this->object(*row.table, item, so_far.get(), deep);
-        if (!lacks_required && place <= row.items) {
-            items += (items.empty() ? "" : ",\n") + std::string(deep, ' ') + text;
+        begin_line(text, items);
+        this->object(*row.table, item, so_far.get(), items.indent);
+        if (lacks_required || place > row.items) {
+            text.resize(before_item);
         }
+        path.resize(list_path);
     });
-    path = outside;
+    if (!there) {
+        text.resize(value_start);
+        text += "null";
+    } else if (items.is_empty(text)) {
+        text.resize(before);
+    } else {
+        close_lines(text, ']', items);
+    }
+    path.resize(outside);
     lacks_required = false;
     differences = differences_outside;
-    if (!there) {
-        add_member(members, row.name, "null", indent);
-    } else if (!items.empty()) {
-        add_member(members, row.name, closed(items, "[]", indent), indent);
-    }
     if (place > row.items) {
-        unsaid.push_back(path_of(row.name));
+        add_unsaid(row.name);
     }
 }
 
-void writing::rows(std::string &members, const key_table &table, const void *object, void *so_far,
-                   size_t indent) {
+void writing::rows(const json_lines &members, const key_table &table, const void *object,
+                   void *so_far) {
     for (const key &row : table.keys) {
         if (row.prepare != nullptr) {
             row.prepare(so_far);
@@ -144,37 +153,38 @@ void writing::rows(std::string &members, const key_table &table, const void *obj
         case key_type::included: {
             const void *inner = row.access.look(object);
             if (inner != nullptr) {
-                rows(members, *row.table, inner, row.access.open(so_far), indent);
+                rows(members, *row.table, inner, row.access.open(so_far));
             }
             break;
         }
         case key_type::counters:
-            counters(members, row, object, so_far, indent);
+            counters(members, row, object, so_far);
             break;
         case key_type::object:
-            part(members, row, object, so_far, indent);
+            part(members, row, object, so_far);
             break;
         case key_type::list:
-            list(members, row, object, indent);
+            list(members, row, object);
             break;
         default:
-            value(members, row, object, so_far, indent);
+            value(members, row, object, so_far);
             break;
         }
     }
 }
 
-std::string writing::object(const key_table &table, const void *object, void *so_far,
-                            size_t indent) {
-    std::string members;
-    rows(members, table, object, so_far, indent + INDENT);
-    return closed(members, "{}", indent);
+void writing::object(const key_table &table, const void *object, void *so_far, size_t indent) {
+    const json_lines members = open_lines(text, '{', indent);
+    rows(members, table, object, so_far);
+    close_lines(text, '}', members);
 }
 
 } // namespace
 
 std::string object_text(const key_table &table, const void *object,
                         std::vector<std::string> &unsaid) {
+    std::string text;
     const std::shared_ptr<void> so_far = table.make(0);
-    return writing{unsaid}.object(table, object, so_far.get(), 0);
+    writing{text, unsaid}.object(table, object, so_far.get(), 0);
+    return text;
 }

@@ -2,6 +2,8 @@
 #include "capture/host_capture.h"
 #include "capture/walk.h"
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace {
@@ -21,7 +23,7 @@ void ask_members(inquiry &driver, uint32_t index, bridge_domain &into) {
         into.members.reset();
         return;
     }
-    into.members->insert(members.begin(), members.end());
+    into.members.emplace(members.begin(), members.end());
     for_odd_steps(members, KX_LTL_BEFORE_FIRST, [&](uint32_t from, std::optional<uint32_t> to) {
         if (to) {
             driver.keep_reply(KXDPA_OP_BD_NEXT_PORT, index, from, *to);
@@ -43,16 +45,18 @@ bool can_be_described(const kx_bd_record &record) {
 // Members may be ports that the walk of the ports does not name: displays ask for them all the
 // same.
 void check_members(host_capture &host) {
-    const port_table &ports = walked_ports(host);
-    std::set<uint32_t> others;
+    std::vector<uint32_t> ports;
+    for (const auto &[ltl, port] : walked_ports(host).by_ltl) {
+        ports.push_back(ltl);
+    }
+    std::vector<uint32_t> others;
     for (const auto &[index, bd] : host.captured.bridge_domains.by_index) {
-        for (const uint32_t ltl : bd.members.value_or(std::set<uint32_t>())) {
-            if (!ports.by_ltl.contains(ltl)) {
-                others.insert(ltl);
-            }
+        if (bd.members) {
+            std::set_difference(bd.members->begin(), bd.members->end(), ports.begin(), ports.end(),
+                                std::back_inserter(others));
         }
     }
-    for (const uint32_t ltl : others) {
+    for (const uint32_t ltl : number_set(others.begin(), others.end())) {
         kx_port_record record;
         const uint32_t argument = kx_port_argument(KX_VIEW_HMX, ltl);
         if (host.driver.get<KXDPA_OP_PORT_RECORD>(argument, &record)) {
@@ -116,7 +120,7 @@ void capture_vlans(host_capture &host) {
         into.reset();
         return;
     }
-    into->insert(vlans.begin(), vlans.end());
+    into.emplace(vlans.begin(), vlans.end());
     keep_odd_steps(driver, KXDPA_OP_NEXT_VLAN, vlans, BEFORE_FIRST_VLAN);
     if (!counted) {
         driver.keep_refusal(KXDPA_OP_VLAN_COUNT, 0);

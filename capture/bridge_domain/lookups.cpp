@@ -21,7 +21,7 @@ constexpr uint32_t LAST_SEGMENT = 0x1000000;
 
 // The first bridge domain by what it can be looked up by.
 struct first_fits {
-    std::set<uint32_t> vlans; // that bridge domains have, in whatever device context
+    number_set vlans; // that bridge domains have, in whatever device context
     std::map<uint32_t, uint32_t> by_vlan;
     std::map<uint32_t, uint32_t> by_swbd;
     std::map<uint32_t, uint32_t> by_segment;
@@ -30,9 +30,9 @@ struct first_fits {
 
 // What operators may ask for: what they see of the bridge domains, and the VLANs that exist.
 struct typed_keys {
-    std::set<uint32_t> vlans;
-    std::set<uint32_t> swbds;
-    std::set<uint32_t> segments;
+    number_set vlans;
+    number_set swbds;
+    number_set segments;
     std::set<std::string> names;
 };
 
@@ -64,14 +64,15 @@ first_fits find_first_fits(const bridge_domain_table &table) {
 
 typed_keys collect_typed_keys(host_capture &host) {
     typed_keys typed;
-    typed.vlans = host.captured.bridge_domains.vlans.value_or(std::set<uint32_t>());
+    typed.vlans = host.captured.bridge_domains.vlans.value_or(number_set());
     typed.swbds = typed.vlans;
     for (const walked_bridge_domain &bd : walked_bridge_domains(host)) {
         if (!bd.known) {
             continue;
         }
         typed.vlans.insert(bd.record.vlan);
-        typed.swbds.insert({bd.record.swbd, bd.record.vlan});
+        typed.swbds.insert(bd.record.swbd);
+        typed.swbds.insert(bd.record.vlan);
         typed.segments.insert(bd.record.segment_id);
         // A word, which may fill the field.
         char name[sizeof bd.record.name + 1];

@@ -62,7 +62,7 @@ bool can_be_described(const kx_drop_counters &counters) {
 // Every port is refused or described, one of which there is nothing to say is left out. Where all
 // are refused, that is kept instead of saying it of each.
 template <kxdpa_opcode opcode, typename Record, typename Describe>
-void ask_each(host_capture &host, const std::set<uint32_t> &ltls,
+void ask_each(host_capture &host, const number_set &ltls,
               std::map<uint32_t, std::optional<Record>> &into, Describe is_worth_saying) {
     bool any = false;
     for (const uint32_t ltl : ltls) {
@@ -115,7 +115,7 @@ void capture_stages(host_capture &host) {
 void capture_drops(host_capture &host) {
     const kx_drop_counters usual = no_drops(walked_stages(host));
     const std::vector<uint32_t> &walked = walked_ltls(host);
-    std::set<uint32_t> ltls(walked.begin(), walked.end());
+    number_set ltls(walked.begin(), walked.end());
     // Displays ask for the internal LTLs whether or not there is a port.
     for (uint32_t ltl = 0; ltl < KX_LTL_FIRST_EXTERNAL; ltl++) {
         ltls.insert(ltl);

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <utility>
 
 namespace {
@@ -50,16 +49,16 @@ void ask_announced(inquiry &driver, uint32_t index,
 void check_ports(host_capture &host) {
     inquiry &driver = host.driver;
     const std::vector<uint32_t> &walked = walked_ltls(host);
-    const std::set<uint32_t> known(walked.begin(), walked.end());
-    std::set<uint32_t> others;
+    const number_set known(walked.begin(), walked.end());
+    std::vector<uint32_t> others; // one for each entry
     for (const auto &[index, table] : host.captured.l2.tables) {
         for (const l2_entry &entry : table.entries) {
             if ((entry.flags & KX_L2_STATIC) == 0 && !known.contains(entry.ltl)) {
-                others.insert(entry.ltl);
+                others.push_back(entry.ltl);
             }
         }
     }
-    for (const uint32_t ltl : others) {
+    for (const uint32_t ltl : number_set(others.begin(), others.end())) {
         kx_port_security_record security;
         if (driver.get<KXDPA_OP_PORT_SECURITY>(ltl, &security)) {
             driver.keep_reply(KXDPA_OP_PORT_SECURITY, ltl, security);

@@ -3,12 +3,12 @@
 
 namespace {
 
-std::set<uint32_t> vlans_in(const bmp4096 &set) {
-    std::set<uint32_t> vlans;
+number_set vlans_in(const bmp4096 &set) {
+    number_set vlans;
     for (uint32_t byte = 0; byte < sizeof set.bits; byte++) {
         for (uint32_t bit = 0; set.bits[byte] != 0 && bit < 8; bit++) {
             if ((set.bits[byte] & 0x80U >> bit) != 0) {
-                vlans.insert(vlans.end(), byte * 8 + bit);
+                vlans.insert(byte * 8 + bit);
             }
         }
     }
@@ -41,7 +41,7 @@ void ask_forwarding(host_capture &host, uint32_t argument, port_view &view) {
             continue;
         }
         if (vlan <= KX_LAST_VLAN) {
-            view.forwards_on.insert(view.forwards_on.end(), vlan);
+            view.forwards_on.insert(vlan);
         } else {
             host.driver.keep_reply(KXDPA_OP_VLAN_FORWARDING, argument, asked, query);
         }

@@ -138,7 +138,7 @@ json key_schema(const key &row, const void *fresh) {
     }
     schema["description"] = row.meaning;
     if (has_default_value(row)) {
-        schema["default"] = json::parse(value_text(row, row.access.get(fresh), 0));
+        schema["default"] = json::parse(value_text(row, row.access.get(fresh)));
     }
     return schema;
 }

@@ -101,7 +101,7 @@ std::string default_of(const key &row, const void *fresh) {
         return "empty";
     }
     const key_value value = row.access.get(fresh);
-    const std::string text = value_text(row, value, 0);
+    const std::string text = value_text(row, value);
     return text == "[]" || text == "\"\"" ? "empty" : quoted(text);
 }
 

@@ -82,7 +82,7 @@ vocabulary vocabulary_of(const host &described, bool with_strangers) {
         add_number(words.segments, bd.record.segment_id);
         words.names.emplace(bd.record.name, strnlen(bd.record.name, sizeof bd.record.name));
     }
-    for (const uint32_t vlan : described.bridge_domains.vlans.value_or(std::set<uint32_t>())) {
+    for (const uint32_t vlan : described.bridge_domains.vlans.value_or(number_set())) {
         add_number(words.vlans, vlan);
         add_number(words.swbds, vlan);
     }

@@ -366,9 +366,9 @@ void add_values(std::string &all, const key_table &table, const void *object) {
                 add_values(all, *row.table, inner);
         } else if (row.type == key_type::counters) {
             for (uint32_t index = 0; index < row.items; index++)
-                all += value_text(row, row.access.get_at(object, index), 0) + " ";
+                all += value_text(row, row.access.get_at(object, index)) + " ";
         } else {
-            all += value_text(row, row.access.get(object), 0);
+            all += value_text(row, row.access.get(object));
         }
     }
 }

@@ -167,7 +167,7 @@ struct drawing {
             drawn = value(row);
             row.access.set(object, drawn);
             if (row.unique)
-                unique += value_text(row, drawn, 0) + ",";
+                unique += value_text(row, drawn) + ",";
             break;
         }
     }
