@@ -1,7 +1,7 @@
 // Runs the tool and the bare programs in turn and prints what each costs.
 // Usage: measure --captures TARNCAP TARNCMD DRIVER_LIBRARY
 //        measure TARNCMD BARE ONE_REQUEST DRIVER_LIBRARY [TIMES]
-// On a busy machine the numbers settle with more rounds: TIMES as many as otherwise.
+// On a busy machine the numbers settle when all is measured several TIMES.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -94,43 +94,43 @@ std::string output_of(const command &words, const std::vector<std::string> &sett
     return text;
 }
 
-// Means of the times over the middle half of the rounds, which leaves out those that something else
-// on the machine got into, and the greatest peak.
-cost summarize(std::vector<cost> rounds) {
-    cost summary;
-    for (const cost &one : rounds) {
-        summary.memory = std::max(summary.memory, one.memory);
-    }
+// Adds 1/times of the means over the middle half of the rounds, which leaves out those that
+// something else on the machine got into, and the greatest peak.
+void summarize(std::vector<cost> &rounds, int times, cost &summary) {
     std::sort(rounds.begin(), rounds.end(),
               [](const cost &a, const cost &b) { return a.user + a.system < b.user + b.system; });
     const size_t first = rounds.size() / 4;
     const size_t end = rounds.size() - first;
-    const auto count = static_cast<double>(end - first);
+    const double share = 1.0 / static_cast<double>(end - first) / times;
     for (size_t i = first; i < end; ++i) {
-        summary.user += rounds[i].user / count;
-        summary.system += rounds[i].system / count;
-        summary.wall += rounds[i].wall / count;
+        summary.user += rounds[i].user * share;
+        summary.system += rounds[i].system * share;
+        summary.wall += rounds[i].wall * share;
     }
-    return summary;
+    for (const cost &one : rounds) {
+        summary.memory = std::max(summary.memory, one.memory);
+    }
 }
 
-// The commands take turns, so that whatever else the machine does falls on all of them alike.
+// The commands take turns, so that whatever else the machine does falls on all of them alike. Only
+// the rounds of one time are kept: what this program holds counts in the peak of what it starts.
 std::vector<cost> measure(const std::vector<command> &commands,
                           const std::vector<std::string> &settings, const std::string &driver,
-                          int rounds) {
+                          int rounds, int times) {
     const int nowhere = open("/dev/null", O_WRONLY);
-    std::vector<std::vector<cost>> costs(commands.size());
-    for (int round = 0; round < rounds; ++round) {
+    std::vector<cost> summaries(commands.size());
+    for (int time = 0; time < times; ++time) {
+        std::vector<std::vector<cost>> costs(commands.size());
+        for (int round = 0; round < rounds; ++round) {
+            for (size_t i = 0; i < commands.size(); ++i) {
+                costs[i].push_back(run(commands[i], settings, driver, nowhere));
+            }
+        }
         for (size_t i = 0; i < commands.size(); ++i) {
-            costs[i].push_back(run(commands[i], settings, driver, nowhere));
+            summarize(costs[i], times, summaries[i]);
         }
     }
     close(nowhere);
-    std::vector<cost> summaries;
-    summaries.reserve(costs.size());
-    for (const std::vector<cost> &rounds_of_one : costs) {
-        summaries.push_back(summarize(rounds_of_one));
-    }
     return summaries;
 }
 
@@ -146,7 +146,7 @@ void print_ratio(const char *name, const cost &a, const cost &b) {
 
 // A capture beside the two displays that ask for most of it.
 void measure_captures(const std::string &tarncap, const std::string &tarncmd,
-                      const std::string &driver, int times) {
+                      const std::string &driver) {
     const struct {
         const char *name;
         std::vector<std::string> settings;
@@ -157,8 +157,8 @@ void measure_captures(const std::string &tarncap, const std::string &tarncmd,
          {"BENCH_PORTS=2000", "BENCH_DOMAINS=64", "BENCH_MACS=626", "BENCH_VLAN_MODE=1"}},
     };
     for (const auto &host : hosts) {
-        const std::vector<cost> costs = measure({{tarncap}, {tarncmd, "show port; show l2 all"}},
-                                                host.settings, driver, 20 * times);
+        const std::vector<cost> costs =
+            measure({{tarncap}, {tarncmd, "show port; show l2 all"}}, host.settings, driver, 20, 1);
         print_costs((std::string(host.name) + ": tarncap").c_str(), costs[0]);
         print_costs("show port; show l2 all", costs[1]);
         print_ratio("tarncap/(show port; show l2 all)", costs[0], costs[1]);
@@ -169,7 +169,7 @@ void measure_captures(const std::string &tarncap, const std::string &tarncmd,
 
 int main(int argc, char *argv[]) {
     if (argc == 5 && strcmp(argv[1], "--captures") == 0) {
-        measure_captures(argv[2], argv[3], argv[4], 1);
+        measure_captures(argv[2], argv[3], argv[4]);
         return 0;
     }
     const int times = argc == 6 ? atoi(argv[5]) : 1;
@@ -196,6 +196,7 @@ int main(int argc, char *argv[]) {
          "l2",
          60},
         {"show stats, 1,000 ports", {"BENCH_PORTS=1000"}, {"show", "stats"}, "stats", 300},
+        {"show stats, 10,000 ports", {"BENCH_PORTS=10000"}, {"show", "stats"}, "stats", 60},
     };
     printf("| %-44s | %8s | %8s | %8s | %8s |\n", "", "user ms", "sys ms", "wall ms", "peak KiB");
     printf("|---|---|---|---|---|\n");
@@ -211,7 +212,7 @@ int main(int argc, char *argv[]) {
             return 1;
         }
         const std::vector<cost> costs = measure({tarncmd, printing, writing}, measured.settings,
-                                                driver, measured.rounds * times);
+                                                driver, measured.rounds, times);
         print_costs((std::string(measured.name) + ": (a)").c_str(), costs[0]);
         print_costs("(b) bare, printf a row", costs[1]);
         print_costs("(c) bare, one write", costs[2]);
@@ -219,7 +220,7 @@ int main(int argc, char *argv[]) {
         print_ratio("(a)/(c)", costs[0], costs[2]);
     }
     const std::vector<cost> costs =
-        measure({{tool, "show", "version"}, {argv[3]}}, {}, driver, 500 * times);
+        measure({{tool, "show", "version"}, {argv[3]}}, {}, driver, 300, times);
     print_costs("show version: (a)", costs[0]);
     print_costs("(b) one request in C", costs[1]);
     print_ratio("(a)/(b)", costs[0], costs[1]);

@@ -35,18 +35,21 @@ struct match {
 
 constexpr int WORDS = KESTREL_CMD_KEYWORDS + 1;
 
+bool is_match(const char *word, const char *keyword) {
+    return word != nullptr && keyword != nullptr && stris(word, keyword) == 0;
+}
+
 match find_deepest(const kestrel_cmd_row *table, const char *const words[WORDS]) {
     match best{-1, -1};
     for (int row = 0; table[row].kind != KESTREL_CMD_END; ++row) {
-        if (table[row].handler == nullptr) {
+        const char *const *keywords = table[row].keywords;
+        // Most rows are settled by the first keyword that would make them deeper than the best.
+        const int deeper = best.depth + 1;
+        if (table[row].handler == nullptr || deeper == KESTREL_CMD_KEYWORDS ||
+            !is_match(words[deeper], keywords[deeper])) {
             continue;
         }
-        const char *const *keywords = table[row].keywords;
-        for (int k = 0; k < KESTREL_CMD_KEYWORDS; ++k) {
-            if (words[k] == nullptr || keywords[k] == nullptr ||
-                stris(words[k], keywords[k]) != 0) {
-                break;
-            }
+        for (int k = 0; k < KESTREL_CMD_KEYWORDS && is_match(words[k], keywords[k]); ++k) {
             if (k > best.depth) {
                 best = {row, k};
             }
