@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <thread>
@@ -322,6 +323,23 @@ TEST_F(AgentSocketPath, WithoutAnAgentTheConnectLineSaysWhy) {
     EXPECT_EQ(status, 1U);
     EXPECT_EQ(kx_tarncmd_call_fd, -1);
     EXPECT_EQ(kx_tarncmd_api_exit(), -1);
+}
+
+TEST(AgentSocketDescriptor, IsMissedInOneLine) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    uint32_t word = 0;
+    uint32_t status = 0;
+    const std::string traced = traced_by([&] {
+        const int next = dup(STDOUT_FILENO);
+        close(next);
+        const rlimit none_left = {static_cast<rlim_t>(next), before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none_left);
+        status = kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr);
+        setrlimit(RLIMIT_NOFILE, &before);
+    });
+    EXPECT_EQ(traced, "dpa_platform_open: Error opening local socket\n");
+    EXPECT_EQ(status, 1U);
 }
 
 } // namespace

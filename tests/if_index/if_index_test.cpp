@@ -27,6 +27,7 @@ TEST(IfIndex, Types) {
     EXPECT_EQ(if_index_get_next_type(&type), IF_INDEX_NO_MORE);
     EXPECT_EQ(type, 80);
     EXPECT_TRUE(if_index_is_type_valid_in_current_release(0));
+    EXPECT_EQ(if_index_get_next_type(nullptr), 14);
 
     for (uint32_t top = 0; top < 256; top++) {
         const uint32_t number = top & 127;
