@@ -4,6 +4,7 @@
 #include "tests/infra/printed_by.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -30,8 +31,11 @@ std::function<void()> while_asleep;
 // What all sleeps were to take.
 std::chrono::microseconds slept;
 
-// The most bytes that one write takes.
+// The most bytes that one write takes, how many of the next ones fail, and whether one would not
+// have waited for room.
 size_t write_limit = SIZE_MAX;
+int failing_writes = 0;
+bool writes_do_not_wait = false;
 
 } // namespace
 
@@ -50,6 +54,12 @@ extern "C" unsigned sleep(unsigned seconds) {
 }
 
 extern "C" ssize_t write(int fd, const void *data, size_t size) {
+    writes_do_not_wait |= (fcntl(fd, F_GETFL) & O_NONBLOCK) != 0;
+    if (failing_writes > 0) {
+        failing_writes--;
+        errno = EIO;
+        return -1;
+    }
     return syscall(SYS_write, fd, data, std::min(size, write_limit));
 }
 
@@ -236,12 +246,21 @@ TEST_F(DpaCommand, SendsExactlyTheseMessages) {
          "=>dpa command is: " + std::string(250, 'c') + "\n\n"},
         {"", "", "=>dpa command is: \nNo command\n"},
     };
+    writes_do_not_wait = false;
     for (const auto &row : rows) {
         EXPECT_EQ(run(row.command.c_str(), [] {}), row.printed);
         EXPECT_EQ(take_from_pipe(), messages(row.sent));
         EXPECT_EQ(result, 0);
         EXPECT_FALSE(output_exists());
     }
+    EXPECT_FALSE(writes_do_not_wait);
+}
+
+TEST_F(DpaCommand, ARedirectionThatFailsSendsNoCommand) {
+    failing_writes = 1;
+    EXPECT_EQ(run("x", [] {}), "Write error 5 - Input/output error\nwrite failed\n");
+    EXPECT_EQ(take_from_pipe(), std::string("redirect reset \0", 16));
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(DpaCommand, FailuresBeforeTheConversationEndTheCommand) {

@@ -14,6 +14,7 @@
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -39,6 +40,16 @@ std::string pattern(size_t size, unsigned step) {
     for (size_t i = 0; i < size; i++)
         bytes[i] = static_cast<char>(1 + i * step % 251);
     return bytes;
+}
+
+// No command of the tool sends them yet.
+TEST(AgentOpcodes, AreTheAgentsNumbers) {
+    EXPECT_EQ((std::vector<int>{
+                  KXTARNCMD_OP_MULTICAST_VLAN, KXTARNCMD_OP_VLAN_COUNT, KXTARNCMD_OP_VLAN_LIST,
+                  KXTARNCMD_OP_VLAN_INFO, KXTARNCMD_OP_PROFILE_COUNT, KXTARNCMD_OP_PROFILE_LIST,
+                  KXTARNCMD_OP_PROFILE_ENTRY, KXTARNCMD_OP_PROFILE_INFO, KXTARNCMD_OP_VLAN_DETAIL,
+                  KXTARNCMD_OP_VLAN_DETAIL_2, KXTARNCMD_OP_SECURE_PORT_STATS}),
+              (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 13}));
 }
 
 // A fault in the exchange must not leave both sides waiting.
