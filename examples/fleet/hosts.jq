@@ -1,0 +1,43 @@
+# The hosts of a throwaway fleet, made from the built-in one: $count of them, one a line.
+#
+#     tarnlab --print-host | jq -c --argjson count 20 -f hosts.jq
+#
+# They hold different virtual machines, on ports of the same names, and learn each other's addresses. Some
+# differ in what an operator would look for.
+
+def hex: [(. / 16 | floor), . % 16] | map("0123456789abcdef"[.:. + 1]) | add;
+
+def port($name): .ports[] | select(.name == $name);
+
+# Everything that is enabled works.
+def healed:
+    del(.agent) # there is room for one on a machine
+    | del(.ports[].error, .ports[].krt)
+    | port("firewall.eth0").vlans = "10,20,30"
+    | (.ports[] | select(.admin == "up")) |= (.link = "up" | .forwarding = true
+        | if .vlans then .forwards_on = .vlans else . end);
+
+# The machines of this host, apart from those of the others.
+def with_number($number):
+    walk(if type == "string" then sub("^00:50:56:(?<kind>60|aa):00:"; "00:50:56:\(.kind):\($number | hex):")
+         else . end)
+    | .card.name = "host\($number).example.com"
+    | .card.slot = $number + 2
+    | .management_address = "10.193.4.\($number)";
+
+def with_neighbour($number):
+    (.l2.tables[] | select(.bridge_domain == 2).entries)
+        += [{mac: "00:50:56:aa:\($number | hex):01", ltl: 1040, age: $number}];
+
+def with_fault($number):
+    if $number == 4 then .card.versions.hmx = "2.3.0" else . end
+    | if $number % 5 == 2 then port("vmnic2") |= (.link = "down" | .forwarding = false) else . end
+    | if $number % 8 == 3 then port("web-5.eth0") |= (.error = "bpdu" | .forwarding = false) else . end
+    | if $number % 8 == 1 then port("app-1.eth0") |= (.error = "storm" | .forwarding = false) else . end;
+
+healed as $healthy
+| range(1; $count + 1) as $number
+| $healthy
+| with_number($number)
+| with_neighbour($number % $count + 1)
+| with_fault($number)
