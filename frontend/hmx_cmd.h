@@ -36,7 +36,7 @@
 #endif
 
 /* The version of this header and its libraries. */
-#define HMX_CMD_VERSION "1.1.0"
+#define HMX_CMD_VERSION "1.2.0"
 
 #include <stdint.h>
 

@@ -11,7 +11,8 @@
 namespace {
 
 TEST(AddressText, Forms) {
-    const uint8_t bytes[16] = {0x00, 0x1a, 10, 0xff, 0x02, 0xb0};
+    const uint8_t bytes[16] = {0x00, 0x1a, 10,   0xff, 0x02, 0xb0, 0x67, 0x78,
+                               0x89, 0x9a, 0xab, 0xbc, 0xcd, 0xde, 0xef, 0xf1};
     char text[64];
     EXPECT_EQ(snprintf_mac_address(text, sizeof text, bytes), 17);
     EXPECT_STREQ(text, "00:1a:0a:ff:02:b0");
@@ -19,7 +20,7 @@ TEST(AddressText, Forms) {
     EXPECT_STREQ(text, "00:1a");
     EXPECT_EQ(snprintf_mac_address(nullptr, 0, bytes), 17);
     EXPECT_EQ(snprintf_ipv6_address(text, sizeof text, bytes), 39);
-    EXPECT_STREQ(text, "001a:0aff:02b0:0000:0000:0000:0000:0000");
+    EXPECT_STREQ(text, "001a:0aff:02b0:6778:899a:abbc:cdde:eff1");
     EXPECT_EQ(snprintf_ipv6_address(text, 6, bytes), 39);
     EXPECT_STREQ(text, "001a:");
 
