@@ -11,6 +11,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <iterator>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,7 +34,9 @@ constexpr int IDLE_READS_LIMIT = 20;
 
 // An agent that is busy opens its pipe late. It is waited for as long as its output is.
 constexpr int PIPE_READER_TRIES = 200;
-constexpr useconds_t PIPE_READER_PAUSE = 100'000; // microseconds
+constexpr int PIPE_READER_PAUSE = 100; // milliseconds
+
+constexpr int ONE_SECOND = 1000; // milliseconds
 
 // These end the conversation in order, before they do what they did without it.
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGHUP, SIGTERM};
@@ -41,18 +44,32 @@ constexpr int ENDING_SIGNALS[] = {SIGINT, SIGHUP, SIGTERM};
 // The last of them that came, 0 for none.
 volatile sig_atomic_t ended_by = 0;
 
+// Who read standard output has gone away, as when ssh is killed. Only a write would bring a signal,
+// and a conversation that waits writes nothing: every wait looks for it.
+bool reader_is_gone = false;
+
 void end_conversation(int signal) {
     ended_by = signal;
+}
+
+bool is_over() {
+    return ended_by != 0 || reader_is_gone;
 }
 
 // What the process did on a signal before, a host's own handlers among it.
 struct ending_dispositions {
     struct sigaction before[std::size(ENDING_SIGNALS)];
+    struct sigaction on_broken_pipe;
 };
 
 // No wait is taken up again behind one of the signals. One that is ignored, as a hang-up under
-// nohup, stays so.
+// nohup, stays so. A broken pipe waits until the file is removed: an agent that goes away in the
+// middle is a failed write and not the end of the tool, and a standard output that went away is
+// looked for.
 void catch_ending_signals(ending_dispositions *dispositions) {
+    struct sigaction ignored {};
+    ignored.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &ignored, &dispositions->on_broken_pipe);
     struct sigaction caught {};
     caught.sa_handler = end_conversation;
     for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
@@ -67,12 +84,26 @@ void restore_ending_signals(const ending_dispositions &dispositions) {
     for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
         sigaction(ENDING_SIGNALS[i], &dispositions.before[i], nullptr);
     }
+    sigaction(SIGPIPE, &dispositions.on_broken_pipe, nullptr);
 }
 
-// An operator sees the output as it comes, also behind a pipe.
-void sleep_a_second() {
+// A pipe says that it has no reader by POLLERR, a socket by POLLHUP, a file never.
+bool tells_of_no_reader(const pollfd &output) {
+    return (output.revents & (POLLERR | POLLHUP)) != 0;
+}
+
+// Wait, less when one of the signals comes or nobody reads standard output any more. An operator
+// sees the output as it comes, also behind a pipe.
+void wait_for(int milliseconds) {
     fflush(stdout);
-    sleep(1);
+    pollfd output = {STDOUT_FILENO, 0, 0};
+    const int found = poll(&output, 1, milliseconds);
+    if (found > 0 && tells_of_no_reader(output)) {
+        reader_is_gone = true;
+    } else if (found > 0 || (found < 0 && errno != EINTR)) {
+        // Standard output is closed, or cannot be looked at.
+        usleep(static_cast<useconds_t>(milliseconds) * 1000);
+    }
 }
 
 bool is_own_file(const struct stat &file) {
@@ -130,14 +161,13 @@ bool lacks_a_reader(int pipe) {
            S_ISFIFO(found.st_mode);
 }
 
-// Returns the descriptor, whose writes wait as usual, or -1 after a line; -1 without one when a
-// signal ended the wait for a reader.
+// Returns the descriptor, whose writes wait as usual, or -1 after a line; -1 without one when
+// the conversation was over before a reader came.
 int open_command_pipe() {
     int pipe = try_command_pipe();
     for (int tries = 0; lacks_a_reader(pipe) && tries < PIPE_READER_TRIES; ++tries) {
-        fflush(stdout);
-        usleep(PIPE_READER_PAUSE);
-        if (ended_by != 0) {
+        wait_for(PIPE_READER_PAUSE);
+        if (is_over()) {
             return -1;
         }
         pipe = try_command_pipe();
@@ -155,10 +185,34 @@ int open_command_pipe() {
     return pipe;
 }
 
+// An agent that does not read its pipe leaves it full. It is waited for, but must not keep a
+// process whose conversation is over from ending: from then on writes do not wait.
+void wait_for_room(int pipe) {
+    pollfd watched[] = {{pipe, POLLOUT, 0}, {STDOUT_FILENO, 0, 0}};
+    int ready = 0;
+    while (ready == 0 && !is_over()) {
+        ready = poll(watched, std::size(watched), ONE_SECOND);
+        if (ready == -1 && errno == EINTR) {
+            ready = 0;
+        }
+    }
+    if (ready > 0 && tells_of_no_reader(watched[1])) {
+        reader_is_gone = true;
+    }
+    if (is_over()) {
+        fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) | O_NONBLOCK);
+    }
+}
+
+bool send_to_agent(int pipe, const char *message, size_t length) {
+    wait_for_room(pipe);
+    return kx_send_to_fd(pipe, message, static_cast<int>(length)) == 0;
+}
+
 bool redirect_to(int pipe, const char *file_name) {
     char message[PIPE_MESSAGE_SIZE];
     snprintf(message, sizeof message, "%s %s", REDIRECT_SET, file_name);
-    return kx_send_to_fd(pipe, message, static_cast<int>(strlen(message)) + 1) == 0;
+    return send_to_agent(pipe, message, strlen(message) + 1);
 }
 
 void send_command(int pipe, const char *command) {
@@ -170,8 +224,8 @@ void send_command(int pipe, const char *command) {
     }
     const size_t length = std::min(strlen(message), sizeof message - 2);
     message[length] = '\n';
-    if (kx_send_to_fd(pipe, message, static_cast<int>(length) + 1) == 0) {
-        sleep_a_second();
+    if (send_to_agent(pipe, message, length + 1)) {
+        wait_for(ONE_SECOND);
     } else {
         printf("write failed");
     }
@@ -181,21 +235,17 @@ void send_command(int pipe, const char *command) {
 // redirecting.
 void run_in_agent(int pipe, int file, const char *file_name, const char *command) {
     if (redirect_to(pipe, file_name)) {
-        sleep_a_second();
-        if (ended_by == 0) {
+        wait_for(ONE_SECOND);
+        if (!is_over()) {
             printf("=>dpa command is: %s\n", command);
             send_command(pipe, command);
         }
     } else {
         printf("write failed");
     }
-    if (ended_by != 0) {
-        // An agent that does not read its pipe must not keep the process from ending.
-        fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) | O_NONBLOCK);
-    }
-    if (kx_send_to_fd(pipe, REDIRECT_RESET, sizeof REDIRECT_RESET) != 0) {
+    if (!send_to_agent(pipe, REDIRECT_RESET, sizeof REDIRECT_RESET)) {
         printf("write failed");
-    } else if (ended_by == 0) {
+    } else if (!is_over()) {
         kx_read_out_from_fd(file);
         printf("\n");
     }
@@ -211,21 +261,13 @@ int run_command(const char *command) {
         return -1;
     }
     const int pipe = open_command_pipe();
-    if (pipe == -1 && ended_by == 0) {
+    if (pipe == -1 && !is_over()) {
         // Deliberate: without an agent the created file stays, and so does its descriptor.
         return -1;
     }
     if (pipe != -1) {
-        // An agent that goes away in the middle is a failed write, not the end of the tool. A
-        // standard output that went away still is: it always has a last line to write behind the
-        // restored signal.
-        struct sigaction ignored {};
-        struct sigaction on_broken_pipe {};
-        ignored.sa_handler = SIG_IGN;
-        sigaction(SIGPIPE, &ignored, &on_broken_pipe);
         run_in_agent(pipe, file, file_name, command);
         close(pipe);
-        sigaction(SIGPIPE, &on_broken_pipe, nullptr);
     }
     close(file);
     unlink(file_name);
@@ -264,14 +306,18 @@ const char *kx_read_out_from_fd(int fd) {
     char window[END_MARKER_LENGTH - 1 + READ_SIZE];
     size_t carried = 0;
     int idle_reads = 0;
-    while (ferror(stdout) == 0 && ended_by == 0) {
+    while (!is_over()) {
+        if (ferror(stdout) != 0) {
+            wait_for(0); // whether it was the reader that went away
+            break;
+        }
         const ssize_t got = read(fd, window + carried, READ_SIZE);
         if (got < 0 || idle_reads == IDLE_READS_LIMIT) {
             break;
         }
         if (got == 0) {
             ++idle_reads;
-            sleep_a_second();
+            wait_for(ONE_SECOND);
             continue;
         }
         idle_reads = 0;
@@ -295,11 +341,12 @@ int kx_dpa_cmd(const char *arg) {
     catch_ending_signals(&dispositions);
     const int result = run_command(arg);
     restore_ending_signals(dispositions);
-    const int signal = ended_by;
-    ended_by = 0;
-    if (signal == 0) {
+    if (!is_over()) {
         return result;
     }
+    const int signal = ended_by != 0 ? ended_by : SIGPIPE;
+    ended_by = 0;
+    reader_is_gone = false;
     fflush(stdout);
     raise(signal);
     // A host process has outlived the signal; the commands behind this one have not.

@@ -48,9 +48,19 @@ extern "C" int usleep(useconds_t microseconds) {
     return 0;
 }
 
-extern "C" unsigned sleep(unsigned seconds) {
-    usleep(seconds * 1'000'000);
-    return 0;
+// The tool sleeps with an eye on its standard output.
+extern "C" int poll(pollfd *watched, nfds_t count, int milliseconds) {
+    const auto look = [&](int time) {
+        return static_cast<int>(syscall(SYS_poll, watched, count, time));
+    };
+    if (!while_asleep || count != 1 || watched->fd != STDOUT_FILENO || milliseconds == 0)
+        return look(milliseconds);
+    const int before = look(0);
+    if (before != 0)
+        return before;
+    slept += std::chrono::milliseconds(milliseconds);
+    while_asleep();
+    return look(0);
 }
 
 extern "C" ssize_t write(int fd, const void *data, size_t size) {
@@ -434,7 +444,17 @@ TEST_F(DpaCommandSignals, EndTheConversationInOrder) {
 struct child_end {
     pid_t process;
     int status;
+    bool ended_by(int signal) const {
+        return WIFSIGNALED(status) && WTERMSIG(status) == signal;
+    }
 };
+
+child_end end_of(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_NE(unlink(output_of(child).c_str()), 0) << "the output file was left behind";
+    return {child, status};
+}
 
 // Run the command in a child, with `signal` in its first sleep.
 child_end run_in_child(int signal, void (*disposition)(int)) {
@@ -450,16 +470,13 @@ child_end run_in_child(int signal, void (*disposition)(int)) {
             _exit(kx_dpa_cmd("x"));
         _exit(1);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_NE(unlink(output_of(child).c_str()), 0) << "the output file was left behind";
-    return {child, status};
+    return end_of(child);
 }
 
 TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
     for (const int signal : {SIGINT, SIGHUP, SIGTERM}) {
         const child_end ended = run_in_child(signal, SIG_DFL);
-        EXPECT_TRUE(WIFSIGNALED(ended.status) && WTERMSIG(ended.status) == signal) << signal;
+        EXPECT_TRUE(ended.ended_by(signal)) << signal;
         EXPECT_EQ(take_from_pipe(), messages("", ended.process));
         const child_end ignored = run_in_child(signal, SIG_IGN);
         EXPECT_EQ(ignored.status, 0);
@@ -468,7 +485,120 @@ TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
     // Also while it waits for a reader.
     paths.close_descriptors();
     const child_end waiting = run_in_child(SIGINT, SIG_DFL);
-    EXPECT_TRUE(WIFSIGNALED(waiting.status) && WTERMSIG(waiting.status) == SIGINT);
+    EXPECT_TRUE(waiting.ended_by(SIGINT));
+}
+
+// Opens the two ends of an output, the reader's first.
+void open_pipe(int (&ends)[2]) {
+    ASSERT_EQ(pipe(ends), 0);
+}
+void open_socket(int (&ends)[2]) {
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+}
+void open_file(int (&ends)[2]) {
+    ends[0] = open("/dev/null", O_RDONLY);
+    ends[1] = open("/tmp", O_TMPFILE | O_WRONLY, 0600);
+}
+void open_null(int (&ends)[2]) {
+    ends[0] = open("/dev/null", O_RDONLY);
+    ends[1] = open("/dev/null", O_WRONLY);
+}
+void open_nothing(int (&ends)[2]) {
+    ends[0] = open("/dev/null", O_RDONLY);
+    ends[1] = -1;
+}
+
+constexpr int GONE_BEFORE = 0;
+constexpr int STAYS = 1000;
+constexpr int ALL_SLEEPS = 22; // two behind the messages, and the idle ones
+constexpr int STOPPED = 100;
+
+// Run the command in a child whose reader goes away in a sleep, from 1. The child exits with the
+// number of its sleeps, and STOPPED more when the commands behind it do not run.
+child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*on_broken)(int)) {
+    fflush(stdout);
+    const pid_t child = fork();
+    if (child != 0)
+        return end_of(child);
+    alarm(10);
+    std::signal(SIGPIPE, on_broken);
+    int ends[2];
+    open_output(ends);
+    fcntl(STDOUT_FILENO, F_SETFD, FD_CLOEXEC);
+    if (ends[1] == -1)
+        close(STDOUT_FILENO);
+    else
+        dup2(ends[1], STDOUT_FILENO);
+    close(ends[1]);
+    if (gone_at == GONE_BEFORE)
+        close(ends[0]);
+    printf("the rows of the command before");
+    int sleeps = 0;
+    while_asleep = [&] {
+        if (++sleeps == gone_at)
+            close(ends[0]);
+    };
+    const int result = kx_dpa_cmd("x");
+    _exit(sleeps + (result == -2 ? STOPPED : 0));
+}
+
+TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
+    const struct {
+        void (*open_output)(int (&)[2]);
+        int gone_at;
+        std::string command;
+        int sleeps;
+    } rows[] = {
+        {open_pipe, GONE_BEFORE, "", 0},
+        {open_pipe, 1, "", 1},
+        {open_pipe, 2, "x\n", 2},
+        {open_pipe, 9, "x\n", 9},
+        {open_socket, 1, "", 1},
+        {open_socket, 9, "x\n", 9},
+        {open_pipe, STAYS, "x\n", ALL_SLEEPS},
+        {open_socket, STAYS, "x\n", ALL_SLEEPS},
+        {open_file, 1, "x\n", ALL_SLEEPS},
+        {open_null, 1, "x\n", ALL_SLEEPS},
+        {open_nothing, STAYS, "x\n", 2}, // there is nothing to copy to
+    };
+    for (const auto &row : rows) {
+        const auto number = &row - rows;
+        const bool gone = row.sleeps == row.gone_at;
+        child_end seen = run_until_unread(row.open_output, row.gone_at, SIG_DFL);
+        if (gone)
+            EXPECT_TRUE(seen.ended_by(SIGPIPE)) << number << ": " << seen.status;
+        else
+            EXPECT_EQ(seen.status, W_EXITCODE(row.sleeps, 0)) << number;
+        EXPECT_EQ(take_from_pipe(), messages(row.command, seen.process)) << number;
+        seen = run_until_unread(row.open_output, row.gone_at, SIG_IGN);
+        EXPECT_EQ(seen.status, W_EXITCODE(row.sleeps + (gone ? STOPPED : 0), 0)) << number;
+        EXPECT_EQ(take_from_pipe(), messages(row.command, seen.process)) << number;
+    }
+    // Also while it waits for the agent.
+    paths.close_descriptors();
+    for (const int gone_at : {GONE_BEFORE, 1, 9})
+        EXPECT_TRUE(run_until_unread(open_pipe, gone_at, SIG_DFL).ended_by(SIGPIPE)) << gone_at;
+}
+
+// An agent that does not read its pipe is waited for, but not beyond the reader of the output.
+TEST_F(DpaCommand, WaitsForRoomInThePipe) {
+    const std::string filling(4096, 'f');
+    const auto fill = [&] {
+        while (syscall(SYS_write, paths.pipe(), filling.data(), filling.size()) > 0) {
+        }
+    };
+    fill();
+    EXPECT_TRUE(run_until_unread(open_pipe, GONE_BEFORE, SIG_DFL).ended_by(SIGPIPE));
+    fill();
+    const pid_t agent = fork();
+    if (agent == 0) {
+        usleep(20'000);
+        while (take_from_pipe()[0] == 'f') {
+        }
+        _exit(0);
+    }
+    EXPECT_EQ(run_until_unread(open_pipe, STAYS, SIG_DFL).status, W_EXITCODE(ALL_SLEEPS, 0));
+    waitpid(agent, nullptr, 0);
 }
 
 } // namespace

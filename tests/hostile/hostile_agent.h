@@ -1,9 +1,9 @@
 // The agent and the host's shell as a hostile run finds them: at the command pipe, and behind
 // popen.
 //
-// Linked into a program, this module takes over popen, pclose, open, unlink, sleep and usleep. The
-// tool's output files lie in /tmp, and nothing waits: the agent acts while the tool believes that
-// it sleeps.
+// Linked into a program, this module takes over popen, pclose, open, unlink and poll. The tool's
+// output files lie in /tmp, and nothing waits: the agent acts while the tool believes that it
+// sleeps.
 #ifndef TESTS_HOSTILE_HOSTILE_AGENT_H
 #define TESTS_HOSTILE_HOSTILE_AGENT_H
 
