@@ -13,8 +13,6 @@ constexpr size_t OPCODES = 2048; // more than the driver has
 constexpr auto BEFORE_PROGRESS = std::chrono::seconds(1);
 constexpr auto BETWEEN_PROGRESS = std::chrono::milliseconds(100);
 
-constexpr const char *CLEAR_LINE = "\r\033[K";
-
 bool is_written(byte_span reply, byte_span before) {
     return before.empty()
                ? std::any_of(reply.begin(), reply.end(), [](uint8_t byte) { return byte != 0; })
@@ -23,8 +21,8 @@ bool is_written(byte_span reply, byte_span before) {
 
 } // namespace
 
-inquiry::inquiry(bool shows_progress)
-    : tallies_(OPCODES), shows_progress_(shows_progress),
+inquiry::inquiry(bool shows_progress, bool (*is_wanted)())
+    : tallies_(OPCODES), shows_progress_(shows_progress), is_wanted_(is_wanted),
       next_progress_(std::chrono::steady_clock::now() + BEFORE_PROGRESS) {
 }
 
@@ -122,21 +120,30 @@ std::vector<std::string> inquiry::reports() const {
     return lines;
 }
 
+void inquiry::look_around() {
+    given_up_ = is_wanted_ != nullptr && !is_wanted_();
+    if (shows_progress_) {
+        show_progress();
+    }
+}
+
 void inquiry::show_progress() {
     const auto now = std::chrono::steady_clock::now();
     if (now < next_progress_) {
         return;
     }
     next_progress_ = now + BETWEEN_PROGRESS;
-    progress_shown_ = true;
-    std::fprintf(stderr, "%starncap: %s, %llu requests", CLEAR_LINE, asking_about_,
-                 static_cast<unsigned long long>(requests_));
+    // Blanks cover what is left of the line before; not every terminal knows a sequence for that.
+    const auto width = static_cast<int>(progress_.size());
+    progress_ =
+        std::string("tarncap: ") + asking_about_ + ", " + std::to_string(requests_) + " requests";
+    std::fprintf(stderr, "\r%-*s", width, progress_.c_str());
     std::fflush(stderr);
 }
 
 void inquiry::end_progress() {
-    if (progress_shown_) {
-        std::fputs(CLEAR_LINE, stderr);
+    if (!progress_.empty()) {
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(progress_.size()), "");
     }
     shows_progress_ = false;
 }

@@ -84,7 +84,8 @@ template <typename Record> byte_span bytes_of(const Record &record) {
 class inquiry {
 public:
     // With `shows_progress`, what is being asked shows on standard error once a second has passed.
-    explicit inquiry(bool shows_progress = false);
+    // `is_wanted` is called now and then; once it returns false nothing more is asked.
+    explicit inquiry(bool shows_progress = false, bool (*is_wanted)() = nullptr);
 
     // What is asked about from now on, in an operator's words.
     void begin(const char *what) {
@@ -245,7 +246,7 @@ private:
     static constexpr size_t KEPT_LIMIT = size_t{1} << 16;
     static constexpr uint32_t HOPELESS_WALKS = 3;
 
-    static constexpr uint64_t REQUESTS_BETWEEN_LOOKS = 64; // at the clock
+    static constexpr uint64_t REQUESTS_BETWEEN_LOOKS = 64;
 
     template <typename Input>
     static driver_request with_input(kxdpa_opcode opcode, uint32_t argument, const Input &input) {
@@ -264,14 +265,15 @@ private:
                  byte_span before, byte_span reply,
                  std::optional<uint32_t> returned = std::nullopt);
     bool may_ask() {
-        if (requests_ == REQUESTS_LIMIT) {
+        if (requests_ == REQUESTS_LIMIT || given_up_) {
             return false;
         }
-        if (++requests_ % REQUESTS_BETWEEN_LOOKS == 0 && shows_progress_) {
-            show_progress();
+        if (++requests_ % REQUESTS_BETWEEN_LOOKS == 0) {
+            look_around();
         }
         return true;
     }
+    void look_around();
     void show_progress();
 
     std::vector<tally> tallies_; // by opcode
@@ -281,7 +283,9 @@ private:
     const char *asking_about_ = "";
     uint64_t requests_ = 0;
     bool shows_progress_;
-    bool progress_shown_ = false;
+    std::string progress_; // the line that is shown
+    bool (*is_wanted_)();
+    bool given_up_ = false;
     std::chrono::steady_clock::time_point next_progress_;
 };
 

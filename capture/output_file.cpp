@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,11 +13,28 @@
 
 namespace {
 
-// Where the bytes go first, and where they belong.
 struct destination {
     std::string target;
-    std::string beside; // empty when the target is written as it is
-    int file = -1;
+    bool replaced = true; // false for what is written as it is
+    mode_t mode = 0;      // of what replaces it
+};
+
+// While a file has a name that is not to stay, no signal ends the process.
+class held_back_signals {
+public:
+    held_back_signals() {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_BLOCK, &all, &before_);
+    }
+    ~held_back_signals() {
+        sigprocmask(SIG_SETMASK, &before_, nullptr);
+    }
+    held_back_signals(const held_back_signals &) = delete;
+    held_back_signals &operator=(const held_back_signals &) = delete;
+
+private:
+    sigset_t before_{};
 };
 
 bool fail(const std::string &path, std::string &error) {
@@ -30,27 +48,40 @@ mode_t mode_of_new_file() {
     return 0666 & ~mask;
 }
 
-bool open_beside(destination &to, mode_t mode) {
-    to.beside = to.target + ".XXXXXX";
-    to.file = mkostemp(to.beside.data(), O_CLOEXEC);
-    return to.file != -1 && fchmod(to.file, mode) == 0;
-}
-
-bool open_destination(const std::string &path, destination &to) {
+bool find_destination(const std::string &path, destination &to) {
     to.target = path;
+    to.mode = mode_of_new_file();
     struct stat present {};
     if (stat(path.c_str(), &present) != 0) {
-        return errno == ENOENT && open_beside(to, mode_of_new_file());
+        return errno == ENOENT;
     }
-    if (!S_ISREG(present.st_mode)) {
-        to.file = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-        return to.file != -1;
-    }
+    to.replaced = S_ISREG(present.st_mode);
+    to.mode = present.st_mode & 07777;
     char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved) != nullptr) {
+    if (to.replaced && realpath(path.c_str(), resolved) != nullptr) {
         to.target = resolved;
     }
-    return open_beside(to, present.st_mode & 07777);
+    return true;
+}
+
+std::string folder_of(const std::string &path) {
+    return path.substr(0, path.rfind('/') + 1) + ".";
+}
+
+// A name in the target's folder. The target's own may already be as long as a name can be.
+std::string name_beside(const destination &to, const std::string &ending) {
+    return folder_of(to.target) + "/.tarncap-" + ending;
+}
+
+// Returns false, with errno as it is.
+bool give_up(int file, const std::string &name) {
+    const int reason = errno;
+    if (file != -1) {
+        close(file);
+    }
+    unlink(name.c_str());
+    errno = reason;
+    return false;
 }
 
 bool write_all(int file, std::string_view text) {
@@ -64,42 +95,85 @@ bool write_all(int file, std::string_view text) {
     return true;
 }
 
-void give_up(const destination &to) {
+bool write_as_it_is(const destination &to, std::string_view text) {
+    const int file = open(to.target.c_str(), O_WRONLY | O_CLOEXEC);
+    const bool written = file != -1 && write_all(file, text);
     const int reason = errno;
-    if (to.file != -1) {
-        close(to.file);
+    const bool closed = file != -1 && close(file) == 0;
+    errno = written ? errno : reason;
+    return written && closed;
+}
+
+// A file without a name is gone when its process is. -1 where the file system has none.
+int open_nameless(const destination &to) {
+    return open(folder_of(to.target).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+}
+
+bool put_in_place(int file, const destination &to) {
+    const std::string nameless = "/proc/self/fd/" + std::to_string(file);
+    const std::string beside = name_beside(to, std::to_string(getpid()));
+    const held_back_signals until_renamed;
+    if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        return false;
     }
-    if (!to.beside.empty()) {
-        unlink(to.beside.c_str());
+    return std::rename(beside.c_str(), to.target.c_str()) == 0 || give_up(-1, beside);
+}
+
+bool write_nameless(const destination &to, std::string_view text) {
+    const int file = open_nameless(to);
+    if (file == -1) {
+        return false;
     }
-    errno = reason;
+    const bool written =
+        write_all(file, text) && fchmod(file, to.mode) == 0 && put_in_place(file, to);
+    close(file);
+    return written;
+}
+
+// Every file system has this way, but a process that is killed leaves the file behind.
+bool write_beside(const destination &to, std::string_view text) {
+    std::string beside = name_beside(to, "XXXXXX");
+    const held_back_signals until_renamed;
+    const int file = mkostemp(beside.data(), O_CLOEXEC);
+    if (file == -1) {
+        return false;
+    }
+    if (!write_all(file, text) || fchmod(file, to.mode) != 0) {
+        return give_up(file, beside);
+    }
+    return (close(file) == 0 && std::rename(beside.c_str(), to.target.c_str()) == 0) ||
+           give_up(-1, beside);
+}
+
+bool can_be_replaced(const destination &to) {
+    int file = open_nameless(to);
+    if (file == -1) {
+        std::string beside = name_beside(to, "XXXXXX");
+        const held_back_signals until_removed;
+        file = mkostemp(beside.data(), O_CLOEXEC);
+        if (file == -1) {
+            return false;
+        }
+        unlink(beside.c_str());
+    }
+    close(file);
+    return true;
 }
 
 } // namespace
 
 bool check_output_file(const std::string &path, std::string &error) {
-    struct stat present {};
-    if (stat(path.c_str(), &present) == 0 && !S_ISREG(present.st_mode)) {
-        // Opening a pipe would wait for its reader, and closing it would end him.
-        return access(path.c_str(), W_OK) == 0 || fail(path, error);
-    }
     destination to;
-    const bool opened = open_destination(path, to);
-    give_up(to);
-    return opened || fail(path, error);
+    // Opening a pipe would wait for its reader, and closing it would end him.
+    const bool writable = find_destination(path, to) &&
+                          (to.replaced ? can_be_replaced(to) : access(path.c_str(), W_OK) == 0);
+    return writable || fail(path, error);
 }
 
 bool write_output_file(const std::string &path, std::string_view text, std::string &error) {
     destination to;
-    if (!open_destination(path, to) || !write_all(to.file, text)) {
-        give_up(to);
-        return fail(path, error);
-    }
-    const bool closed = close(to.file) == 0;
-    to.file = -1;
-    if (!closed || (!to.beside.empty() && std::rename(to.beside.c_str(), to.target.c_str()) != 0)) {
-        give_up(to);
-        return fail(path, error);
-    }
-    return true;
+    const bool written = find_destination(path, to) &&
+                         (to.replaced ? write_nameless(to, text) || write_beside(to, text)
+                                      : write_as_it_is(to, text));
+    return written || fail(path, error);
 }

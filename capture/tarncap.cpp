@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <getopt.h>
+#include <poll.h>
 #include <unistd.h>
 
 int tarncmd_main(int argc, char *argv[]);
@@ -164,15 +165,20 @@ int record(const options &given, int count) {
         return EXIT_CANNOT;
     }
     recording_file = given.record;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         // Not to be restarted: a request that hangs is interrupted as well.
         struct sigaction noting {};
+        struct sigaction before {};
         noting.sa_handler = note_interrupt;
-        sigaction(number, &noting, nullptr);
+        sigaction(number, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) {
+            sigaction(number, &noting, nullptr);
+        }
     }
     recorder_start(&interrupted, save_and_leave);
     // The word before the command stands where the tool's own name would.
     const int value = tarncmd_main(count + 1, given.command - 1);
+    std::fflush(stdout);
     if (interrupted != 0) {
         save_and_leave();
     }
@@ -194,6 +200,13 @@ bool open_driver() {
         return false;
     }
     return true;
+}
+
+// Whether somebody reads standard output: a pipe says by POLLERR that nobody does, a socket by
+// POLLHUP.
+bool is_read() {
+    pollfd output = {STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, 0) != 1 || (output.revents & (POLLERR | POLLHUP)) == 0;
 }
 
 bool write_output(const std::string &path, const std::string &text) {
@@ -218,7 +231,7 @@ int capture(const options &given) {
         return EXIT_CANNOT;
     }
     host_capture host;
-    host.driver = inquiry(isatty(STDERR_FILENO) != 0);
+    host.driver = inquiry(isatty(STDERR_FILENO) != 0, given.output.empty() ? is_read : nullptr);
     capture_host(host, given.keys);
     kx_dpa_api_exit();
     host.driver.end_progress();

@@ -1,6 +1,7 @@
 #include "sim/agent/agent_paths.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -77,6 +78,18 @@ bool clear(const char *path, mode_t kind, bool (*is_served)(), std::string &erro
     return false;
 }
 
+// A signal that would end the process waits until there is nothing left to remove.
+bool is_to_end() {
+    sigset_t waiting;
+    sigpending(&waiting);
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
+        if (sigismember(&waiting, number) == 1) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void close_one(int &descriptor) {
     if (descriptor != -1) {
         close(descriptor);
@@ -112,7 +125,7 @@ bool agent_paths::open(std::string &error) {
 
 bool agent_paths::lock(std::string &error) {
     lock_ = open_socket();
-    for (int tries = 0; tries < LOCK_TRIES; tries++) {
+    for (int tries = 0; tries < LOCK_TRIES && !is_to_end(); tries++) {
         if (bind_to(lock_, LOCK_NAME)) {
             return true;
         }

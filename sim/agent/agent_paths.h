@@ -19,7 +19,8 @@ public:
     // Lock, then open. On failure these return false and set `error` to one line "PATH: reason".
     bool claim(std::string &error);
 
-    // Wait for other agents of this kind, up to 20 seconds.
+    // Wait for other agents of this kind, up to 20 seconds, or until a blocked signal is pending
+    // that asks the process to end.
     bool lock(std::string &error);
 
     // Put both in place. Refuses what somebody else made or serves.

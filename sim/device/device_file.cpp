@@ -128,7 +128,7 @@ bool serve_device_request(int channel, model &driver) {
     if (length == -1 && errno == ENODEV) {
         return false;
     }
-    // ENOENT and EINTR: the caller has given up before its request was read.
+    // ENOENT, EAGAIN and EINTR: the caller has given up before its request was read.
     if (length < static_cast<ssize_t>(sizeof(fuse_in_header))) {
         return true;
     }

@@ -131,7 +131,8 @@ bool mount_channel(int channel) {
 } // namespace
 
 int mount_device_file(std::string &error) {
-    const int channel = open("/dev/fuse", O_RDWR | O_CLOEXEC);
+    // A request that is there may be gone before it is read: with its caller.
+    const int channel = open("/dev/fuse", O_RDWR | O_CLOEXEC | O_NONBLOCK);
     const char *failed = nullptr;
     if (channel == -1) {
         failed = "/dev/fuse";

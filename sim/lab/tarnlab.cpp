@@ -47,6 +47,8 @@ struct lab_run {
     host described;
     int trace = -1;                // -1 for none
     std::vector<uint8_t> met = {}; // by override, not 0 when a request met it
+    int signals = -1;              // where they are read, see ENDING_SIGNALS
+    sigset_t mask_before = {};
 };
 
 // The library is installed beside this program, below ../lib.
@@ -142,42 +144,75 @@ int exit_value_of(int status) {
     return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-// Whoever ends this program means the command; what stands around the command is still removed.
-volatile pid_t running_command = -1;
+// What asks a program to end. From before anything is made that is to be removed they do not come
+// by themselves: they are read from `run.signals` and go to the command.
+constexpr int ENDING_SIGNALS[] = {SIGTERM, SIGHUP, SIGPIPE};
+// A terminal sends these to the command as well.
+constexpr int TERMINAL_SIGNALS[] = {SIGINT, SIGQUIT};
 
-void pass_on(int signal) {
-    if (running_command > 0) {
-        kill(running_command, signal);
+// What is ignored, as a hang-up under nohup, stays so.
+void add_unless_ignored(sigset_t &signals, int number) {
+    struct sigaction now {};
+    sigaction(number, nullptr, &now);
+    if (now.sa_handler != SIG_IGN) {
+        sigaddset(&signals, number);
     }
 }
 
-int run_preloaded(lab_run &run, const preload_channel &channel) {
+bool hold_back_signals(lab_run &run, std::string &error) {
+    sigset_t handled;
+    sigemptyset(&handled);
+    sigaddset(&handled, SIGCHLD);
+    for (const int number : ENDING_SIGNALS) {
+        add_unless_ignored(handled, number);
+    }
+    sigset_t held = handled;
+    for (const int number : TERMINAL_SIGNALS) {
+        add_unless_ignored(held, number);
+    }
+    sigprocmask(SIG_BLOCK, &held, &run.mask_before);
+    run.signals = signalfd(-1, &handled, SFD_CLOEXEC);
+    if (run.signals == -1) {
+        error = std::string("signalfd: ") + std::strerror(errno);
+    }
+    return run.signals != -1;
+}
+
+// One that came before there was a command was meant for it, too; from now on it gets them by
+// itself.
+void leave_terminal_to(pid_t command) {
+    sigset_t waiting;
+    sigpending(&waiting);
+    for (const int number : TERMINAL_SIGNALS) {
+        if (sigismember(&waiting, number) == 1) {
+            kill(command, number);
+        }
+        std::signal(number, SIG_IGN);
+    }
+}
+
+// Returns the process, or -1 after a complaint. Without a channel nothing is preloaded.
+pid_t start_command(const lab_run &run, const preload_channel *channel) {
     const pid_t child = fork();
     if (child == 0) {
-        hand_over(channel);
+        if (channel != nullptr) {
+            hand_over(*channel);
+        }
+        sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
         become_command(run.options);
     }
     if (child == -1) {
         std::perror("tarnlab: fork");
-        return EXIT_CANNOT_RUN;
+        return -1;
     }
-    running_command = child;
-    std::signal(SIGTERM, pass_on);
-    std::signal(SIGHUP, pass_on);
-    // An interrupt from the terminal is the command's to handle.
-    std::signal(SIGINT, SIG_IGN);
-    std::signal(SIGQUIT, SIG_IGN);
-    int status = 0;
-    while (waitpid(child, &status, 0) == -1 && errno == EINTR) {
-    }
-    [[maybe_unused]] const ssize_t got = pread(channel.met, run.met.data(), run.met.size(), 0);
-    return exit_value_of(status);
+    leave_terminal_to(child);
+    return child;
 }
 
-// Answer the device file's requests until the command ends. Signals that ask this program to end
-// are the command's to follow, its end is then ours.
-int serve_command(int channel, int signals, model &driver, pid_t command) {
-    pollfd watched[] = {{channel, POLLIN, 0}, {signals, POLLIN, 0}};
+// Wait for the command's end, and answer the requests of the device file meanwhile where there is
+// one. Whoever ends this program means the command, whose end is then ours.
+int serve_command(pid_t command, int signals, int device = -1, model *driver = nullptr) {
+    pollfd watched[] = {{device, POLLIN, 0}, {signals, POLLIN, 0}};
     int status = 0;
     while (waitpid(command, &status, WNOHANG) != command) {
         if (poll(watched, 2, -1) == -1) {
@@ -188,41 +223,32 @@ int serve_command(int channel, int signals, model &driver, pid_t command) {
             arrived.ssi_signo != SIGCHLD) {
             kill(command, static_cast<int>(arrived.ssi_signo));
         }
-        if (watched[0].revents != 0 && !serve_device_request(channel, driver)) {
+        if (watched[0].revents != 0 && !serve_device_request(device, *driver)) {
             watched[0].fd = -1;
         }
     }
     return exit_value_of(status);
 }
 
-int run_on_device(lab_run &run, int channel) {
+int run_preloaded(lab_run &run, const preload_channel &channel) {
+    const pid_t command = start_command(run, &channel);
+    if (command == -1) {
+        return EXIT_CANNOT_RUN;
+    }
+    const int exit_value = serve_command(command, run.signals);
+    [[maybe_unused]] const ssize_t got = pread(channel.met, run.met.data(), run.met.size(), 0);
+    return exit_value;
+}
+
+int run_on_device(lab_run &run, int device) {
     model driver;
     driver.state = run.described;
     driver.met = [&](size_t place) { run.met[place] = 1; };
     if (run.trace != -1) {
         trace_into(driver, run.trace);
     }
-    sigset_t handled;
-    sigset_t before;
-    sigemptyset(&handled);
-    for (const int number : {SIGCHLD, SIGTERM, SIGHUP}) {
-        sigaddset(&handled, number);
-    }
-    sigprocmask(SIG_BLOCK, &handled, &before);
-    const int signals = signalfd(-1, &handled, SFD_CLOEXEC);
-    const pid_t child = signals == -1 ? -1 : fork();
-    if (child == 0) {
-        sigprocmask(SIG_SETMASK, &before, nullptr);
-        become_command(run.options);
-    }
-    if (child == -1) {
-        std::perror("tarnlab: fork");
-        return EXIT_CANNOT_RUN;
-    }
-    // An interrupt from the terminal reaches the command by itself.
-    std::signal(SIGINT, SIG_IGN);
-    std::signal(SIGQUIT, SIG_IGN);
-    return serve_command(channel, signals, driver, child);
+    const pid_t command = start_command(run, nullptr);
+    return command == -1 ? EXIT_CANNOT_RUN : serve_command(command, run.signals, device, &driver);
 }
 
 // What the host description says for nothing.
@@ -270,7 +296,12 @@ int run(lab_run &run) {
         error = why_not_preloaded(run.options.command[0]);
     }
     run.met.resize(run.described.overrides.size());
-    const int exit_value = error.empty() ? run_on_host(run, error) : -1;
+    const bool ready = error.empty() && hold_back_signals(run, error);
+    const int exit_value = ready ? run_on_host(run, error) : -1;
+    if (ready) {
+        // One that ended the wait for the agent's paths ends this program here.
+        sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
+    }
     if (exit_value == -1) {
         complain(error);
         return EXIT_WRONG_USE;
@@ -302,11 +333,24 @@ int print(std::string_view text) {
     return EXIT_FAILURE;
 }
 
+// Files that are opened here must not take the place of closed standard streams, whose texts would
+// go there. The command finds them closed.
+void fill_standard_streams() {
+    int file = STDIN_FILENO;
+    while (file != -1 && file <= STDERR_FILENO) {
+        file = open("/dev/null", O_RDWR | O_CLOEXEC);
+    }
+    if (file != -1) {
+        close(file);
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
     // Whoever started this program may have left it ignored, and then no child can be waited for.
     std::signal(SIGCHLD, SIG_DFL);
+    fill_standard_streams();
     lab_run planned;
     std::string error;
     if (!read_options(argc, argv, planned.options, error)) {
