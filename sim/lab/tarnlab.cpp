@@ -223,7 +223,8 @@ int serve_command(pid_t command, int signals, int device = -1, model *driver = n
             arrived.ssi_signo != SIGCHLD) {
             kill(command, static_cast<int>(arrived.ssi_signo));
         }
-        if (watched[0].revents != 0 && !serve_device_request(device, *driver)) {
+        if (driver != nullptr && watched[0].revents != 0 &&
+            !serve_device_request(device, *driver)) {
             watched[0].fd = -1;
         }
     }
