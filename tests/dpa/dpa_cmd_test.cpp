@@ -503,10 +503,6 @@ void open_null(int (&ends)[2]) {
     ends[0] = open("/dev/null", O_RDONLY);
     ends[1] = open("/dev/null", O_WRONLY);
 }
-void open_nothing(int (&ends)[2]) {
-    ends[0] = open("/dev/null", O_RDONLY);
-    ends[1] = -1;
-}
 
 constexpr int GONE_BEFORE = 0;
 constexpr int STAYS = 1000;
@@ -525,18 +521,19 @@ child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*
     int ends[2];
     open_output(ends);
     fcntl(STDOUT_FILENO, F_SETFD, FD_CLOEXEC);
-    if (ends[1] == -1)
-        close(STDOUT_FILENO);
-    else
-        dup2(ends[1], STDOUT_FILENO);
+    dup2(ends[1], STDOUT_FILENO);
     close(ends[1]);
     if (gone_at == GONE_BEFORE)
         close(ends[0]);
     printf("the rows of the command before");
     int sleeps = 0;
     while_asleep = [&] {
-        if (++sleeps == gone_at)
-            close(ends[0]);
+        if (++sleeps != gone_at)
+            return;
+        // What was not read would tell as well.
+        char unread[4096];
+        EXPECT_GE(read(ends[0], unread, sizeof unread), 0);
+        close(ends[0]);
     };
     const int result = kx_dpa_cmd("x");
     _exit(sleeps + (result == -2 ? STOPPED : 0));
@@ -559,7 +556,6 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         {open_socket, STAYS, "x\n", ALL_SLEEPS},
         {open_file, 1, "x\n", ALL_SLEEPS},
         {open_null, 1, "x\n", ALL_SLEEPS},
-        {open_nothing, STAYS, "x\n", 2}, // there is nothing to copy to
     };
     for (const auto &row : rows) {
         const auto number = &row - rows;
@@ -574,10 +570,42 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         EXPECT_EQ(seen.status, W_EXITCODE(row.sleeps + (gone ? STOPPED : 0), 0)) << number;
         EXPECT_EQ(take_from_pipe(), messages(row.command, seen.process)) << number;
     }
-    // Also while it waits for the agent.
+    // Also while it copies what comes without a pause.
+    const pid_t flooded = fork();
+    if (flooded == 0) {
+        std::signal(SIGPIPE, SIG_IGN);
+        int ends[2];
+        open_pipe(ends);
+        if (fork() == 0) {
+            close(ends[1]);
+            char text[4096];
+            while (memchr(text, '~', static_cast<size_t>(read(ends[0], text, sizeof text))) ==
+                   nullptr) {
+            }
+            _exit(0);
+        }
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[1]);
+        close(ends[0]);
+        while_asleep = [] { std::ofstream(output_of(getpid())) << std::string(1 << 20, '~'); };
+        _exit(kx_dpa_cmd("x") == -2 ? STOPPED : 0);
+    }
+    EXPECT_EQ(end_of(flooded).status, W_EXITCODE(STOPPED, 0));
+    // And while it waits for the agent.
     paths.close_descriptors();
     for (const int gone_at : {GONE_BEFORE, 1, 9})
         EXPECT_TRUE(run_until_unread(open_pipe, gone_at, SIG_DFL).ended_by(SIGPIPE)) << gone_at;
+}
+
+// A closed output has no reader to lose.
+TEST_F(DpaCommand, RunsToItsEndWithoutAnOutput) {
+    const pid_t child = fork();
+    if (child == 0) {
+        while_asleep = [] { close(STDOUT_FILENO); };
+        _exit(kx_dpa_cmd("x") == 0 && slept >= std::chrono::seconds(2) ? 0 : 1);
+    }
+    EXPECT_EQ(end_of(child).status, 0);
+    EXPECT_EQ(take_from_pipe(), messages("x\n", child));
 }
 
 // An agent that does not read its pipe is waited for, but not beyond the reader of the output.
