@@ -7,4 +7,4 @@ def host: input_filename | sub(".*/"; "") | rtrimstr(".json");
 host as $host
 | .ports[]?
 | select((.error // "none") != "none" and (.forwarding // false | not))
-| "\($host): \(.name // .interface // "a port") (LTL \(.ltl)): \(.error)"
+| "\($host): \(if (.name // "") != "" then .name else .interface // "a port" end) (LTL \(.ltl)): \(.error)"

@@ -7,7 +7,7 @@ def host: input_filename | sub(".*/"; "") | rtrimstr(".json");
 def title: if (.name // "") != "" then .name else .interface // "an unknown port" end + " (LTL \(.ltl))";
 
 host as $host
-| ($mac | ascii_downcase) as $mac
+| ($mac | ascii_downcase | [scan("[0-9a-f]")] | [range(0; length; 2) as $i | .[$i] + .[$i + 1]] | join(":")) as $mac
 | (reduce .ports[]? as $port ({}; .[$port.ltl | tostring] = $port)) as $ports
 | (reduce .bridge_domains[]? as $domain ({}; .[$domain.index | tostring] = $domain)) as $domains
 | ((.ports[]? | select(.mac == $mac) | "\($host): is \(title)"),
