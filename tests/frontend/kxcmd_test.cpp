@@ -2,11 +2,11 @@
 
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
+#include "tests/rows.h"
 
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -162,21 +162,19 @@ TEST(CommandTable, HoldsTheCatalogueRowForRow) {
 #include "tests/golden/handlers.def"
     };
 #undef HANDLER
-    std::ifstream file(TESTS_DIR "/golden/catalogue.tsv");
-    std::string line;
+    const auto or_dash = [](const char *text) { return text == nullptr ? "-" : text; };
     int index = 0;
-    for (; std::getline(file, line); ++index) {
+    for (const auto &expected : golden("catalogue.tsv")) {
         ASSERT_LT(index, KESTREL_CMD_ROWS);
-        const kestrel_cmd_row &row = kestrel_cmd_list[index];
-        std::ostringstream text;
-        text << row.kind << '\t';
-        for (int k = 0; k < KESTREL_CMD_KEYWORDS && row.keywords[k] != nullptr; ++k) {
-            text << (k == 0 ? "" : "#") << row.keywords[k];
-        }
-        text << '\t' << (row.argument_hint == nullptr ? "-" : row.argument_hint) << '\t'
-             << (row.help_text == nullptr ? "-" : row.help_text) << '\t' << row.allowed_from_agent
-             << '\t' << (row.handler == nullptr ? "-" : names.at(row.handler));
-        EXPECT_EQ(text.str(), line) << "row " << index;
+        const kestrel_cmd_row &row = kestrel_cmd_list[index++];
+        const std::vector<std::string> seen = {std::to_string(row.kind),
+                                               all_keywords(row, "#"),
+                                               or_dash(row.argument_hint),
+                                               or_dash(row.help_text),
+                                               std::to_string(row.allowed_from_agent),
+                                               row.handler == nullptr ? "-"
+                                                                      : names.at(row.handler)};
+        EXPECT_EQ(seen, expected) << "row " << index;
         EXPECT_EQ(row.reserved, 0u);
     }
     EXPECT_EQ(index, KESTREL_CMD_ROWS);
@@ -189,18 +187,16 @@ TEST(CommandTable, RowsThatAnswerNothingFail) {
 }
 
 TEST(Help, PrintsTheCatalogueSortedWithinItsSections) {
-    std::ifstream file(TESTS_DIR "/golden/help.txt");
-    const std::string golden((std::istreambuf_iterator<char>(file)), {});
-    ASSERT_FALSE(golden.empty());
+    const std::string help = golden_text("help.txt");
     std::vector<kestrel_cmd_row> table(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
     std::vector<char> buffer(20480);
     const int size = static_cast<int>(buffer.size());
     EXPECT_EQ(kxcmd_snprintf_help(table.data(), buffer.data(), size),
-              static_cast<int>(golden.size()));
-    EXPECT_EQ(std::string(buffer.data()), golden);
+              static_cast<int>(help.size()));
+    EXPECT_EQ(std::string(buffer.data()), help);
     // Sorting once more changes nothing.
     kxcmd_snprintf_help(table.data(), buffer.data(), size);
-    EXPECT_EQ(std::string(buffer.data()), golden);
+    EXPECT_EQ(std::string(buffer.data()), help);
 }
 
 TEST(Help, StopsAtTheBuffersEnd) {

@@ -1,7 +1,8 @@
 #include "tests/hostile/row_arguments.h"
 
+#include "tests/rows.h"
+
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 namespace {
@@ -43,10 +44,6 @@ const std::vector<std::string> &common_arguments() {
         std::string(60, ' ') + "20",
     };
     return arguments;
-}
-
-bool is_plain(const char *keyword) {
-    return strpbrk(keyword, "[]<>|") == nullptr && strcmp(keyword, "cookie") != 0;
 }
 
 void add_words(const char *documentation, std::vector<std::string> &words) {
@@ -93,7 +90,7 @@ std::string fill_in(const std::string &word, hostile_random &random) {
 std::string filled_in(const kestrel_cmd_row &row, hostile_random &random) {
     std::string documentation;
     for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && (!documentation.empty() || !is_plain(keyword))) {
+        if (keyword != nullptr && (!documentation.empty() || is_documentation(keyword))) {
             documentation += std::string(keyword) + " ";
         }
     }
@@ -118,22 +115,11 @@ std::string some_garbage(hostile_random &random) {
     return text;
 }
 
-std::string command_of(const kestrel_cmd_row &row) {
-    std::string command;
-    for (const char *keyword : row.keywords) {
-        if (keyword == nullptr || !is_plain(keyword)) {
-            break;
-        }
-        command += std::string(command.empty() ? "" : " ") + keyword;
-    }
-    return command;
-}
-
 std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random) {
     std::vector<std::string> arguments = common_arguments();
     std::vector<std::string> words;
     for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && !is_plain(keyword)) {
+        if (keyword != nullptr && is_documentation(keyword)) {
             add_words(keyword, words);
         }
     }

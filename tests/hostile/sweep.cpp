@@ -11,6 +11,7 @@
 #include "tests/hostile/hostile_agent.h"
 #include "tests/hostile/hostile_driver.h"
 #include "tests/hostile/row_arguments.h"
+#include "tests/rows.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,33 +1,12 @@
 #include "if_index/if_index_name.h"
-
-#include <gtest/gtest.h>
+#include "tests/golden.h"
 
 #include <cstring>
-#include <fstream>
+#include <gtest/gtest.h>
 #include <memory>
 #include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
-
-// The rows of a golden table, split at tabs.
-std::vector<std::vector<std::string>> golden(const char *name) {
-    std::ifstream file(std::string(TESTS_DIR "/golden/") + name);
-    std::vector<std::vector<std::string>> rows;
-    for (std::string line; std::getline(file, line);) {
-        std::istringstream columns(line + "\t");
-        for (rows.emplace_back(); std::getline(columns, line, '\t');)
-            rows.back().push_back(line);
-    }
-    EXPECT_GT(rows.size(), 40U);
-    return rows;
-}
-
-uint32_t number(const std::string &text) {
-    return static_cast<uint32_t>(std::stoul(text, nullptr, 0));
-}
 
 using NamePrinter = int(char *buffer, size_t size, uint32_t if_index);
 using SmallPrinter = int(char *buffer, uint32_t if_index);
