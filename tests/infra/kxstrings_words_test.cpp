@@ -1,4 +1,5 @@
 #include "infra/utils/kxstrings.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
 
 #include <cstring>
@@ -23,21 +24,9 @@ TEST(Words, NextWordSkipsWordAndWhiteSpace) {
 }
 
 TEST(Words, WordEqualsWholeKeywordOnly) {
-    const struct {
-        const char *word;
-        const char *keyword;
-        int result;
-    } rows[] = {{"ShOw", "sHoW", 0},   {"show port", "show", 0},
-                {"show;x", "show", 0}, {"show\tx", "show", 0},
-                {"sho", "show", 1},    {"shows", "show", 1},
-                {"", "", 0},           {";", "", 0},
-                {" x", "", 0},         {"x", "", 1},
-                {"", "x", 1},          {"a b", "a b", 1},
-                {"a;b", "a;b", 1},     {"[vlan]", "[VLAN]", 0},
-                {"100", "[vlan]", 1}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(stris(row.word, row.keyword), row.result)
-            << row.word << " against " << row.keyword;
+    for (const auto &row : golden("words.tsv")) {
+        EXPECT_EQ(stris(row.at(0).c_str(), row.at(1).c_str()), row.at(2) == "0" ? 0 : 1)
+            << row[0] << " against " << row[1];
     }
     const char *const line = "ASSERT  stris:  str != NULL && cmpstr != NULL\n";
     EXPECT_EQ(printed_by([] { EXPECT_EQ(stris(nullptr, nullptr), 1); }), line);
