@@ -51,24 +51,13 @@ TEST(IfIndexName, HasTheRangesOfTheGoldenTable) {
 }
 
 TEST(IfIndexName, RangeThatDoesNotFit) {
-    const struct {
-        if_index_range range;
-        size_t size;
-        const char *text;
-        int length;
-    } rows[] = {
-        {{0x1A000000, 0x1A003000}, 7, "Eth1/1-4", 8}, // the end may go beyond the size
-        {{0x1A000000, 0x1A003000}, 6, "", 0},         // not even the first name
-        {{0x09000064, 0x090000C8}, 8, "Vlan100-200", 11},
-        {{0x1D000007, 0x1D0FFFFE}, 8, "vif7", 0}, // "-1048575" alone is too long
-        {{0x1D000007, 0x1D0FFFFE}, 9, "vif7-1048575", 12},
-        {{0x01000001, 0x01000004}, 10, "fc1/1.1fc1/1.1-4", 16},
-        {{0x01000001, 0x01000004}, 9, "fc1/1.1", 0},
-    };
-    for (const auto &row : rows) {
-        const std::unique_ptr<char[]> buffer(new char[if_index_range_storage(row.size)]);
-        EXPECT_EQ(snprintf_if_index_range_short(buffer.get(), row.size, &row.range), row.length);
-        EXPECT_STREQ(buffer.get(), row.text) << row.size;
+    for (const auto &row : golden("interface_range_cuts.tsv")) {
+        const if_index_range cut = {number(row.at(0)), number(row.at(1))};
+        const size_t size = number(row.at(2));
+        const std::unique_ptr<char[]> buffer(new char[if_index_range_storage(size)]);
+        EXPECT_EQ(snprintf_if_index_range_short(buffer.get(), size, &cut),
+                  static_cast<int>(number(row.at(3))));
+        EXPECT_EQ(buffer.get(), row.at(4)) << size;
     }
     const if_index_range range = {0x1A000000, 0x1A003000};
     char exact[if_index_range_storage(12)];

@@ -253,25 +253,14 @@ TEST(IfIndex, ByteOrderComparisonAndFspf) {
     EXPECT_EQ(if_index_compare(5, 5), 0);
     EXPECT_GT(if_index_compare(1, 0xFFFFFFFF), 0); // the difference wraps
 
-    const struct {
-        uint32_t if_index, fspf;
-        uint16_t fspf16;
-    } rows[] = {
-        {0x01000000, 0x01000000, 0x1000},
-        {0x01FFF000, 0x01FFF000, 0x1FFF},
-        {0x01000001, 0x01000001, 0},
-        {0x04000004, 0x04000004, 0x4004},
-        {0x04000104, 0x04000104, 0},
-        {0x1A000000, 0, 0},
-        {0x81FFFFFF, 0, 0},
-        {0, 0, 0},
-    };
-    for (const auto &row : rows) {
-        EXPECT_EQ(convert_if_index_to_fspf_if_index(row.if_index), row.fspf);
-        EXPECT_EQ(convert_fspf_if_index_to_if_index(row.fspf), row.fspf);
-        EXPECT_EQ(convert_if_index_to_fspf16_if_index(row.if_index), row.fspf16);
-        EXPECT_EQ(convert_fspf16_if_index_to_if_index(row.fspf16),
-                  row.fspf16 != 0 ? row.if_index : 0);
+    for (const auto &row : golden("interface_fspf.tsv")) {
+        const uint32_t if_index = number(row.at(0));
+        const uint32_t fspf = number(row.at(1));
+        const auto fspf16 = static_cast<uint16_t>(number(row.at(2)));
+        EXPECT_EQ(convert_if_index_to_fspf_if_index(if_index), fspf);
+        EXPECT_EQ(convert_fspf_if_index_to_if_index(fspf), fspf);
+        EXPECT_EQ(convert_if_index_to_fspf16_if_index(if_index), fspf16);
+        EXPECT_EQ(convert_fspf16_if_index_to_if_index(fspf16), fspf16 != 0 ? if_index : 0);
     }
     EXPECT_EQ(convert_fspf16_if_index_to_if_index(0x4100), 0U); // no such channel
 }

@@ -43,25 +43,13 @@ TEST(Words, CaselessComparisonCountsCharacters) {
 }
 
 TEST(Words, CopyStopsAtWhiteSpaceSizeAndEnd) {
-    const struct {
-        const char *source;
-        size_t size;
-        const char *text;
-    } rows[] = {
-        {"trunk vlan", 12, "trunk"},
-        {"trunk\tvlan", 12, "trunk"},
-        {"trunk", 6, "trunk"},
-        {"trunk", 5, "trun"},
-        {"trunk", 1, ""},
-        {" trunk", 12, ""},
-        {"", 12, ""},
-    };
-    for (const auto &row : rows) {
+    for (const auto &row : golden("word_copies.tsv")) {
         // Exact allocations, so that the sanitizer sees every byte read or written too far.
-        std::vector<char> source(row.source, row.source + strlen(row.source) + 1);
-        std::vector<char> destination(row.size, '#');
-        EXPECT_EQ(strncpy_until_space(destination.data(), row.size, source.data()), 0);
-        EXPECT_STREQ(destination.data(), row.text) << row.source;
+        const char *const text = row.at(0).c_str();
+        std::vector<char> source(text, text + strlen(text) + 1);
+        std::vector<char> destination(number(row.at(1)), '#');
+        EXPECT_EQ(strncpy_until_space(destination.data(), destination.size(), source.data()), 0);
+        EXPECT_EQ(destination.data(), row.at(2)) << text;
     }
     char untouched = '#';
     EXPECT_EQ(strncpy_until_space(&untouched, 0, "x"), 0);
