@@ -1,9 +1,9 @@
 #include "dpa/command/management_ip.h"
 #include "dpa/userspace/kxdpa_indirect.h"
-#include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
 #include "tests/golden.h"
+#include "tests/host/described.h"
 #include "tests/infra/printed_by.h"
 
 #include <gtest/gtest.h>
@@ -56,11 +56,10 @@ TEST(ManagementAddress, IsAskedFromTheHostAndToldToTheDriver) {
 }
 
 TEST(ManagementAddress, TracesEveryLineThatItReads) {
-    host described;
     host_programs programs;
     std::string error;
-    ASSERT_TRUE(parse_host(R"({"management_address": "10.1.1.1"})", "test", described, error));
-    ASSERT_TRUE(programs.install(described, error)) << error;
+    ASSERT_TRUE(programs.install(described(R"({"management_address": "10.1.1.1"})"), error))
+        << error;
     kx_debug_print_dpa_platform = 0x97;
     uint32_t address = 0;
     const std::string traced = printed_by([&] { kx_dpa_platform_get_management_ip(&address); });

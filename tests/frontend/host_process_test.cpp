@@ -3,10 +3,10 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/kxcmd.h"
-#include "host/host_file.h"
 #include "sim/builtin_host.h"
 #include "sim/exchange.h"
 #include "sim/interpose.h"
+#include "tests/host/described.h"
 #include "tests/rows.h"
 
 #include <algorithm>
@@ -43,8 +43,7 @@ std::vector<kestrel_cmd_row> rows_where(bool (*wanted)(const kestrel_cmd_row &))
 class HostProcess : public testing::Test {
 protected:
     void SetUp() override {
-        std::string error;
-        ASSERT_TRUE(parse_host(builtin_host_text(), "builtin", driver.state, error)) << error;
+        driver.state = described(builtin_host_text());
         driver.trace = [this](const std::string &line) {
             ++requests;
             last_request = line;

@@ -1,12 +1,12 @@
 // Host files: what is wrong with one, and on which line.
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "host/hex.h"
-#include "host/host_file.h"
 #include "host/json_tree.h"
 #include "host/keys.h"
 #include "host/value.h"
 #include "sim/builtin_host.h"
 #include "tests/golden.h"
+#include "tests/host/described.h"
 #include "tests/host/random_host.h"
 
 #include <cerrno>
@@ -64,48 +64,45 @@ TEST(HostFile, ManyKeysAreReadInNoTime) {
 TEST(HostFile, TextsAreAnyBytes) {
     for (const auto &row : golden("host_texts.tsv")) {
         SCOPED_TRACE(row.at(0));
-        host described;
-        described.card.name = row.at(1);
+        host named;
+        named.card.name = row.at(1);
         const std::string written = "{\n  \"card\": {\n    \"name\": \"" + row[0] + "\"\n  }\n}\n";
-        EXPECT_EQ(write_host(described), written);
-        host read;
-        std::string error;
-        EXPECT_TRUE(parse_host(written, "f", read, error)) << error;
-        EXPECT_EQ(read.card.name, row[1]);
+        EXPECT_EQ(write_host(named), written);
+        EXPECT_EQ(described(written).card.name, row[1]);
     }
 }
 
 // What is said, what is left out, and what no key can say.
 TEST(HostFile, IsWrittenInOneForm) {
-    host described;
-    EXPECT_EQ(write_host(described), "{}\n");
-    described.card.slot.reset();
-    described.card.leaf_mode = 2;
-    described.card.tunnel_mode = KX_TUNNEL_MODE_L3;
-    described.card.upgrade = 9;
-    described.card.management_ipv6->back() = 1;
-    described.bridge_domains.vlans = {20, 1, 3};
-    bridge_domain &odd = described.bridge_domains.by_index[2];
+    host lab;
+    EXPECT_EQ(write_host(lab), "{}\n");
+    lab.card.slot.reset();
+    lab.card.leaf_mode = 2;
+    lab.card.tunnel_mode = KX_TUNNEL_MODE_L3;
+    lab.card.upgrade = 9;
+    lab.card.management_ipv6->back() = 1;
+    lab.bridge_domains.vlans = {20, 1, 3};
+    bridge_domain &odd = lab.bridge_domains.by_index[2];
     odd.record.vlan = 30;
     odd.record.swbd = 30; // follows from the VLAN
     odd.record.segment_features = 0x81;
     odd.record.kind = 3;
-    port &listed = described.ports.by_ltl[7];
+    port &listed = lab.ports.by_ltl[7];
     for (port_view &view : listed.views)
         view.record.if_index = 0x2500C000;
     listed.views[KX_VIEW_KRT].vlans.reset();
     listed.views[KX_VIEW_SYSTEM].record.if_index = 0x1C000010;
-    described.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
-                                      {.mac = {2, 0, 0, 0, 0, 1}}};
-    override_rule &rule = described.overrides.emplace_back();
+    lab.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
+                                {.mac = {2, 0, 0, 0, 0, 1}}};
+    override_rule &rule = lab.overrides.emplace_back();
     rule.opcode = 15;
     rule.in.emplace();
     rule.error = ENODEV;
     // No such VLAN, and a port that no request can ask for.
-    described.bridge_domains.by_index[9].record.vlan = 4096;
-    described.ports.by_ltl[0x1000000] = {};
+    lab.bridge_domains.by_index[9].record.vlan = 4096;
+    lab.ports.by_ltl[0x1000000] = {};
     std::vector<std::string> unsaid;
-    EXPECT_EQ(write_host(described, &unsaid), golden_text("host_file.json"));
+    EXPECT_EQ(write_host(lab, &unsaid), golden_text("host_file.json"));
     EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
@@ -136,19 +133,10 @@ TEST(HostFile, InterfacesAreNamedOrNumbered) {
                 {"\"0x1c000013\"", 0x1C000013},
                 {"469762064", 0x1C000010}};
     for (const auto &row : rows) {
-        host parsed;
-        std::string error;
-        parse_host(std::string("{\"ports\": [{\"ltl\": 1, \"interface\": ") + row.given + "}]}",
-                   "f", parsed, error);
-        EXPECT_EQ(error, "");
+        const host parsed =
+            described(R"({"ports": [{"ltl": 1, "interface": )" + std::string(row.given) + "}]}");
         EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, row.index);
     }
-}
-
-TEST(HostFile, BuiltInHostIsWellFormed) {
-    host parsed;
-    std::string error;
-    EXPECT_TRUE(parse_host(builtin_host_text(), "built-in host", parsed, error)) << error;
 }
 
 // The built-in host and those of tests/hosts.
@@ -227,15 +215,10 @@ std::string all_values(const host &of) {
 }
 
 void check_round_trip(const std::string &text) {
-    host first;
-    host second;
-    std::string error;
     std::vector<std::string> unsaid;
-    ASSERT_TRUE(parse_host(text, "f", first, error)) << error << text;
-    const std::string written = write_host(first, &unsaid);
+    const std::string written = write_host(described(text), &unsaid);
     EXPECT_EQ(unsaid, std::vector<std::string>{});
-    ASSERT_TRUE(parse_host(written, "f", second, error)) << error << written;
-    ASSERT_EQ(write_host(second), written);
+    EXPECT_EQ(write_host(described(written)), written);
 }
 
 TEST(HostFile, ComesBackAsItWasWritten) {
@@ -245,9 +228,7 @@ TEST(HostFile, ComesBackAsItWasWritten) {
         SCOPED_TRACE(seed);
         const host drawn = random_host(seed);
         const std::string written = write_host(drawn);
-        host read;
-        std::string error;
-        ASSERT_TRUE(parse_host(written, "f", read, error)) << error << written;
+        const host read = described(written);
         ASSERT_EQ(write_host(read), written);
         ASSERT_EQ(all_values(read), all_values(drawn));
     }
