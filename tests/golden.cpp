@@ -1,7 +1,7 @@
 #include "tests/golden.h"
 
-#include <fstream>
-#include <iterator>
+#include "tests/text.h"
+
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -17,8 +17,7 @@ std::string with_bytes(std::string text) {
 } // namespace
 
 std::string golden_text(const char *name) {
-    std::ifstream file(std::string(TESTS_DIR "/golden/") + name);
-    std::string text(std::istreambuf_iterator<char>(file), {});
+    std::string text = read_file(std::string(TESTS_DIR "/golden/") + name);
     EXPECT_NE(text, "") << name;
     return text;
 }

@@ -339,8 +339,7 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
         ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
         EXPECT_EQ(run("x", [] {}), row.printed);
         EXPECT_EQ(result, -1);
-        std::ifstream in(target);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "kept");
+        EXPECT_EQ(read_file(target), "kept");
         unlink(target.c_str());
     }
     // The caller's own files are used: what an earlier run left behind, and a file to try with.
