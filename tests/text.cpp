@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
+#include <iterator>
 
 #include <nlohmann/json.hpp>
 
@@ -48,6 +50,19 @@ std::string replace_all(std::string text, std::string_view what, std::string_vie
         text.replace(at, what.size(), with);
     }
     return text;
+}
+
+std::string read_file(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<char *> argument_vector(std::vector<std::string> &words) {
+    std::vector<char *> arguments;
+    for (std::string &word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    return arguments;
 }
 
 std::string patch_host(const std::string &host, const std::string &patch) {

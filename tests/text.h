@@ -4,11 +4,18 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Every time stamp "Nov 21 10:00:00.123456: " of a trace line replaced by `with`.
 std::string replace_stamps(std::string_view text, std::string_view with);
 
 std::string replace_all(std::string text, std::string_view what, std::string_view with);
+
+// A whole file; empty for one that is not there.
+std::string read_file(const std::string &path);
+
+// The words as a program's argument vector, which ends with a null pointer.
+std::vector<char *> argument_vector(std::vector<std::string> &words);
 
 // A host file with a JSON merge patch applied; empty when either one is not JSON.
 std::string patch_host(const std::string &host, const std::string &patch);

@@ -21,7 +21,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
-#include <iterator>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -63,12 +62,6 @@ struct transcript {
     lines head;
     std::vector<transcript_case> cases;
 };
-
-// Empty for a file that is not there.
-std::string read_file(const fs::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Blank-separated words; double quotes keep blanks.
 lines split_words(const std::string &text) {
@@ -240,13 +233,9 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
         run_agent(asked);
         return 0;
     }
-    std::string name = "tarncmd";
     lines words = asked.words;
-    std::vector<char *> arguments = {name.data()};
-    for (std::string &word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    return tarncmd_main(static_cast<int>(arguments.size()) - 1, arguments.data());
+    words.insert(words.begin(), "tarncmd");
+    return tarncmd_main(static_cast<int>(words.size()), argument_vector(words).data());
 }
 
 [[noreturn]] void run_external(const char *command, const transcript_case &asked,
@@ -254,12 +243,8 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     const std::string with_host = replace_all(command, "{host}", (folder / "host").string());
     lines words = split_words(replace_all(with_host, "{trace}", (folder / "trace").string()));
     words.insert(words.end(), asked.words.begin(), asked.words.end());
-    std::vector<char *> arguments;
-    for (std::string &word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    execvp(arguments[0], arguments.data());
-    perror(arguments[0]);
+    execvp(words[0].c_str(), argument_vector(words).data());
+    perror(words[0].c_str());
     _exit(127);
 }
 

@@ -1,8 +1,7 @@
 #include "tests/capture/display_rows.h"
 
 #include "frontend/handlers.h"
-#include "frontend/kestrel_cmd_list.h"
-#include "tests/hostile/row_arguments.h"
+#include "tests/rows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,24 +9,13 @@
 
 namespace {
 
-bool is_stub(kestrel_cmd_handler handler) {
-#define LIST_STUB_HANDLER(name) name,
-    static const std::set<kestrel_cmd_handler> STUBS = {KESTREL_STUB_HANDLERS(LIST_STUB_HANDLER)};
-#undef LIST_STUB_HANDLER
-    return STUBS.contains(handler);
-}
-
 bool is_display(const kestrel_cmd_row &row) {
     return row.kind == KESTREL_CMD_COMMAND && strcmp(row.keywords[0], "show") == 0 &&
-           !is_stub(row.handler);
+           !kx_is_stub(row.handler);
 }
 
 std::string documentation_of(const kestrel_cmd_row &row) {
-    std::string text;
-    for (const char *keyword : row.keywords) {
-        text += std::string(" ") + (keyword == nullptr ? "" : keyword);
-    }
-    return text + " " + (row.argument_hint == nullptr ? "" : row.argument_hint);
+    return " " + all_keywords(row) + " " + (row.argument_hint == nullptr ? "" : row.argument_hint);
 }
 
 using arguments = std::set<std::string>;

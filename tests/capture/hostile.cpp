@@ -15,6 +15,7 @@
 #include "tests/capture/tool_run.h"
 #include "tests/hostile/hostile_driver.h"
 #include "tests/hostile/row_arguments.h"
+#include "tests/rows.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,11 +1,11 @@
 #include "capture/output_file.h"
+#include "tests/text.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include <fcntl.h>
@@ -48,11 +48,6 @@ extern "C" int rename(const char *from, const char *to) noexcept {
 
 namespace {
 
-std::string content_of(const fs::path &path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class OutputFile : public testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
@@ -89,11 +84,11 @@ TEST_P(OutputFile, ReplacesAFileAndKeepsItsModeAndLinks) {
     EXPECT_TRUE(check_output_file(link, error)) << error;
     EXPECT_TRUE(write_output_file(link, "second", error)) << error;
     EXPECT_TRUE(fs::is_symlink(link));
-    EXPECT_EQ(content_of(file), "second");
+    EXPECT_EQ(read_file(file), "second");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0604));
     EXPECT_TRUE(check_output_file(longest, error)) << error;
     EXPECT_TRUE(write_output_file(longest, "third", error)) << error;
-    EXPECT_EQ(content_of(longest), "third");
+    EXPECT_EQ(read_file(longest), "third");
     EXPECT_EQ(files(), 3);
 }
 
@@ -103,7 +98,7 @@ TEST_P(OutputFile, LeavesTheOldFileAndNothingElseWhenItFails) {
     renames_are_refused = true;
     EXPECT_FALSE(write_output_file(file, "new", error));
     EXPECT_EQ(error, file.string() + ": cannot be written: Input/output error");
-    EXPECT_EQ(content_of(file), "old");
+    EXPECT_EQ(read_file(file), "old");
     EXPECT_EQ(files(), 1);
 }
 
@@ -123,7 +118,7 @@ TEST_P(OutputFile, LeavesNothingWhenASignalEndsTheProcess) {
             int status = 0;
             waitpid(child, &status, 0);
             EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
-            EXPECT_EQ(content_of(file), refused ? "old" : "new");
+            EXPECT_EQ(read_file(file), refused ? "old" : "new");
             EXPECT_EQ(files(), 1);
         }
     }

@@ -90,11 +90,7 @@ tool_run run_tool(const std::vector<std::string> &words, test_driver driver) {
     set_test_driver(std::move(driver));
     std::vector<std::string> kept = words;
     kept.insert(kept.begin(), "tarncmd");
-    std::vector<char *> arguments;
-    for (std::string &word : kept) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
+    std::vector<char *> arguments = argument_vector(kept);
     const output_catcher output;
     kx_run_broken = false;
     jmp_buf here;

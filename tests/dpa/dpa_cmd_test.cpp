@@ -339,8 +339,7 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
         ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
         EXPECT_EQ(run("x", [] {}), row.printed);
         EXPECT_EQ(result, -1);
-        std::ifstream in(target);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "kept");
+        EXPECT_EQ(read_file(target), "kept");
         unlink(target.c_str());
     }
     // The caller's own files are used: what an earlier run left behind, and a file to try with.
@@ -449,7 +448,14 @@ struct child_end {
     }
 };
 
-child_end end_of(pid_t child) {
+// Run in a child, which exits with what `run` returns.
+child_end in_child(const std::function<int()> &run) {
+    fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(10);
+        _exit(run());
+    }
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_NE(unlink(output_of(child).c_str()), 0) << "the output file was left behind";
@@ -458,19 +464,15 @@ child_end end_of(pid_t child) {
 
 // Run the command in a child, with `signal` in its first sleep.
 child_end run_in_child(int signal, void (*disposition)(int)) {
-    const pid_t child = fork();
-    if (child == 0) {
+    return in_child([&] {
         std::signal(signal, disposition);
         int sleeps = 0;
         while_asleep = [&] {
             if (sleeps++ == 0)
                 raise(signal);
         };
-        if (freopen("/dev/null", "w", stdout) != nullptr)
-            _exit(kx_dpa_cmd("x"));
-        _exit(1);
-    }
-    return end_of(child);
+        return freopen("/dev/null", "w", stdout) == nullptr ? 1 : kx_dpa_cmd("x");
+    });
 }
 
 TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
@@ -512,31 +514,28 @@ constexpr int STOPPED = 100;
 // Run the command in a child whose reader goes away in a sleep, from 1. The child exits with the
 // number of its sleeps, and STOPPED more when the commands behind it do not run.
 child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*on_broken)(int)) {
-    fflush(stdout);
-    const pid_t child = fork();
-    if (child != 0)
-        return end_of(child);
-    alarm(10);
-    std::signal(SIGPIPE, on_broken);
-    int ends[2];
-    open_output(ends);
-    fcntl(STDOUT_FILENO, F_SETFD, FD_CLOEXEC);
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[1]);
-    if (gone_at == GONE_BEFORE)
-        close(ends[0]);
-    printf("the rows of the command before");
-    int sleeps = 0;
-    while_asleep = [&] {
-        if (++sleeps != gone_at)
-            return;
-        // What was not read would tell as well.
-        char unread[4096];
-        EXPECT_GE(read(ends[0], unread, sizeof unread), 0);
-        close(ends[0]);
-    };
-    const int result = kx_dpa_cmd("x");
-    _exit(sleeps + (result == -2 ? STOPPED : 0));
+    return in_child([&] {
+        std::signal(SIGPIPE, on_broken);
+        int ends[2];
+        open_output(ends);
+        fcntl(STDOUT_FILENO, F_SETFD, FD_CLOEXEC);
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[1]);
+        if (gone_at == GONE_BEFORE)
+            close(ends[0]);
+        printf("the rows of the command before");
+        int sleeps = 0;
+        while_asleep = [&] {
+            if (++sleeps != gone_at)
+                return;
+            // What was not read would tell as well.
+            char unread[4096];
+            EXPECT_GE(read(ends[0], unread, sizeof unread), 0);
+            close(ends[0]);
+        };
+        const int result = kx_dpa_cmd("x");
+        return sleeps + (result == -2 ? STOPPED : 0);
+    });
 }
 
 TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
@@ -571,8 +570,7 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         EXPECT_EQ(take_from_pipe(), messages(row.command, seen.process)) << number;
     }
     // Also while it copies what comes without a pause.
-    const pid_t flooded = fork();
-    if (flooded == 0) {
+    const child_end flooded = in_child([] {
         std::signal(SIGPIPE, SIG_IGN);
         int ends[2];
         open_pipe(ends);
@@ -588,9 +586,9 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         close(ends[1]);
         close(ends[0]);
         while_asleep = [] { std::ofstream(output_of(getpid())) << std::string(1 << 20, '~'); };
-        _exit(kx_dpa_cmd("x") == -2 ? STOPPED : 0);
-    }
-    EXPECT_EQ(end_of(flooded).status, W_EXITCODE(STOPPED, 0));
+        return kx_dpa_cmd("x") == -2 ? STOPPED : 0;
+    });
+    EXPECT_EQ(flooded.status, W_EXITCODE(STOPPED, 0));
     // And while it waits for the agent.
     paths.close_descriptors();
     for (const int gone_at : {GONE_BEFORE, 1, 9})
@@ -599,13 +597,12 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
 
 // A closed output has no reader to lose.
 TEST_F(DpaCommand, RunsToItsEndWithoutAnOutput) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const child_end ended = in_child([] {
         while_asleep = [] { close(STDOUT_FILENO); };
-        _exit(kx_dpa_cmd("x") == 0 && slept >= std::chrono::seconds(2) ? 0 : 1);
-    }
-    EXPECT_EQ(end_of(child).status, 0);
-    EXPECT_EQ(take_from_pipe(), messages("x\n", child));
+        return kx_dpa_cmd("x") == 0 && slept >= std::chrono::seconds(2) ? 0 : 1;
+    });
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(take_from_pipe(), messages("x\n", ended.process));
 }
 
 // An agent that does not read its pipe is waited for, but not beyond the reader of the output.

@@ -1,6 +1,6 @@
 #include "dpa/userspace/kxdpa_indirect.h"
-#include "host/host_file.h"
 #include "sim/interpose.h"
+#include "tests/host/described.h"
 #include "tests/infra/printed_by.h"
 
 #include <fcntl.h>
@@ -20,8 +20,7 @@ constexpr const char *DRIVER = R"({"overrides": [
 class KernelChannel : public testing::Test {
 protected:
     void SetUp() override {
-        std::string error;
-        ASSERT_TRUE(parse_host(DRIVER, "test", driver.state, error)) << error;
+        driver.state = described(DRIVER);
         driver.trace = [this](const std::string &line) { requests += line + "\n"; };
         driver.complain = [](const std::string &line) { ADD_FAILURE() << line; };
         interpose_model(&driver);

@@ -66,6 +66,10 @@ std::string receive(int fd, size_t size) {
         0, static_cast<size_t>(std::max<ssize_t>(recv(fd, bytes.data(), size, MSG_WAITALL), 0)));
 }
 
+void answer(int fd, const std::string &reply) {
+    send(fd, reply.data(), reply.size(), MSG_NOSIGNAL);
+}
+
 // A reply whose head, apart from the status, is nothing that the tool may use.
 std::string reply_head() {
     std::string head(HEADER, '\xFF');
@@ -130,8 +134,7 @@ void check_framing(const Framing &row, int peer) {
     std::string message;
     std::thread agent([&] {
         message = receive(peer, expected.size());
-        const std::string reply = reply_head() + reply1 + reply2;
-        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
+        answer(peer, reply_head() + reply1 + reply2);
     });
     char *data = row.buffer_missing ? nullptr : first.data();
     const uint32_t status =
@@ -180,8 +183,7 @@ TEST_F(AgentSocket, SimpleFormHasNoCapacities) {
     std::string message;
     std::thread agent([&] {
         message = receive(peer, HEADER + 4);
-        const std::string reply = reply_head() + le32(6);
-        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
+        answer(peer, reply_head() + le32(6));
     });
     EXPECT_EQ(kx_tarncmd_call_indirect_simple(4, 9, 7, &word, 4), static_cast<int>(AGENT_STATUS));
     agent.join();
@@ -195,14 +197,17 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
     const std::string place = "dpa/command/kxtarncmd_indirect.cpp";
     const std::string sending =
         "kx_tarncmd_socket_api: Sending (52) bytes across\n"
-        "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n"
-        "kx_tarncmd_socket_api: EOF writing more data -1\n";
-    const std::string silence =
-        "kx_tarncmd_socket_api: Sending (52) bytes across\n"
-        "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n"
-        "kx_tarncmd_socket_api: EOF reading bytes back 0\n";
+        "kx_tarncmd_socket_api: Sent (0) bytes, not (52), sending (52) more\n";
+    const std::string refused = sending + "kx_tarncmd_socket_api: EOF writing more data -1\n";
+    const std::string silence = sending + "kx_tarncmd_socket_api: EOF reading bytes back 0\n";
     uint32_t word = 0;
     uint32_t huge = UINT32_MAX;
+    const auto one = [&](uint8_t flags, uint32_t length, uint32_t *max) {
+        return kx_tarncmd_call_indirect1(2, 0, flags, &word, length, max);
+    };
+    const auto two = [&](uint8_t flags, uint32_t *first, uint32_t *second) {
+        return kx_tarncmd_call_indirect2(2, 0, flags, &word, 4, first, &word, 4, second);
+    };
     enum agent_end { LISTENS, CLOSES_ITS_SIDE, GONE };
     const struct {
         const char *what;
@@ -212,31 +217,22 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         uint32_t status;
         std::string trace;
     } rows[] = {
-        {"one buffer without capacity", LISTENS, 0x97,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2,
+        {"one buffer without capacity", LISTENS, 0x97, [&] { return one(5, 4, nullptr); }, 2,
          place + "/321: Failed, opcode 2\n"},
-        {"the line is off by default", LISTENS, 0x87,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 4, nullptr); }, 2, ""},
+        {"the line is off by default", LISTENS, 0x87, [&] { return one(5, 4, nullptr); }, 2, ""},
         {"two buffers without the first capacity", LISTENS, 0x97,
-         [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, nullptr, &word, 4, &huge); }, 2,
-         place + "/368: Failed, opcode 2\n"},
-        {"two buffers without the second", LISTENS, 0x97,
-         [&] { return kx_tarncmd_call_indirect2(2, 0, 15, &word, 4, &huge, &word, 4, nullptr); }, 2,
-         place + "/382: Failed, opcode 2\n"},
-        {"a size that wraps is never allocated", LISTENS, 0x87,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 5, &word, 5, &huge); }, 1,
+         [&] { return two(15, nullptr, &huge); }, 2, place + "/368: Failed, opcode 2\n"},
+        {"two buffers without the second", LISTENS, 0x97, [&] { return two(15, &huge, nullptr); },
+         2, place + "/382: Failed, opcode 2\n"},
+        {"a size that wraps is never allocated", LISTENS, 0x87, [&] { return one(5, 5, &huge); }, 1,
          "kx_tarncmd_socket_api: Failed allocating return buffer\n"},
-        {"one buffer to nobody", GONE, 0x97,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1,
-         sending + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
-        {"one buffer without an answer", CLOSES_ITS_SIDE, 0x97,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1,
-         silence + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
-        {"the same, silently", CLOSES_ITS_SIDE, 0x87,
-         [&] { return kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }, 1, ""},
-        {"two buffers to nobody", GONE, 0x97,
-         [&] { return kx_tarncmd_call_indirect2(2, 0, 3, &word, 4, nullptr, nullptr, 0, nullptr); },
-         1, sending + place + "/395: Failed, opcode 2\ndi status 1\n"},
+        {"one buffer to nobody", GONE, 0x97, [&] { return one(1, 4, nullptr); }, 1,
+         refused + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+        {"one buffer without an answer", CLOSES_ITS_SIDE, 0x97, [&] { return one(1, 4, nullptr); },
+         1, silence + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+        {"the same, silently", CLOSES_ITS_SIDE, 0x87, [&] { return one(1, 4, nullptr); }, 1, ""},
+        {"two buffers to nobody", GONE, 0x97, [&] { return two(3, nullptr, nullptr); }, 1,
+         refused + place + "/395: Failed, opcode 2\ndi status 1\n"},
         {"simple to nobody", GONE, 0x87,
          [&] { return static_cast<uint32_t>(kx_tarncmd_call_indirect_simple(2, 0, 1, &word, 4)); },
          1, place + "/294: Failed\n"},
@@ -301,7 +297,7 @@ TEST_F(AgentSocketPath, ConnectsAnewAfterAReplyThatEndsEarly) {
             limit_waiting(client);
             for (int requests = length == total ? 2 : 1; requests > 0; requests--) {
                 receive(client, total);
-                send(client, reply.data(), length, MSG_NOSIGNAL);
+                answer(client, reply.substr(0, length));
             }
             close(client);
         }

@@ -1,11 +1,11 @@
 #include "dpa/command/management_ip.h"
 #include "dpa/userspace/kxdpa_indirect.h"
-#include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
+#include "tests/golden.h"
+#include "tests/host/described.h"
 #include "tests/infra/printed_by.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
@@ -13,24 +13,9 @@
 namespace {
 
 TEST(ManagementAddress, ConvertsDottedText) {
-    const struct {
-        const char *text;
-        uint32_t value;
-    } rows[] = {
-        {"", 0},
-        {"10.1.2.3", 0x0A010203},
-        {"10.0.0.010", 0x0A000008}, // octal
-        {"0x0a.0X10.1.1", 0x0A100101},
-        {"1.2.3.4.5", 0x02030405}, // the first part leaves at the top
-        {"300.1", 300 * 256 + 1},  // no part is tested
-        {"7", 7},
-        {"..10...1.", 10 * 256 + 1}, // empty parts do not count
-        {"a.1", 1},
-    };
-    for (const auto &row : rows) {
-        char text[32];
-        strcpy(text, row.text);
-        EXPECT_EQ(conv_ip_address(text), row.value) << row.text;
+    for (const auto &row : golden("dotted_texts.tsv")) {
+        std::string text = row.at(0); // it is cut into its parts
+        EXPECT_EQ(conv_ip_address(text.data()), number(row.at(1))) << row[0];
     }
     EXPECT_EQ(conv_ip_address(nullptr), 0U);
 }
@@ -71,11 +56,10 @@ TEST(ManagementAddress, IsAskedFromTheHostAndToldToTheDriver) {
 }
 
 TEST(ManagementAddress, TracesEveryLineThatItReads) {
-    host described;
     host_programs programs;
     std::string error;
-    ASSERT_TRUE(parse_host(R"({"management_address": "10.1.1.1"})", "test", described, error));
-    ASSERT_TRUE(programs.install(described, error)) << error;
+    ASSERT_TRUE(programs.install(described(R"({"management_address": "10.1.1.1"})"), error))
+        << error;
     kx_debug_print_dpa_platform = 0x97;
     uint32_t address = 0;
     const std::string traced = printed_by([&] { kx_dpa_platform_get_management_ip(&address); });

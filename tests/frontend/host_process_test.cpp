@@ -3,15 +3,15 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/kxcmd.h"
-#include "host/host_file.h"
 #include "sim/builtin_host.h"
 #include "sim/exchange.h"
 #include "sim/interpose.h"
+#include "tests/host/described.h"
+#include "tests/rows.h"
 
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <set>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -33,38 +33,6 @@ struct run {
     }
 };
 
-bool is_stub(kestrel_cmd_handler handler) {
-#define LIST_STUB_HANDLER(name) name,
-    static const std::set<kestrel_cmd_handler> STUBS = {kx_show_empty,
-                                                        KESTREL_STUB_HANDLERS(LIST_STUB_HANDLER)};
-#undef LIST_STUB_HANDLER
-    return STUBS.contains(handler);
-}
-
-// The keywords as they stand, the documentation ones among them, so that exactly this row matches.
-std::string all_keywords(const kestrel_cmd_row &row) {
-    std::string text;
-    for (const char *keyword : row.keywords) {
-        if (keyword == nullptr)
-            break;
-        text += (text.empty() ? "" : " ") + std::string(keyword);
-    }
-    return text;
-}
-
-bool has_cookie(const kestrel_cmd_row &row) {
-    return std::any_of(std::begin(row.keywords), std::end(row.keywords), [](const char *keyword) {
-        return keyword != nullptr && strcmp(keyword, "cookie") == 0;
-    });
-}
-
-// The words that an operator types: up to the first keyword that only documents.
-std::string typed_keywords(const kestrel_cmd_row &row) {
-    const std::string all = all_keywords(row);
-    const std::string typed = all.substr(0, all.find_first_of("[<{|"));
-    return typed.substr(0, std::min(typed.find(" cookie"), typed.find_last_not_of(' ') + 1));
-}
-
 std::vector<kestrel_cmd_row> rows_where(bool (*wanted)(const kestrel_cmd_row &)) {
     std::vector<kestrel_cmd_row> rows;
     std::copy_if(std::begin(kestrel_cmd_list), std::end(kestrel_cmd_list), std::back_inserter(rows),
@@ -75,8 +43,7 @@ std::vector<kestrel_cmd_row> rows_where(bool (*wanted)(const kestrel_cmd_row &))
 class HostProcess : public testing::Test {
 protected:
     void SetUp() override {
-        std::string error;
-        ASSERT_TRUE(parse_host(builtin_host_text(), "builtin", driver.state, error)) << error;
+        driver.state = described(builtin_host_text());
         driver.trace = [this](const std::string &line) {
             ++requests;
             last_request = line;
@@ -192,10 +159,10 @@ std::vector<std::string> lines_of(const std::string &text) {
 
 TEST_F(HostProcess, PagesHoldTheRowsOfTheShellRun) {
     for (const kestrel_cmd_row &row : rows_where([](const kestrel_cmd_row &candidate) {
-             return candidate.allowed_from_agent != 0 && has_cookie(candidate) &&
-                    !is_stub(candidate.handler);
+             return candidate.allowed_from_agent != 0 && !kx_is_stub(candidate.handler) &&
+                    all_keywords(candidate).find(" cookie") != std::string::npos;
          })) {
-        const std::string command = typed_keywords(row);
+        const std::string command = command_of(row);
         std::vector<std::string> whole = lines_of(run_from_shell(command));
         EXPECT_FALSE(whole.empty()) << command;
         // Only a shell run of the bridge-domain lists is told how many there are.

@@ -2,11 +2,11 @@
 
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
+#include "tests/rows.h"
 
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -77,34 +77,8 @@ protected:
 };
 
 TEST_F(Matcher, CallsTheDeepestEarliestRowWithTheRest) {
-    const struct {
-        std::string text;
-        std::string calls;
-    } rows[] = {
-        {"show card", "card"},
-        {"SHOW  \tCard", "show"}, // the tab ends the command
-        {"SHOW   Card", "card"},
-        {"show cards", "show(cards)"},
-        {"show car", "show(car)"},
-        {"show card extra  words ", "card(extra  words )"},
-        {"show vlan 100", "vlan(100)"},
-        {"show vlan [vlan] cookie 7", "vlan(7)"},
-        {"show vlan [other] 7", "later vlan(7)"},
-        {"show card;;show version", "card, version"},
-        {" ; show card ;\n\x01show version\n", "card, version"},
-        {std::string("show card\0show card", 19), "card, card"},
-        {"stop; show card; show version", "stop"},
-        {"show version; show card", "version, card"},
-        {"show \xc3\xa9; show card", "show, card"},
-        {"1 2 3 4 5 6 7 8 9", "card(8 9)"},
-        {"1 2 3 4 5 6 7", "card"},
-        {"~; show card", "card"},
-        {"", ""},
-        {"  ;\t; ", ""},
-    };
-    for (const auto &row : rows) {
-        EXPECT_EQ(run(row.text), row.calls) << row.text;
-    }
+    for (const auto &row : golden("command_calls.tsv"))
+        EXPECT_EQ(run(row.at(0)), row.at(1)) << row[0];
 }
 
 TEST_F(Matcher, ReportsWhatItDoesNotRun) {
@@ -162,21 +136,19 @@ TEST(CommandTable, HoldsTheCatalogueRowForRow) {
 #include "tests/golden/handlers.def"
     };
 #undef HANDLER
-    std::ifstream file(TESTS_DIR "/golden/catalogue.tsv");
-    std::string line;
+    const auto or_dash = [](const char *text) { return text == nullptr ? "-" : text; };
     int index = 0;
-    for (; std::getline(file, line); ++index) {
+    for (const auto &expected : golden("catalogue.tsv")) {
         ASSERT_LT(index, KESTREL_CMD_ROWS);
-        const kestrel_cmd_row &row = kestrel_cmd_list[index];
-        std::ostringstream text;
-        text << row.kind << '\t';
-        for (int k = 0; k < KESTREL_CMD_KEYWORDS && row.keywords[k] != nullptr; ++k) {
-            text << (k == 0 ? "" : "#") << row.keywords[k];
-        }
-        text << '\t' << (row.argument_hint == nullptr ? "-" : row.argument_hint) << '\t'
-             << (row.help_text == nullptr ? "-" : row.help_text) << '\t' << row.allowed_from_agent
-             << '\t' << (row.handler == nullptr ? "-" : names.at(row.handler));
-        EXPECT_EQ(text.str(), line) << "row " << index;
+        const kestrel_cmd_row &row = kestrel_cmd_list[index++];
+        const std::vector<std::string> seen = {std::to_string(row.kind),
+                                               all_keywords(row, "#"),
+                                               or_dash(row.argument_hint),
+                                               or_dash(row.help_text),
+                                               std::to_string(row.allowed_from_agent),
+                                               row.handler == nullptr ? "-"
+                                                                      : names.at(row.handler)};
+        EXPECT_EQ(seen, expected) << "row " << index;
         EXPECT_EQ(row.reserved, 0u);
     }
     EXPECT_EQ(index, KESTREL_CMD_ROWS);
@@ -189,18 +161,16 @@ TEST(CommandTable, RowsThatAnswerNothingFail) {
 }
 
 TEST(Help, PrintsTheCatalogueSortedWithinItsSections) {
-    std::ifstream file(TESTS_DIR "/golden/help.txt");
-    const std::string golden((std::istreambuf_iterator<char>(file)), {});
-    ASSERT_FALSE(golden.empty());
+    const std::string help = golden_text("help.txt");
     std::vector<kestrel_cmd_row> table(kestrel_cmd_list, kestrel_cmd_list + KESTREL_CMD_ROWS);
     std::vector<char> buffer(20480);
     const int size = static_cast<int>(buffer.size());
     EXPECT_EQ(kxcmd_snprintf_help(table.data(), buffer.data(), size),
-              static_cast<int>(golden.size()));
-    EXPECT_EQ(std::string(buffer.data()), golden);
+              static_cast<int>(help.size()));
+    EXPECT_EQ(std::string(buffer.data()), help);
     // Sorting once more changes nothing.
     kxcmd_snprintf_help(table.data(), buffer.data(), size);
-    EXPECT_EQ(std::string(buffer.data()), golden);
+    EXPECT_EQ(std::string(buffer.data()), help);
 }
 
 TEST(Help, StopsAtTheBuffersEnd) {

@@ -24,13 +24,11 @@ protected:
     // What the tool prints; `errors` and `exit_value` are the rest.
     std::string run(std::vector<std::string> words) {
         words.insert(words.begin(), "tarncmd");
-        std::vector<char *> arguments;
-        for (std::string &word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
         testing::internal::CaptureStderr();
-        const std::string printed = traced_by(
-            [&] { exit_value = tarncmd_main(static_cast<int>(words.size()), arguments.data()); });
+        const std::string printed = traced_by([&] {
+            exit_value =
+                tarncmd_main(static_cast<int>(words.size()), argument_vector(words).data());
+        });
         errors = testing::internal::GetCapturedStderr();
         return printed;
     }

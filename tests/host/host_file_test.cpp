@@ -1,11 +1,12 @@
 // Host files: what is wrong with one, and on which line.
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "host/hex.h"
-#include "host/host_file.h"
 #include "host/json_tree.h"
 #include "host/keys.h"
 #include "host/value.h"
 #include "sim/builtin_host.h"
+#include "tests/golden.h"
+#include "tests/host/described.h"
 #include "tests/host/random_host.h"
 
 #include <cerrno>
@@ -21,78 +22,11 @@
 namespace {
 
 TEST(HostFile, SaysWhereItIsWrong) {
-    const struct {
-        const char *text;
-        const char *error;
-    } rows[] = {
-        {"", "f:1: not JSON: syntax error while parsing value - unexpected end of input; "
-             "expected '[', '{', or a literal"},
-        {"{\n\"ports\": [\n}", "f:3: not JSON: syntax error while parsing value - unexpected "
-                               "'}'; expected '[', '{', or a literal"},
-        {"{\"vlans\": \"1\"\n} x",
-         "f:2: not JSON: syntax error while parsing value - invalid literal; last read: "
-         "'\"1\"<U+000A>} x'; expected end of input"},
-        {"{\"card\": {\"name\": \"\xFF\"}}",
-         "f:1: not JSON: syntax error while parsing value - invalid string: ill-formed UTF-8 "
-         "byte; last read: '\"\xEE\xBF\xBF'"},
-        {"[]", "f:1: the host: expected an object"},
-        {"{\n\n\"prots\": []}", "f:3: prots: unknown key"},
-        {"{\"card\": {\"domain\": 1,\n\"domain\": 2}}", "f:2: \"domain\" is given twice"},
-        {"{\"card\": []}", "f:1: card: expected an object"},
-        {"{\"card\": {\n\"domain\": -1\n}}",
-         "f:2: card.domain: expected a number from 0 to 4294967295"},
-        {"{\"card\": {\n\"domain\": 4294967296}}",
-         "f:2: card.domain: expected a number from 0 to 4294967295"},
-        {"{\"card\": {\"domain\": \"12x\"}}",
-         "f:1: card.domain: expected a number from 0 to 4294967295"},
-        {"{\"card\": {\"leaf_mode\": 1}}", "f:1: card.leaf_mode: expected true or false"},
-        {"{\"ports\": [{\"ltl\": 1},\n{}]}", "f:2: ports[1].ltl: is missing"},
-        {"{\"ports\": [{\"ltl\": 1},\n{\"ltl\": 1}]}", "f:2: ports[1].ltl: is used twice"},
-        {"{\"ports\": [{\"ltl\": 1, \"link\": \"Up\"}]}",
-         "f:1: ports[0].link: expected one of \"up\", \"down\", or a number"},
-        {"{\"ports\": [{\"ltl\": 1, \"krt\": {\"nam\": \"\"}}]}",
-         "f:1: ports[0].krt.nam: unknown key"},
-        {"{\"ports\": [{\"ltl\": 1, \"org\": 256}]}",
-         "f:1: ports[0].org: expected a number from 0 to 255"},
-        {"{\"ports\": [{\"ltl\": 1, \"interface\": \"Veth0\"}]}",
-         "f:1: ports[0].interface: expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or "
-         "a number"},
-        {"{\"ports\": [{\"ltl\": 1, \"mac\": \"00:50:56:aa:bb\"}]}",
-         "f:1: ports[0].mac: expected a MAC address such as \"00:50:56:aa:bb:cc\""},
-        {"{\"vlans\": \"1-4096\"}",
-         "f:1: vlans: expected numbers from 1 to 4095 such as \"1,10-20\""},
-        {"{\"vlans\": \"20-10\"}",
-         "f:1: vlans: expected numbers from 1 to 4095 such as \"1,10-20\""},
-        {"{\"card\": {\"leaf_mode\": 1}}", "f:1: card.leaf_mode: expected true or false"},
-        {"{\"card\": {\"leaf_mode\": 256}}", "f:1: card.leaf_mode: expected true or false"},
-        {"{\"card\": {\"name\": \"a\\u0000b\"}}", "f:1: card.name: expected a text without a NUL"},
-        {"{\"card\": {\"processors\": null, \"processor_cores\": 2}}",
-         "f:1: card.processor_cores: belongs to what is refused"},
-        {"{\"drops\": [{\"ltl\": 1, \"known\": false,\n\"40\": 2}]}",
-         "f:2: drops[0].40: belongs to what is refused"},
-        {"{\"drops\": [{\"ltl\": 1, \"41\": 2}]}", "f:1: drops[0].41: unknown key"},
-        {"{\"drops\": [{\"ltl\": 1, \"03\": 2}]}", "f:1: drops[0].03: unknown key"},
-        {"{\"ports\": [{\"ltl\": 1, \"mac\": null}]}",
-         "f:1: ports[0].mac: expected a MAC address such as \"00:50:56:aa:bb:cc\""},
-        {"{\"ports\": null}", "f:1: ports: expected a list"},
-        {"{\"ports\": [{\"ltl\": 1, \"secure_learning\": [\"never\"]}]}",
-         "f:1: ports[0].secure_learning: expected one of \"ages-absolute\", \"ages-inactivity\", "
-         "\"never-ages\", or a number"},
-        {"{\"private_vlans\": [{\"ltl\": 1, \"vlan\": 2}, {\"ltl\": 2, \"vlan\": 2},\n"
-         "{\"vlan\": 2, \"ltl\": 1}]}",
-         "f:2: private_vlans[2].vlan: is used twice"},
-        {"{\"lacp\": {\"carriers\": {\"physical\": [1,2,3,4,5,6,7,8,9]}}}",
-         "f:1: lacp.carriers.physical: expected at most 8 numbers"},
-        {"{\"overrides\": [{\"opcode\": 1, \"reply\": \"abc\"}]}",
-         "f:1: overrides[0].reply: expected bytes in hexadecimal"},
-        {"{\"overrides\": [{\"opcode\": 1, \"reply\": \"00*9999999\"}]}",
-         "f:1: overrides[0].reply: expected bytes in hexadecimal"},
-    };
-    for (const auto &row : rows) {
+    for (const auto &row : golden("host_errors.tsv")) {
         host parsed;
         std::string error;
-        EXPECT_FALSE(parse_host(row.text, "f", parsed, error)) << row.text;
-        EXPECT_EQ(error, row.error);
+        EXPECT_FALSE(parse_host(row.at(0), "f", parsed, error)) << row[0];
+        EXPECT_EQ(error, row.at(1));
     }
     host parsed;
     std::string error;
@@ -127,138 +61,48 @@ TEST(HostFile, ManyKeysAreReadInNoTime) {
     EXPECT_LT(clock() - start, 6 * CLOCKS_PER_SEC);
 }
 
-// A text as it stands in the file, and the driver's bytes.
 TEST(HostFile, TextsAreAnyBytes) {
-    const struct {
-        const char *text;
-        const char *bytes;
-    } rows[] = {
-        {"plain", "plain"},
-        {"\\b\\f\\n\\r\\t\\\"\\\\/\\u0001\\u001f\\u007f", "\b\f\n\r\t\"\\/\x01\x1f\x7f"},
-        {"\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80"},
-        {"\xEE\xBE\x80", "\x80"},
-        {"\xEE\xBF\xBF", "\xFF"},
-        {"\xEE\xBF\x83"
-         "a",
-         "\xC3"
-         "a"},                                                    // a character cut short
-        {"\xEE\xBF\x80\xEE\xBE\xAF", "\xC0\xAF"},                 // a slash that is too long
-        {"\xEE\xBF\xAD\xEE\xBE\xA0\xEE\xBE\x80", "\xED\xA0\x80"}, // a surrogate
-        {"\xEE\xBF\xB4\xEE\xBE\x90\xEE\xBE\x80\xEE\xBE\x80", "\xF4\x90\x80\x80"}, // too large
-        {"\xEE\xBF\xAE\xEE\xBE\xBE\xEE\xBE\x80", "\xEE\xBE\x80"},                 // U+EF80 itself
-        {"\xEE\xBE\xBF\xEF\x80\x80", "\xBF\xEF\x80\x80"}, // its neighbour, U+F000, is plain
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.text);
-        host described;
-        described.card.name = row.bytes;
-        const std::string written =
-            std::string("{\n  \"card\": {\n    \"name\": \"") + row.text + "\"\n  }\n}\n";
-        EXPECT_EQ(write_host(described), written);
-        host read;
-        std::string error;
-        EXPECT_TRUE(parse_host(written, "f", read, error)) << error;
-        EXPECT_EQ(read.card.name, row.bytes);
+    for (const auto &row : golden("host_texts.tsv")) {
+        SCOPED_TRACE(row.at(0));
+        host named;
+        named.card.name = row.at(1);
+        const std::string written = "{\n  \"card\": {\n    \"name\": \"" + row[0] + "\"\n  }\n}\n";
+        EXPECT_EQ(write_host(named), written);
+        EXPECT_EQ(described(written).card.name, row[1]);
     }
 }
 
 // What is said, what is left out, and what no key can say.
 TEST(HostFile, IsWrittenInOneForm) {
-    host described;
-    EXPECT_EQ(write_host(described), "{}\n");
-    described.card.slot.reset();
-    described.card.leaf_mode = 2;
-    described.card.tunnel_mode = KX_TUNNEL_MODE_L3;
-    described.card.upgrade = 9;
-    described.card.management_ipv6->back() = 1;
-    described.bridge_domains.vlans = {20, 1, 3};
-    bridge_domain &odd = described.bridge_domains.by_index[2];
+    host lab;
+    EXPECT_EQ(write_host(lab), "{}\n");
+    lab.card.slot.reset();
+    lab.card.leaf_mode = 2;
+    lab.card.tunnel_mode = KX_TUNNEL_MODE_L3;
+    lab.card.upgrade = 9;
+    lab.card.management_ipv6->back() = 1;
+    lab.bridge_domains.vlans = {20, 1, 3};
+    bridge_domain &odd = lab.bridge_domains.by_index[2];
     odd.record.vlan = 30;
     odd.record.swbd = 30; // follows from the VLAN
     odd.record.segment_features = 0x81;
     odd.record.kind = 3;
-    port &listed = described.ports.by_ltl[7];
+    port &listed = lab.ports.by_ltl[7];
     for (port_view &view : listed.views)
         view.record.if_index = 0x2500C000;
     listed.views[KX_VIEW_KRT].vlans.reset();
     listed.views[KX_VIEW_SYSTEM].record.if_index = 0x1C000010;
-    described.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
-                                      {.mac = {2, 0, 0, 0, 0, 1}}};
-    override_rule &rule = described.overrides.emplace_back();
+    lab.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
+                                {.mac = {2, 0, 0, 0, 0, 1}}};
+    override_rule &rule = lab.overrides.emplace_back();
     rule.opcode = 15;
     rule.in.emplace();
     rule.error = ENODEV;
     // No such VLAN, and a port that no request can ask for.
-    described.bridge_domains.by_index[9].record.vlan = 4096;
-    described.ports.by_ltl[0x1000000] = {};
-    const char *const expected = R"({
-  "card": {
-    "slot": null,
-    "tunnel_mode": "l3",
-    "leaf_mode": 2,
-    "management_ipv6": "::1",
-    "upgrade": 9
-  },
-  "vlans": [
-    1,
-    3,
-    20
-  ],
-  "bridge_domains": [
-    {
-      "index": 2,
-      "vlan": 30,
-      "kind": 3,
-      "segment_features": [
-        "mac-distribution",
-        128
-      ]
-    },
-    {
-      "index": 9
-    }
-  ],
-  "ports": [
-    {
-      "ltl": 7,
-      "interface": "Eth4/1",
-      "admin": "down",
-      "link": "down",
-      "krt": {
-        "vlans": null
-      },
-      "system": {
-        "interface": "Veth2"
-      }
-    }
-  ],
-  "l2": {
-    "tables": [
-      {
-        "bridge_domain": 4,
-        "entries": [
-          {
-            "mac": "02:00:00:00:00:09",
-            "pvlan": 0
-          },
-          {
-            "mac": "02:00:00:00:00:01"
-          }
-        ]
-      }
-    ]
-  },
-  "overrides": [
-    {
-      "opcode": 15,
-      "in": "",
-      "error": "ENODEV"
-    }
-  ]
-}
-)";
+    lab.bridge_domains.by_index[9].record.vlan = 4096;
+    lab.ports.by_ltl[0x1000000] = {};
     std::vector<std::string> unsaid;
-    EXPECT_EQ(write_host(described, &unsaid), expected);
+    EXPECT_EQ(write_host(lab, &unsaid), golden_text("host_file.json"));
     EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
@@ -289,19 +133,10 @@ TEST(HostFile, InterfacesAreNamedOrNumbered) {
                 {"\"0x1c000013\"", 0x1C000013},
                 {"469762064", 0x1C000010}};
     for (const auto &row : rows) {
-        host parsed;
-        std::string error;
-        parse_host(std::string("{\"ports\": [{\"ltl\": 1, \"interface\": ") + row.given + "}]}",
-                   "f", parsed, error);
-        EXPECT_EQ(error, "");
+        const host parsed =
+            described(R"({"ports": [{"ltl": 1, "interface": )" + std::string(row.given) + "}]}");
         EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, row.index);
     }
-}
-
-TEST(HostFile, BuiltInHostIsWellFormed) {
-    host parsed;
-    std::string error;
-    EXPECT_TRUE(parse_host(builtin_host_text(), "built-in host", parsed, error)) << error;
 }
 
 // The built-in host and those of tests/hosts.
@@ -380,15 +215,10 @@ std::string all_values(const host &of) {
 }
 
 void check_round_trip(const std::string &text) {
-    host first;
-    host second;
-    std::string error;
     std::vector<std::string> unsaid;
-    ASSERT_TRUE(parse_host(text, "f", first, error)) << error << text;
-    const std::string written = write_host(first, &unsaid);
+    const std::string written = write_host(described(text), &unsaid);
     EXPECT_EQ(unsaid, std::vector<std::string>{});
-    ASSERT_TRUE(parse_host(written, "f", second, error)) << error << written;
-    ASSERT_EQ(write_host(second), written);
+    EXPECT_EQ(write_host(described(written)), written);
 }
 
 TEST(HostFile, ComesBackAsItWasWritten) {
@@ -398,9 +228,7 @@ TEST(HostFile, ComesBackAsItWasWritten) {
         SCOPED_TRACE(seed);
         const host drawn = random_host(seed);
         const std::string written = write_host(drawn);
-        host read;
-        std::string error;
-        ASSERT_TRUE(parse_host(written, "f", read, error)) << error << written;
+        const host read = described(written);
         ASSERT_EQ(write_host(read), written);
         ASSERT_EQ(all_values(read), all_values(drawn));
     }

@@ -179,11 +179,6 @@ void hostile_driver_restart(uint64_t seed) {
     driver.patience = 8U << driver.random.below(5);
 }
 
-void hostile_driver_quiet() {
-    the_hostile_driver = hostile_driver{};
-    the_hostile_driver.patience = 0;
-}
-
 int hostile_driver_answer(kxdpa_request *record) {
     hostile_driver &driver = the_hostile_driver;
     hostile_random &random = driver.random;

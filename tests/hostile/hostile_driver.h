@@ -61,9 +61,6 @@ int hostile_driver_answer(kxdpa_request *record);
 // A driver for one run: everything about it follows from the seed.
 void hostile_driver_restart(uint64_t seed);
 
-// A driver that only ever says that there is no such entry.
-void hostile_driver_quiet();
-
 // A run that goes on asking for so many requests will never end.
 constexpr uint32_t HOSTILE_REQUESTS_LIMIT = 1000000;
 

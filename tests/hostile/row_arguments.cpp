@@ -1,53 +1,17 @@
 #include "tests/hostile/row_arguments.h"
 
+#include "tests/rows.h"
+
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 namespace {
 
 constexpr int RANDOM_SHAPES = 6;
 
-const std::vector<std::string> &common_arguments() {
-    static const std::vector<std::string> arguments = {
-        "",
-        "20",
-        "0x14",
-        "4095",
-        "4294967295",
-        "99999999999999999999",
-        "-1",
-        "cookie",
-        "cookie 0",
-        "cookie 20",
-        "cookie 4294967295 x",
-        "all",
-        "ltl",
-        "ltl 20",
-        "vlan 10 ltl 20",
-        "internal",
-        "detail 10",
-        "10.1.2.3",
-        "300.1.2.3",
-        "00:11:22:33:44:55",
-        "fe80::1",
-        "on",
-        "1 20",
-        "5 ltl 20",
-        "trunk native-vlan 5 ltl 20",
-        "a b c d e f g h i j k l m n o p q r s t u v w x y z",
-        "%s%n%x %d",
-        "\\\"'`$(x)&|<>*?[]{}~#!",
-        std::string(120, 'w'),
-        std::string(200, '9'),
-        std::string(60, ' ') + "20",
-    };
-    return arguments;
-}
-
-bool is_plain(const char *keyword) {
-    return strpbrk(keyword, "[]<>|") == nullptr && strcmp(keyword, "cookie") != 0;
-}
+const char *const COMMON_ARGUMENTS[] = {
+#include "tests/hostile/arguments.def"
+};
 
 void add_words(const char *documentation, std::vector<std::string> &words) {
     const std::string text = documentation == nullptr ? "" : documentation;
@@ -93,7 +57,7 @@ std::string fill_in(const std::string &word, hostile_random &random) {
 std::string filled_in(const kestrel_cmd_row &row, hostile_random &random) {
     std::string documentation;
     for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && (!documentation.empty() || !is_plain(keyword))) {
+        if (keyword != nullptr && (!documentation.empty() || is_documentation(keyword))) {
             documentation += std::string(keyword) + " ";
         }
     }
@@ -118,22 +82,13 @@ std::string some_garbage(hostile_random &random) {
     return text;
 }
 
-std::string command_of(const kestrel_cmd_row &row) {
-    std::string command;
-    for (const char *keyword : row.keywords) {
-        if (keyword == nullptr || !is_plain(keyword)) {
-            break;
-        }
-        command += std::string(command.empty() ? "" : " ") + keyword;
-    }
-    return command;
-}
-
 std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random) {
-    std::vector<std::string> arguments = common_arguments();
+    std::vector<std::string> arguments(std::begin(COMMON_ARGUMENTS), std::end(COMMON_ARGUMENTS));
+    arguments.insert(arguments.end(),
+                     {std::string(120, 'w'), std::string(200, '9'), std::string(60, ' ') + "20"});
     std::vector<std::string> words;
     for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && !is_plain(keyword)) {
+        if (keyword != nullptr && is_documentation(keyword)) {
             add_words(keyword, words);
         }
     }

@@ -8,9 +8,6 @@
 #include <string>
 #include <vector>
 
-// The keywords that an operator types: up to the first one that only documents.
-std::string command_of(const kestrel_cmd_row &row);
-
 // The arguments to try behind a row's keywords: common ones, the words that the row's own
 // documentation names, and garbage.
 std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random);

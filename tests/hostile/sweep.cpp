@@ -1,20 +1,24 @@
-// Runs every command of the table with many arguments against a hostile driver and agent.
+// Runs every command of the table with many arguments against a hostile driver and shell.
 //
 //     hostile_sweep [SEED...]        these seeds; a few fixed ones when none is named
 //     hostile_sweep --seconds N      fresh seeds for that long
 //
 // It prints what it did and exits with 0. A finding ends it, with a line on standard error that
 // names the seed and the command.
+#include "dpa/userspace/kxdpa_request.h"
+#include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/run_state.h"
-#include "tests/hostile/hostile_agent.h"
 #include "tests/hostile/hostile_driver.h"
 #include "tests/hostile/row_arguments.h"
+#include "tests/rows.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -37,6 +41,9 @@ struct tally {
     uint64_t runs = 0;
     uint64_t replies = 0;
 } done;
+
+// What the host's own program prints when the tool asks it.
+std::string shell_output;
 
 // What is running, for the line that goes with a finding.
 char running[COMMAND_LENGTH * 2];
@@ -113,11 +120,7 @@ void run_command(const std::string &text, uint64_t seed) {
     alarm(RUN_SECONDS);
     hostile_driver_restart(seed);
     hostile_random choices(~seed);
-    hostile_agent agent;
-    agent.reads_pipe = choices.one_in(2);
-    agent.output = some_garbage(choices) + "#byeBye#";
-    agent.shell_output = choices.one_in(2) ? some_garbage(choices) : "10.1.2.3\n";
-    hostile_agent_restart(agent);
+    shell_output = choices.one_in(2) ? some_garbage(choices) : "10.1.2.3\n";
     set_traces(choices.one_in(8));
     kx_run_broken = false;
     switch (choices.below(3)) {
@@ -140,7 +143,8 @@ void sweep_rows(uint64_t seed) {
     hostile_random random(seed);
     uint64_t rows = 0;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
-        if (row.kind != KESTREL_CMD_COMMAND) {
+        // The agent's pipe is no driver.
+        if (row.kind != KESTREL_CMD_COMMAND || row.handler == kx_dpa_cmd) {
             continue;
         }
         rows++;
@@ -165,6 +169,31 @@ uint64_t fresh_seed() {
 }
 
 } // namespace
+
+extern "C" {
+
+int ioctl(int /*descriptor*/, unsigned long code, ...) noexcept {
+    va_list values;
+    va_start(values, code);
+    auto *record = va_arg(values, kxdpa_request *);
+    va_end(values);
+    if (code != 0) {
+        errno = ENOTTY;
+        return -1;
+    }
+    return hostile_driver_answer(record);
+}
+
+FILE *popen(const char * /*command*/, const char * /*mode*/) {
+    // An empty text cannot be opened as a file.
+    return shell_output.empty() ? fopen("/dev/null", "r")
+                                : fmemopen(shell_output.data(), shell_output.size(), "r");
+}
+
+int pclose(FILE *file) {
+    return fclose(file);
+}
+}
 
 extern "C" void __asan_set_death_callback(void (*callback)()) __attribute__((weak));
 
@@ -192,7 +221,6 @@ int main(int argc, char *argv[]) {
             sweep_rows(seed);
         }
     }
-    hostile_agent_restart({});
     fprintf(report, "hostile driver: %llu rows, %llu runs, %llu replies\n",
             static_cast<unsigned long long>(done.rows), static_cast<unsigned long long>(done.runs),
             static_cast<unsigned long long>(done.replies));

@@ -1,33 +1,12 @@
 #include "if_index/if_index_name.h"
-
-#include <gtest/gtest.h>
+#include "tests/golden.h"
 
 #include <cstring>
-#include <fstream>
+#include <gtest/gtest.h>
 #include <memory>
 #include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
-
-// The rows of a golden table, split at tabs.
-std::vector<std::vector<std::string>> golden(const char *name) {
-    std::ifstream file(std::string(TESTS_DIR "/golden/") + name);
-    std::vector<std::vector<std::string>> rows;
-    for (std::string line; std::getline(file, line);) {
-        std::istringstream columns(line + "\t");
-        for (rows.emplace_back(); std::getline(columns, line, '\t');)
-            rows.back().push_back(line);
-    }
-    EXPECT_GT(rows.size(), 40U);
-    return rows;
-}
-
-uint32_t number(const std::string &text) {
-    return static_cast<uint32_t>(std::stoul(text, nullptr, 0));
-}
 
 using NamePrinter = int(char *buffer, size_t size, uint32_t if_index);
 using SmallPrinter = int(char *buffer, uint32_t if_index);
@@ -72,24 +51,13 @@ TEST(IfIndexName, HasTheRangesOfTheGoldenTable) {
 }
 
 TEST(IfIndexName, RangeThatDoesNotFit) {
-    const struct {
-        if_index_range range;
-        size_t size;
-        const char *text;
-        int length;
-    } rows[] = {
-        {{0x1A000000, 0x1A003000}, 7, "Eth1/1-4", 8}, // the end may go beyond the size
-        {{0x1A000000, 0x1A003000}, 6, "", 0},         // not even the first name
-        {{0x09000064, 0x090000C8}, 8, "Vlan100-200", 11},
-        {{0x1D000007, 0x1D0FFFFE}, 8, "vif7", 0}, // "-1048575" alone is too long
-        {{0x1D000007, 0x1D0FFFFE}, 9, "vif7-1048575", 12},
-        {{0x01000001, 0x01000004}, 10, "fc1/1.1fc1/1.1-4", 16},
-        {{0x01000001, 0x01000004}, 9, "fc1/1.1", 0},
-    };
-    for (const auto &row : rows) {
-        const std::unique_ptr<char[]> buffer(new char[if_index_range_storage(row.size)]);
-        EXPECT_EQ(snprintf_if_index_range_short(buffer.get(), row.size, &row.range), row.length);
-        EXPECT_STREQ(buffer.get(), row.text) << row.size;
+    for (const auto &row : golden("interface_range_cuts.tsv")) {
+        const if_index_range cut = {number(row.at(0)), number(row.at(1))};
+        const size_t size = number(row.at(2));
+        const std::unique_ptr<char[]> buffer(new char[if_index_range_storage(size)]);
+        EXPECT_EQ(snprintf_if_index_range_short(buffer.get(), size, &cut),
+                  static_cast<int>(number(row.at(3))));
+        EXPECT_EQ(buffer.get(), row.at(4)) << size;
     }
     const if_index_range range = {0x1A000000, 0x1A003000};
     char exact[if_index_range_storage(12)];

@@ -1,78 +1,19 @@
 #include "if_index/if_index_parse.h"
-
-#include <gtest/gtest.h>
+#include "tests/golden.h"
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <string>
+#include <gtest/gtest.h>
 
 namespace {
 
 constexpr uint32_t UNTOUCHED = 0xDEADBEEF;
 
 TEST(IfIndexParse, Names) {
-    const struct {
-        const char *text;
-        int built;
-        uint32_t if_index;
-    } rows[] = {
-        {"  null0", 1, 0x17000000},
-        {"NULL0", 1, 0x17000000},
-        {"null0 ", 0, UNTOUCHED},
-        {"null1", 0, UNTOUCHED},
-        {"ethernet4/1", 1, 0x2500C000},
-        {"  Ethernet4/1.5", 1, 0x2500C005},
-        {"\tEthernet4/1.5", 0, UNTOUCHED},
-        {"hmx-ethernet4/1", 1, 0x2500C000},
-        {"ethernet4", 0, UNTOUCHED},
-        {"ethernet4/1/2/3", 0, UNTOUCHED},
-        {"ethernet", 0, UNTOUCHED},
-        {"ethernet4/1,5", 1, 0x2500C000},
-        {"ethernet4/1,ethernet5/1", 0, UNTOUCHED}, // only a digit right behind a comma is cut off
-        {"ethernet4/1-9", 1, 0x2500C000},
-        {"ethernet4,1", 0, UNTOUCHED},
-        {"vethernet7", 1, 0x1C000060},
-        {"veth12.3", 1, 0x1C0000B3},
-        {"po5", 0, UNTOUCHED},
-        {"port-channel5", 1, 0x04000004},
-        {"san-port-channel 5.3", 1, 0x04000304},
-        {"ethernet-port-channel5", 1, 0x16000004},
-        {"ipc 2/5/3", 1, 0x04200304},
-        {"fc32/128.7", 1, 0x01FFF007},
-        {"fc99/1", 1, UNTOUCHED}, // out of range reads as success
-        {"fc99999999999/1", 1, UNTOUCHED},
-        {"fc1", 0, UNTOUCHED},
-        {"fcip7", 0, UNTOUCHED}, // begins with "fc"
-        {"fc1/2/3/4/5/6/7/8/9/10", 0, UNTOUCHED},
-        {"fc1/2/3/4/5/6/7/8/9/10/11", 0, UNTOUCHED},
-        {"gigabitethernet2/3", 1, 0x02082000},
-        {"gigabitethernet2/3/5.7", 1, 0x1F012147},
-        {"mgmt0", 1, 0x05000000},
-        {"mgmt0/2", 1, 0x05080000},
-        {"sup-fc0", 1, 0x05000000},
-        {"cpp1/4/7", 1, 0x08003007},
-        {"vsan7", 1, 0x08F80007},
-        {"vlan4095", 1, UNTOUCHED},
-        {"loopback1023", 1, 0xFE0003FF},
-        {"tunnel-te5", 1, 0x18000005}, // begins with "tunnel"
-        {"vfc-veth5", 1, 0x1E000004},  // begins with "vfc"
-        {"vfc4/2/3", 1, 0x1E402103},
-        {"remote-ethernet101/2/3", 1, 0x1F641080},
-        {"bay1", 0, UNTOUCHED},
-        {"serial1", 0, UNTOUCHED},
-        {"Unknown1", 0, UNTOUCHED},
-        {"POS2/3", 1, 0x01082000},
-        {"RP-to-RP2/3", 1, 0x02082000},
-        {"Autotunnel7", 1, 0x08F80007},
-        {"eth-port-channel3/2", 1, 0x0B101000},
-        {"", 0, UNTOUCHED},
-        {"7", 0, UNTOUCHED},
-    };
-    for (const auto &row : rows) {
+    for (const auto &row : golden("interface_parse.tsv")) {
         uint32_t if_index = UNTOUCHED;
-        EXPECT_EQ(vsh_interface_name_to_ifindex(row.text, &if_index), row.built) << row.text;
-        EXPECT_EQ(if_index, row.if_index) << row.text;
+        EXPECT_EQ(vsh_interface_name_to_ifindex(row.at(0).c_str(), &if_index), row.at(1) == "1")
+            << row[0];
+        EXPECT_EQ(if_index, row.at(2) == "-" ? UNTOUCHED : number(row[2])) << row[0];
     }
     EXPECT_EQ(vsh_interface_name_to_ifindex("null0", nullptr), 0);
 }
@@ -94,23 +35,21 @@ TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {
 // A row a keyword: its text, and what it builds of the first one, two, three and four numbers.
 TEST(IfIndexParse, KeywordsBuildWhatTheGoldenTableSays) {
     const uint32_t numbers[IF_NAME_MAX_NUMBERS] = {2, 11, 12, 13};
-    std::ifstream file(TESTS_DIR "/golden/interface_keywords.tsv");
     uint32_t keyword = 0;
-    for (std::string line; std::getline(file, line); keyword++) {
-        SCOPED_TRACE(line);
-        std::istringstream columns(line);
-        std::string text, index;
-        std::getline(columns, text, '\t');
+    for (const auto &row : golden("interface_keywords.tsv")) {
+        SCOPED_TRACE(row.at(0));
         ASSERT_LT(keyword, IF_KEYWORD_COUNT);
-        EXPECT_EQ(INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[keyword], text);
+        EXPECT_EQ(INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[keyword], row[0]);
         for (int count = 0; count <= IF_NAME_MAX_NUMBERS; count++) {
-            const bool builds = count >= 1 && columns >> index && index != "-";
+            const auto column = static_cast<size_t>(count);
+            const bool builds = count >= 1 && column < row.size() && row[column] != "-";
             uint32_t if_index = UNTOUCHED;
             EXPECT_EQ(vsh_interface_coordinates_to_ifindex(keyword, numbers, count, &if_index),
                       builds ? 1 : 0)
                 << count;
-            EXPECT_EQ(if_index, builds ? std::stoul(index, nullptr, 16) : UNTOUCHED) << count;
+            EXPECT_EQ(if_index, builds ? number(row[column]) : UNTOUCHED) << count;
         }
+        keyword++;
     }
     EXPECT_EQ(keyword, 69U);
 }

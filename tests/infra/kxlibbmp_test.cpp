@@ -3,7 +3,6 @@
 
 #include <bitset>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -314,58 +313,18 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     const bitset_range backwards = {5, 4};
     const bitset_range outside = {0, BITS};
 
-    const std::string one_bit = "bNo >= 0 && bNo < bitset_numbits( b )";
-    const std::string many_bits = "bNo >= 0 && bNo+len <= bitset_numbits( b )";
-    const std::string sizes = "b->size == b1->size";
-    const std::string alignment = "!((uint32_t)bp & 0x3)";
-    const std::string order = "range->lower <= range->upper";
-    const std::string inside = "range->lower >= 0 && range->upper < bitset_numbits( b )";
     int32_t got = 0; // stays so where the operation has no result
-    const struct {
-        std::string line;
-        std::function<void()> call;
-        int32_t result;
-    } rows[] = {
-        {"clear:  b", [&] { bitset_clear(nullptr); }, 0},
-        {"fill:  b", [&] { bitset_fill(nullptr); }, 0},
-        {"size:  b", [&] { bitset_size(nullptr); }, 0},
-        {"is_bit_set:  b", [&] { got = bitset_is_bit_set(nullptr, 0); }, 0},
-        {"copy:  dst->size == src->size", [&] { bitset_copy(&set, &small); }, 0},
-        {"union:  b && b1", [&] { bitset_union(&set, nullptr); }, 0},
-        {"union:  " + sizes, [&] { bitset_union(&set, &small); }, 0},
-        {"intersection:  " + sizes, [&] { bitset_intersection(&set, &small); }, 0},
-        {"subtract:  " + sizes, [&] { bitset_subtract(&set, &small); }, 0},
-        {"equal:  b && b1", [&] { got = bitset_equal(nullptr, &set); }, 0},
-        {"equal:  " + sizes, [&] { got = bitset_equal(&set, &small); }, 0},
-        {"subset:  b && b1", [&] { got = bitset_subset(&set, nullptr); }, 0},
-        {"maskcopy:  b && b1 && mask", [&] { bitset_maskcopy(&set, &set, nullptr); }, 0},
-        {"maskcopy:  " + sizes, [&] { bitset_maskcopy(&set, &small, &small); }, 0},
-        {"maskequal:  b1->size == mask->size", [&] { got = bitset_maskequal(&set, &set, &small); },
-         0},
-        {"set_bit:  " + one_bit, [&] { bitset_set_bit(&set, BITS); }, 0},
-        {"clear_bit:  " + one_bit, [&] { bitset_clear_bit(&set, -1); }, 0},
-        {"is_bit_set:  " + one_bit, [&] { got = bitset_is_bit_set(&set, BITS); }, 0},
-        {"set_range_value:  " + many_bits, [&] { bitset_set_range(&set, BITS - 1, 2); }, 0},
-        {"set_range_value:  " + many_bits, [&] { bitset_clear_range(&set, -1, 9); }, 0},
-        {"set_range_value:  " + many_bits, [&] { bitset_set_range(&set, 1, INT32_MAX); }, 0},
-        {"find_bit:  bNo >= 0", [&] { got = bitset_find_bit(&set, -1); }, -1},
-        {"find_bit:  bNo >= 0", [&] { got = bitset_next_bit(&set, INT32_MAX); }, -1},
-        {"find_free_bit:  bNo >= 0", [&] { got = bitset_next_free_bit(&set, -2); }, -1},
-        {"find_prev_bit:  bNo >= 0", [&] { got = bitset_find_prev_bit(&set, -1); }, -1},
-        {"find_prev_bit:  bNo < (b->size * 8)", [&] { got = bitset_find_prev_bit(&set, BITS); },
-         -1},
-        {"find_bit:  " + alignment, [&] { got = bitset_first_bit(crooked); }, -1},
-        {"find_prev_bit:  " + alignment, [&] { got = bitset_find_prev_bit(crooked, 0); }, -1},
-        {"nth_bit:  0", [&] { got = bitset_nth_bit(&set, -1); }, -1},
-        {"nth_free_bit:  0", [&] { got = bitset_nth_free_bit(&set, -1); }, -1},
-        {"is_range_free:  " + order, [&] { got = bitset_is_range_free(&set, &backwards); }, 0},
-        {"is_range_free:  " + inside, [&] { got = bitset_is_range_free(&set, &outside); }, 0}};
-    for (const auto &row : rows) {
+    const auto expect_reported = [&](const std::string &line, int32_t result, const auto &call) {
         got = 0;
-        EXPECT_EQ(printed_by(row.call), "ASSERT  bitset_" + row.line + "\n");
-        EXPECT_EQ(got, row.result) << row.line;
-        EXPECT_EQ(memcmp(&set, &sample, sizeof set), 0) << row.line;
-    }
+        EXPECT_EQ(printed_by(call), "ASSERT  bitset_" + line + "\n");
+        EXPECT_EQ(got, result) << line;
+        EXPECT_EQ(memcmp(&set, &sample, sizeof set), 0) << line;
+    };
+#define REFUSED(line, call)          expect_reported(line, 0, [&] { call; });
+#define ANSWERED(line, result, call) expect_reported(line, result, [&] { got = call; });
+#include "tests/golden/bitset_assertions.def"
+#undef ANSWERED
+#undef REFUSED
     EXPECT_EQ(printed_by([&] { got = bmp4096_bitcount(&vlans); }),
               "ASSERT  bmp4096_bitcount:  b->size == BITBYTES(BITSIZE)\n");
     EXPECT_EQ(got, -1);

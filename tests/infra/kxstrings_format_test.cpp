@@ -1,9 +1,9 @@
 #include "infra/utils/kxstrings.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <set>
 #include <string>
@@ -101,14 +101,10 @@ TEST(Enumerations, HaveTheTextsOfTheGoldenTable) {
         {"pvlan_type_string", pvlan_text},
         {"rpool_status_to_str", rpool_text},
     };
-    std::ifstream file(TESTS_DIR "/golden/enumerations.tsv");
     std::set<std::string> seen;
-    for (std::string function, value, text; std::getline(file, function, '\t') &&
-                                            std::getline(file, value, '\t') &&
-                                            std::getline(file, text);) {
-        EXPECT_EQ(functions.at(function)(static_cast<uint32_t>(std::stoul(value))), text)
-            << function << " " << value;
-        seen.insert(function);
+    for (const auto &row : golden("enumerations.tsv")) {
+        EXPECT_EQ(functions.at(row.at(0))(number(row.at(1))), row.at(2)) << row[0] << " " << row[1];
+        seen.insert(row[0]);
     }
     EXPECT_EQ(seen.size(), functions.size());
 }

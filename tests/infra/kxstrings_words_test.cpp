@@ -1,4 +1,5 @@
 #include "infra/utils/kxstrings.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
 
 #include <cstring>
@@ -23,21 +24,9 @@ TEST(Words, NextWordSkipsWordAndWhiteSpace) {
 }
 
 TEST(Words, WordEqualsWholeKeywordOnly) {
-    const struct {
-        const char *word;
-        const char *keyword;
-        int result;
-    } rows[] = {{"ShOw", "sHoW", 0},   {"show port", "show", 0},
-                {"show;x", "show", 0}, {"show\tx", "show", 0},
-                {"sho", "show", 1},    {"shows", "show", 1},
-                {"", "", 0},           {";", "", 0},
-                {" x", "", 0},         {"x", "", 1},
-                {"", "x", 1},          {"a b", "a b", 1},
-                {"a;b", "a;b", 1},     {"[vlan]", "[VLAN]", 0},
-                {"100", "[vlan]", 1}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(stris(row.word, row.keyword), row.result)
-            << row.word << " against " << row.keyword;
+    for (const auto &row : golden("words.tsv")) {
+        EXPECT_EQ(stris(row.at(0).c_str(), row.at(1).c_str()), row.at(2) == "0" ? 0 : 1)
+            << row[0] << " against " << row[1];
     }
     const char *const line = "ASSERT  stris:  str != NULL && cmpstr != NULL\n";
     EXPECT_EQ(printed_by([] { EXPECT_EQ(stris(nullptr, nullptr), 1); }), line);
@@ -54,25 +43,13 @@ TEST(Words, CaselessComparisonCountsCharacters) {
 }
 
 TEST(Words, CopyStopsAtWhiteSpaceSizeAndEnd) {
-    const struct {
-        const char *source;
-        size_t size;
-        const char *text;
-    } rows[] = {
-        {"trunk vlan", 12, "trunk"},
-        {"trunk\tvlan", 12, "trunk"},
-        {"trunk", 6, "trunk"},
-        {"trunk", 5, "trun"},
-        {"trunk", 1, ""},
-        {" trunk", 12, ""},
-        {"", 12, ""},
-    };
-    for (const auto &row : rows) {
+    for (const auto &row : golden("word_copies.tsv")) {
         // Exact allocations, so that the sanitizer sees every byte read or written too far.
-        std::vector<char> source(row.source, row.source + strlen(row.source) + 1);
-        std::vector<char> destination(row.size, '#');
-        EXPECT_EQ(strncpy_until_space(destination.data(), row.size, source.data()), 0);
-        EXPECT_STREQ(destination.data(), row.text) << row.source;
+        const char *const text = row.at(0).c_str();
+        std::vector<char> source(text, text + strlen(text) + 1);
+        std::vector<char> destination(number(row.at(1)), '#');
+        EXPECT_EQ(strncpy_until_space(destination.data(), destination.size(), source.data()), 0);
+        EXPECT_EQ(destination.data(), row.at(2)) << text;
     }
     char untouched = '#';
     EXPECT_EQ(strncpy_until_space(&untouched, 0, "x"), 0);

@@ -1,6 +1,6 @@
 #include "dpa/command/kxtarncmd_indirect.h"
-#include "host/host_file.h"
 #include "sim/agent/agent_process.h"
+#include "tests/host/described.h"
 
 #include <array>
 #include <chrono>
@@ -17,13 +17,6 @@ namespace {
 
 bool exists(const char *path) {
     return access(path, F_OK) == 0;
-}
-
-host described(const char *text) {
-    host parsed;
-    std::string error;
-    EXPECT_TRUE(parse_host(text, "test", parsed, error)) << error;
-    return parsed;
 }
 
 TEST(AgentProcess, AnswersAsDescribed) {

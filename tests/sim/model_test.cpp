@@ -3,10 +3,11 @@
 #include "sim/model.h"
 
 #include "dpa/userspace/kxdpa_opcodes.h"
-#include "host/host_file.h"
 #include "sim/answer.h"
 #include "sim/builtin_host.h"
 #include "sim/exchange.h"
+#include "tests/golden.h"
+#include "tests/host/described.h"
 
 #include <algorithm>
 #include <array>
@@ -31,8 +32,7 @@ struct bench {
     uint8_t buffer2[64];
 
     explicit bench(const std::string &host_text) {
-        std::string error;
-        EXPECT_TRUE(parse_host(host_text, "host", driver.state, error)) << error;
+        driver.state = described(host_text);
         driver.trace = [this](const std::string &line) { trace.push_back(line); };
         driver.complain = [this](const std::string &line) { complaints.push_back(line); };
         memset(buffer1, UNTOUCHED, sizeof buffer1);
@@ -152,12 +152,10 @@ TEST(Model, NeverWritesBeyondTheRoom) {
                 SCOPED_TRACE(form.opcode);
                 bench on(text);
                 if (*override != '\0') {
-                    host rules;
-                    std::string error;
-                    parse_host(R"({"overrides": [{"opcode": )" + std::to_string(form.opcode) +
-                                   override + "}]}",
-                               "f", rules, error);
-                    on.driver.state.overrides = rules.overrides;
+                    const std::string opcode = std::to_string(form.opcode);
+                    on.driver.state.overrides =
+                        described(R"({"overrides": [{"opcode": )" + opcode + override + "}]}")
+                            .overrides;
                 }
                 std::vector<uint8_t> first(10000, UNTOUCHED);
                 std::vector<uint8_t> second(10000, UNTOUCHED);
@@ -247,37 +245,16 @@ TEST(Model, VlanSetCountsItsBitsFromTheTop) {
 }
 
 TEST(Model, OverridesReplaceWhatTheyName) {
-    const struct {
-        const char *rule;
-        int error;
-        uint32_t status;
-        uint32_t capacity_after; // 32 before
-        size_t written;
-    } rows[] = {
-        {R"("status": 5)", 0, 5, 32, 0},
-        {R"("reply": "01*9")", 0, 0, 9, 9},
-        {R"("reply": "01*40")", 0, 0, 40, 32}, // more than fits is claimed, never written
-        {R"("reply": "0102", "status": 7)", 0, 7, 2, 2},
-        {R"("length": 3)", 0, 0, 3, 3},
-        {R"("returned": 4000)", 0, 0, 4000, 6},
-        {R"("error": "EIO")", EIO, KXDPA_STATUS_NO_EXCHANGE, 32, 0},
-        {R"("error": "EIO", "status": 3, "reply": "01*2")", EIO, 3, 2, 2},
-        {R"("error": 4000, "returned": 1)", 4000, 0, 1, 6},
-        {R"("in": "", "status": 5)", 0, 5, 32, 0},
-        {R"("in": "00", "status": 5)", 0, 0, 6, 6},
-        {R"("argument": 21, "status": 5)", 0, 0, 6, 6},
-        {R"("time": 2, "status": 5)", 0, 0, 6, 6},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.rule);
-        bench on(std::string(R"({"ports": [{"ltl": 20, "mac": "01:02:03:04:05:06"}],
-                                 "overrides": [{"opcode": 68, )") +
-                 row.rule + "}]}");
+    for (const auto &row : golden("overrides.tsv")) {
+        SCOPED_TRACE(row.at(0));
+        bench on(R"({"ports": [{"ltl": 20, "mac": "01:02:03:04:05:06"}],
+                     "overrides": [{"opcode": 68, )" +
+                 row[0] + "}]}");
         kxdpa_request record = on.variable(68, 20, KXDPA_FLAG_OUT, 0, 32);
-        EXPECT_EQ(on.ask(record), row.error);
-        EXPECT_EQ(record.status, row.status);
-        EXPECT_EQ(record.max1, row.capacity_after);
-        EXPECT_EQ(on.written(), row.written);
+        EXPECT_EQ(on.ask(record), static_cast<int>(number(row.at(1))));
+        EXPECT_EQ(record.status, number(row.at(2)));
+        EXPECT_EQ(record.max1, number(row.at(3)));
+        EXPECT_EQ(on.written(), number(row.at(4)));
     }
 }
 

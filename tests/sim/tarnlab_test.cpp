@@ -3,12 +3,12 @@
 #ifdef TARNLAB_PATH
 
 #include "sim/interpose.h"
+#include "tests/text.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include <fcntl.h>
@@ -47,11 +47,6 @@ TEST(Tarnlab, ExitValueIsTheCommands) {
     EXPECT_EQ(run(LAB + PROBE + "signal 15").exit_value, 143);
     EXPECT_EQ(run(LAB + " /nonexistent/command").exit_value, 127);
     EXPECT_EQ(run(LAB + " /etc/passwd").exit_value, 126);
-}
-
-std::string builtin_file() {
-    std::ifstream file(TESTS_DIR "/../sim/builtin_host.json");
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // A file of the bytes that may be run.
@@ -96,7 +91,7 @@ TEST(Tarnlab, SaysInOneLineWhatIsWrong) {
          2},
         {"--check " TESTS_DIR "/hosts/card.json", "", 0},
         {"--version", "tarnlab " TARN_VERSION "\n", 0},
-        {"--print-host", builtin_file(), 0},
+        {"--print-host", read_file(TESTS_DIR "/../sim/builtin_host.json"), 0},
         {"--print-host >/dev/full", "tarnlab: standard output: No space left on device\n", 1},
     };
     for (const auto &row : rows) {
@@ -210,9 +205,7 @@ TEST(Tarnlab, TraceHoldsTheRequestsOfOneRun) {
     const std::string path = SCRATCH + ".trace";
     for (int i = 0; i < 2; i++)
         run(LAB + " --trace " + path + " " + TARNCMD_PATH + " show bogus");
-    std::ifstream trace(path);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(trace), {}),
-              "op 63 arg 0x0 flags 1 len 4 -> 0\n");
+    EXPECT_EQ(read_file(path), "op 63 arg 0x0 flags 1 len 4 -> 0\n");
     unlink(path.c_str());
 }
 
