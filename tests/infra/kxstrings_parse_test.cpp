@@ -14,7 +14,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 // Fixed-size outputs start as this, to see that a failure leaves them alone.
-constexpr uint8_t UNTOUCHED = 0xa5;
+constexpr uint8_t OLD_BYTE = 0xa5;
 
 // The texts between the bars.
 std::vector<std::string> texts(const std::string &joined) {
@@ -68,8 +68,8 @@ TEST(IpAddress, Forms) {
 }
 
 void expect_same_as_c_library(const std::string &text) {
-    Bytes expected(16, UNTOUCHED);
-    Bytes address(16, UNTOUCHED);
+    Bytes expected(16, OLD_BYTE);
+    Bytes address(16, OLD_BYTE);
     const int reference = inet_pton(AF_INET6, text.c_str(), expected.data());
     ASSERT_EQ(kx_parse_ipv6_address(address.data(), text.c_str()), reference == 1 ? 0 : -1) << text;
     ASSERT_EQ(address, expected) << text;
@@ -150,12 +150,12 @@ TEST(MacAddress, Forms) {
          "00:1a:22:33:44:f56|001a.2233.44f5 vlan 10"}};
     for (const auto &reason : reasons) {
         for (const std::string &text : texts(reason.refused)) {
-            Bytes mac(6, UNTOUCHED);
+            Bytes mac(6, OLD_BYTE);
             int status = 0;
             EXPECT_EQ(traced_by([&] { status = kx_parse_mac_address(mac.data(), text.c_str()); }),
                       reason.before == nullptr ? "" : reason.before + text + reason.behind);
             EXPECT_EQ(status, -1) << text;
-            EXPECT_EQ(mac, Bytes(6, UNTOUCHED)) << text;
+            EXPECT_EQ(mac, Bytes(6, OLD_BYTE)) << text;
         }
     }
     EXPECT_EQ(kx_parse_mac_address(nullptr, nullptr), -1);
