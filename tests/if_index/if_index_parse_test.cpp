@@ -81,7 +81,7 @@ TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {
     const struct {
         const char *vdc;
         uint32_t if_index;
-    } rows[] = {{"3", 0x09030064}, {"256", NOT_PARSED}, {"-1", UNTOUCHED}, {"x", 0x09000064}};
+    } rows[] = {{"3", 0x09030064}, {"256", NOT_PARSED}, {"-1", NOT_PARSED}, {"x", 0x09000064}};
     for (const auto &row : rows) {
         uint32_t if_index = NOT_PARSED;
         setenv("SYSMGR_VDC_ID", row.vdc, 1);
