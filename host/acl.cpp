@@ -9,7 +9,7 @@ constexpr key_word TYPES[] = {{"ipv4", KX_ACL_IPV4}, {"ipv6", KX_ACL_IPV6}, {"ma
 constexpr key_word STATISTICS[] = {{"enabled", KX_ACL_STATISTICS_ENABLED},
                                    {"disabled", KX_ACL_STATISTICS_DISABLED}};
 
-constexpr key ROWS[] = {
+constexpr key ACCESS_LIST_ROWS[] = {
     number_key("id", at<&access_list::id>, "its number").must(),
     word_key("type", at<&access_list::type>, TYPES, "what it looks at"),
     text_key("name", at<&access_list::name>, 0, "its name"),
@@ -24,5 +24,5 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table ACCESS_LIST_KEYS = {"access_list", "An access control list", ROWS,
-                                              make_object<access_list>};
+constinit const key_table ACCESS_LIST_KEYS = {"access_list", "An access control list",
+                                              ACCESS_LIST_ROWS, make_object<access_list>};

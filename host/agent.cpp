@@ -48,7 +48,7 @@ constexpr key COMMAND_ROWS[] = {
 constexpr key_table COMMAND_KEYS = {"agent_command", "A command of the agent", COMMAND_ROWS,
                                     make_object<agent_command>};
 
-constexpr key ROWS[] = {
+constexpr key AGENT_ROWS[] = {
     list_key("answers", items_of<&agent_description::answers>, ANSWER_KEYS,
              "on its socket; the first that fits a request is given"),
     list_key("commands", items_of<&agent_description::commands>, COMMAND_KEYS,
@@ -57,5 +57,5 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table AGENT_KEYS = {"agent", "The user-space agent", ROWS,
+constinit const key_table AGENT_KEYS = {"agent", "The user-space agent", AGENT_ROWS,
                                         make_object<agent_description>};

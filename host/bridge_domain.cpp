@@ -5,7 +5,7 @@
 
 namespace {
 
-using entry = keyed<decltype(bridge_domain_table::by_index)>;
+using domain_entry = keyed<decltype(bridge_domain_table::by_index)>;
 
 constexpr key_word KINDS[] = {{"vlan", 0}, {"segment", KX_BD_KIND_SEGMENT}};
 
@@ -15,7 +15,7 @@ constexpr key_word SEGMENT_MODES[] = {{"multicast", KX_SEGMENT_MULTICAST},
 constexpr key_word SEGMENT_FEATURES[] = {{"mac-distribution", KX_SEGMENT_MAC_DISTRIBUTION},
                                          {"local-arp-termination", KX_SEGMENT_LOCAL_ARP}};
 
-template <auto member> constexpr key_access IN_RECORD = at<&bridge_domain::record, member>;
+template <auto member> constexpr key_access IN_DOMAIN = at<&bridge_domain::record, member>;
 
 kx_bd_record &record_of(void *object) {
     return static_cast<bridge_domain *>(object)->record;
@@ -53,30 +53,30 @@ constexpr key_table GROUP_KEYS = {"multicast_group", "A multicast group", GROUP_
 constexpr key OWN_ROWS[] = {
     flag_key("known", at<&bridge_domain::known>,
              "false for one that is listed but cannot be asked for"),
-    number_key("vlan", IN_RECORD<&kx_bd_record::vlan>, "the VLAN").to(KX_LAST_VLAN).in("VLAN"),
-    number_key("vdc", IN_RECORD<&kx_bd_record::vdc>, "virtual device context of the VLAN"),
-    text_key("name", IN_RECORD<&kx_bd_record::name>, 0, "the bridge domain's name"),
+    number_key("vlan", IN_DOMAIN<&kx_bd_record::vlan>, "the VLAN").to(KX_LAST_VLAN).in("VLAN"),
+    number_key("vdc", IN_DOMAIN<&kx_bd_record::vdc>, "virtual device context of the VLAN"),
+    text_key("name", IN_DOMAIN<&kx_bd_record::name>, 0, "the bridge domain's name"),
     number_key("segment", SEGMENT, "segment ID; makes it a segment").or_else("none").in("segment"),
-    word_key("kind", IN_RECORD<&kx_bd_record::kind>, KINDS, "what carries it")
+    word_key("kind", IN_DOMAIN<&kx_bd_record::kind>, KINDS, "what carries it")
         .or_else("`segment` where one is given, else `vlan`"),
-    ipv4_key("group", IN_RECORD<&kx_bd_record::segment_group>, "multicast group of the segment"),
-    flag_key("native", IN_RECORD<&kx_bd_record::native_encap>,
+    ipv4_key("group", IN_DOMAIN<&kx_bd_record::segment_group>, "multicast group of the segment"),
+    flag_key("native", IN_DOMAIN<&kx_bd_record::native_encap>,
              "the segment is carried natively, else in VXLAN"),
-    flag_key("proxy", IN_RECORD<&kx_bd_record::vff_mode>, "forwarded by proxy, else anycast"),
-    number_key("swbd", IN_RECORD<&kx_bd_record::swbd>, "software bridge-domain number")
+    flag_key("proxy", IN_DOMAIN<&kx_bd_record::vff_mode>, "forwarded by proxy, else anycast"),
+    number_key("swbd", IN_DOMAIN<&kx_bd_record::swbd>, "software bridge-domain number")
         .follows(follow_vlan, "the VLAN"),
-    number_key("designated_receiver", IN_RECORD<&kx_bd_record::dr_ltl>,
+    number_key("designated_receiver", IN_DOMAIN<&kx_bd_record::dr_ltl>,
                "the port that receives floods")
         .in("LTL"),
-    flag_key("multiple_uplinks", IN_RECORD<&kx_bd_record::multi_uplinks>,
+    flag_key("multiple_uplinks", IN_DOMAIN<&kx_bd_record::multi_uplinks>,
              "it has more than one uplink"),
-    word_key("segment_mode", IN_RECORD<&kx_bd_record::segment_mode>, SEGMENT_MODES,
+    word_key("segment_mode", IN_DOMAIN<&kx_bd_record::segment_mode>, SEGMENT_MODES,
              "how the segment floods"),
-    words_key("segment_features", IN_RECORD<&kx_bd_record::segment_features>, SEGMENT_FEATURES,
+    words_key("segment_features", IN_DOMAIN<&kx_bd_record::segment_features>, SEGMENT_FEATURES,
               "what the segment does besides"),
-    number_key("vtep_dsn", IN_RECORD<&kx_bd_record::vtep_dsn>, "sequence number of the VTEPs"),
-    number_key("mac_dsn", IN_RECORD<&kx_bd_record::mac_dsn>, "sequence number of the MACs"),
-    number_key("bgp_vtep_dsn", IN_RECORD<&kx_bd_record::bgp_vtep_dsn>,
+    number_key("vtep_dsn", IN_DOMAIN<&kx_bd_record::vtep_dsn>, "sequence number of the VTEPs"),
+    number_key("mac_dsn", IN_DOMAIN<&kx_bd_record::mac_dsn>, "sequence number of the MACs"),
+    number_key("bgp_vtep_dsn", IN_DOMAIN<&kx_bd_record::bgp_vtep_dsn>,
                "sequence number of the VTEPs from BGP"),
     numbers_key("members", at<&bridge_domain::members>, "its ports").to(LAST_LTL).in("LTL"),
     list_key("multicast", items_of<&bridge_domain::groups>, GROUP_KEYS,
@@ -85,15 +85,15 @@ constexpr key OWN_ROWS[] = {
 
 constexpr key_table OWN_KEYS = {"", "", OWN_ROWS, nullptr};
 
-constexpr key ROWS[] = {
-    number_key("index", at<&entry::key>, "the bridge domain's number")
+constexpr key BRIDGE_DOMAIN_ROWS[] = {
+    number_key("index", at<&domain_entry::key>, "the bridge domain's number")
         .from(1)
         .once()
         .in("bridge domain"),
-    included_keys(OWN_KEYS, part<&entry::value>),
+    included_keys(OWN_KEYS, part<&domain_entry::value>),
 };
 
 } // namespace
 
-constinit const key_table BRIDGE_DOMAIN_KEYS = {"bridge_domain", "A bridge domain", ROWS,
-                                                make_object<entry>};
+constinit const key_table BRIDGE_DOMAIN_KEYS = {"bridge_domain", "A bridge domain",
+                                                BRIDGE_DOMAIN_ROWS, make_object<domain_entry>};

@@ -14,7 +14,7 @@ constexpr key_word PORT_CHANNEL_MODES[] = {{"none", KX_PC_MODE_NONE},
                                            {"lacp-passive", KX_PC_MODE_LACP_PASSIVE},
                                            {"mac-pinning", KX_PC_MODE_MAC_PINNING}};
 
-constexpr key ROWS[] = {
+constexpr key HOST_ROWS[] = {
     object_key("card", part<&host::card>, CARD_KEYS, "the card's global state"),
     list_key("heaps", items_of<&host::memory, &memory_state::heaps>, HEAP_KEYS,
              "the DPA's heaps, in the order of the walk"),
@@ -63,4 +63,4 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table HOST_KEYS = {"host", "The host file", ROWS, make_object<host>};
+constinit const key_table HOST_KEYS = {"host", "The host file", HOST_ROWS, make_object<host>};

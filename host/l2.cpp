@@ -73,7 +73,7 @@ constexpr key TABLE_ROWS[] = {
 constexpr key_table TABLE_KEYS = {"l2_table", "The L2 table of a bridge domain", TABLE_ROWS,
                                   make_object<table_entry>};
 
-constexpr key ROWS[] = {
+constexpr key L2_ROWS[] = {
     number_key("now", at<&l2_state::now>, "the DPA's time, in its own unit"),
     number_key("slots", at<&l2_state::slots>,
                "slots of the tables; an address is in the one that its last byte gives")
@@ -91,4 +91,4 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table L2_KEYS = {"l2", "The L2 tables", ROWS, make_object<l2_state>};
+constinit const key_table L2_KEYS = {"l2", "The L2 tables", L2_ROWS, make_object<l2_state>};

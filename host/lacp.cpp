@@ -99,7 +99,7 @@ constexpr key UPLINK_ROWS[] = {
 constexpr key_table UPLINK_KEYS = {"lacp_uplink", "LACP on an uplink", UPLINK_ROWS,
                                    make_object<uplink>};
 
-constexpr key ROWS[] = {
+constexpr key LACP_ROWS[] = {
     flag_key("offload", at<&lacp_state::offload>, "the host runs LACP itself"),
     object_key("carriers", part<&lacp_state::carriers>, CARRIER_KEYS, "what LACP runs on")
         .or_else("refused"),
@@ -109,4 +109,4 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table LACP_KEYS = {"lacp", "LACP", ROWS, make_object<lacp_state>};
+constinit const key_table LACP_KEYS = {"lacp", "LACP", LACP_ROWS, make_object<lacp_state>};

@@ -9,13 +9,13 @@ namespace {
 
 constexpr uint64_t LAST_ERROR = 4095; // the kernel has no larger ones
 
-constexpr key_word ERRORS[] = {{"EPERM", EPERM},   {"ENOENT", ENOENT}, {"EINTR", EINTR},
-                               {"EIO", EIO},       {"ENXIO", ENXIO},   {"EBADF", EBADF},
-                               {"EAGAIN", EAGAIN}, {"ENOMEM", ENOMEM}, {"EACCES", EACCES},
-                               {"EFAULT", EFAULT}, {"EBUSY", EBUSY},   {"ENODEV", ENODEV},
-                               {"EINVAL", EINVAL}, {"ENOTTY", ENOTTY}, {"ENOSYS", ENOSYS}};
+constexpr key_word ERROR_NAMES[] = {{"EPERM", EPERM},   {"ENOENT", ENOENT}, {"EINTR", EINTR},
+                                    {"EIO", EIO},       {"ENXIO", ENXIO},   {"EBADF", EBADF},
+                                    {"EAGAIN", EAGAIN}, {"ENOMEM", ENOMEM}, {"EACCES", EACCES},
+                                    {"EFAULT", EFAULT}, {"EBUSY", EBUSY},   {"ENODEV", ENODEV},
+                                    {"EINVAL", EINVAL}, {"ENOTTY", ENOTTY}, {"ENOSYS", ENOSYS}};
 
-constexpr key ROWS[] = {
+constexpr key OVERRIDE_ROWS[] = {
     number_key("opcode", at<&override_rule::opcode>, "of the requests that it answers").must(),
     number_key("argument", at<&override_rule::argument>, "of those requests").or_else("any"),
     hex_key("in", at<&override_rule::in>, "the input of those requests, as the trace shows it")
@@ -23,7 +23,7 @@ constexpr key ROWS[] = {
     number_key("time", at<&override_rule::only_time>, "the n-th of those requests")
         .from(1)
         .or_else("each"),
-    word_key("error", at<&override_rule::error>, ERRORS,
+    word_key("error", at<&override_rule::error>, ERROR_NAMES,
              "the ioctl fails with this errno, after what the other keys say is done")
         .from(1)
         .to(LAST_ERROR)
@@ -45,5 +45,5 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table OVERRIDE_KEYS = {"override", "An answer to replace", ROWS,
+constinit const key_table OVERRIDE_KEYS = {"override", "An answer to replace", OVERRIDE_ROWS,
                                            make_object<override_rule>};

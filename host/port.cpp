@@ -6,7 +6,7 @@
 
 namespace {
 
-using entry = keyed<decltype(port_table::by_ltl)>;
+using port_entry = keyed<decltype(port_table::by_ltl)>;
 
 constexpr key_word UP_OR_DOWN[] = {{"up", KX_PORT_UP}, {"down", 0}};
 
@@ -90,23 +90,23 @@ template <kx_port_view view> constexpr auto VIEW = [](auto &of) -> auto & {
 
 // What the other views do not say for themselves is as in the HMX's.
 template <kx_port_view view> void follow_hmx(void *object) {
-    auto &views = static_cast<entry *>(object)->value.views;
+    auto &views = static_cast<port_entry *>(object)->value.views;
     views[view] = views[KX_VIEW_HMX];
 }
 
-constexpr key ROWS[] = {
-    number_key("ltl", at<&entry::key>, "the port's number").to(LAST_LTL).once().in("LTL"),
-    included_keys(PORT_VIEW_KEYS, part<&entry::value, VIEW<KX_VIEW_HMX>>),
-    object_key("krt", part<&entry::value, VIEW<KX_VIEW_KRT>>, PORT_VIEW_KEYS,
+constexpr key PORT_ROWS[] = {
+    number_key("ltl", at<&port_entry::key>, "the port's number").to(LAST_LTL).once().in("LTL"),
+    included_keys(PORT_VIEW_KEYS, part<&port_entry::value, VIEW<KX_VIEW_HMX>>),
+    object_key("krt", part<&port_entry::value, VIEW<KX_VIEW_KRT>>, PORT_VIEW_KEYS,
                "the KRT's view, where it differs")
         .follows(follow_hmx<KX_VIEW_KRT>, "the port's own keys"),
-    object_key("system", part<&entry::value, VIEW<KX_VIEW_SYSTEM>>, PORT_VIEW_KEYS,
+    object_key("system", part<&port_entry::value, VIEW<KX_VIEW_SYSTEM>>, PORT_VIEW_KEYS,
                "the hypervisor's view, where it differs")
         .follows(follow_hmx<KX_VIEW_SYSTEM>, "the port's own keys"),
-    mac_key("mac", at<&entry::value, &port::mac>, "its MAC address").or_else("refused"),
-    flag_key("secure", at<&entry::value, &port::secure>, "it has a secure-port state"),
+    mac_key("mac", at<&port_entry::value, &port::mac>, "its MAC address").or_else("refused"),
+    flag_key("secure", at<&port_entry::value, &port::secure>, "it has a secure-port state"),
     words_key("secure_learning",
-              head_of<&kx_port_security_record::learning, &entry::value, &port::security>,
+              head_of<&kx_port_security_record::learning, &port_entry::value, &port::security>,
               SECURE_LEARNING, "how addresses that it learns securely age"),
 };
 
@@ -115,4 +115,4 @@ constexpr key ROWS[] = {
 constinit const key_table PORT_VIEW_KEYS = {"port_view", "A view of a port", VIEW_ROWS,
                                             make_object<port_view>};
 
-constinit const key_table PORT_KEYS = {"port", "A port", ROWS, make_object<entry>};
+constinit const key_table PORT_KEYS = {"port", "A port", PORT_ROWS, make_object<port_entry>};

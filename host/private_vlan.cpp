@@ -6,7 +6,7 @@
 
 namespace {
 
-using entry = keyed<private_vlan_table>;
+using pair_entry = keyed<private_vlan_table>;
 
 constexpr key_word ROLES[] = {{"none", KX_PVLAN_NONE},
                               {"isolated", KX_PVLAN_ISOLATED},
@@ -14,29 +14,29 @@ constexpr key_word ROLES[] = {{"none", KX_PVLAN_NONE},
                               {"promiscuous", KX_PVLAN_PROMISCUOUS},
                               {"promiscuous-trunk", KX_PVLAN_PROMISCUOUS_TRUNK}};
 
-template <auto member> constexpr key_access IN_RECORD = at<&entry::value, member>;
+template <auto member> constexpr key_access IN_PAIR = at<&pair_entry::value, member>;
 
 // The VLAN is part of the key that the entry is kept under.
 bool set_vlan(void *object, const key_value &value) {
-    auto *made = static_cast<entry *>(object);
+    auto *made = static_cast<pair_entry *>(object);
     made->value.vlan = static_cast<uint16_t>(value.number);
     made->key.second = made->value.vlan;
     return true;
 }
 
 constexpr key_access VLAN = {
-    .get = IN_RECORD<&kx_port_pvlan::vlan>.get, .set = set_vlan, .most = UINT16_MAX};
+    .get = IN_PAIR<&kx_port_pvlan::vlan>.get, .set = set_vlan, .most = UINT16_MAX};
 
-constexpr key ROWS[] = {
-    number_key("ltl", at<&entry::key, &private_vlan_table::key_type::first>, "the port")
+constexpr key PRIVATE_VLAN_ROWS[] = {
+    number_key("ltl", at<&pair_entry::key, &private_vlan_table::key_type::first>, "the port")
         .once()
         .in("LTL"),
     number_key("vlan", VLAN, "a bridge domain's VLAN").to(KX_LAST_VLAN).once().in("VLAN"),
-    word_key("role", IN_RECORD<&kx_port_pvlan::role>, ROLES, "what the port is to that VLAN"),
-    number_key("primary", IN_RECORD<&kx_port_pvlan::primary>, "primary VLAN")
+    word_key("role", IN_PAIR<&kx_port_pvlan::role>, ROLES, "what the port is to that VLAN"),
+    number_key("primary", IN_PAIR<&kx_port_pvlan::primary>, "primary VLAN")
         .to(KX_LAST_VLAN)
         .in("VLAN"),
-    number_key("secondary", IN_RECORD<&kx_port_pvlan::secondary>,
+    number_key("secondary", IN_PAIR<&kx_port_pvlan::secondary>,
                "secondary VLAN, 0 where a promiscuous port is asked for the primary itself")
         .to(KX_LAST_VLAN)
         .in("VLAN"),
@@ -44,5 +44,5 @@ constexpr key ROWS[] = {
 
 } // namespace
 
-constinit const key_table PRIVATE_VLAN_KEYS = {"private_vlan", "A port on a private VLAN", ROWS,
-                                               make_object<entry>};
+constinit const key_table PRIVATE_VLAN_KEYS = {"private_vlan", "A port on a private VLAN",
+                                               PRIVATE_VLAN_ROWS, make_object<pair_entry>};

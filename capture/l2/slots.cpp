@@ -20,10 +20,10 @@ struct told_step {
     kx_l2_slot_step told;
 };
 
-using place = std::pair<uint32_t, l2_entry>; // bridge domain and entry
+using told_place = std::pair<uint32_t, l2_entry>; // bridge domain and entry
 
 // True where a display shows the same for both but the age, which goes on while the host is asked.
-bool is_alike(const place &a, const place &b) {
+bool is_alike_place(const told_place &a, const told_place &b) {
     const l2_entry &one = a.second;
     const l2_entry &other = b.second;
     return a.first == b.first && one.mac == other.mac && one.ltl == other.ltl &&
@@ -31,8 +31,8 @@ bool is_alike(const place &a, const place &b) {
 }
 
 // The slots as the described host fills them: by the last byte of the address.
-std::vector<std::vector<place>> described_slots(const l2_state &l2, size_t count) {
-    std::vector<std::vector<place>> slots(count);
+std::vector<std::vector<told_place>> described_slots(const l2_state &l2, size_t count) {
+    std::vector<std::vector<told_place>> slots(count);
     for (const auto &[index, table] : l2.tables) {
         for (const l2_entry &entry : table.entries) {
             const size_t slot = entry.mac.back() % *l2.slots;
@@ -45,9 +45,9 @@ std::vector<std::vector<place>> described_slots(const l2_state &l2, size_t count
 }
 
 // Returns false when a step is refused, which ends the display.
-bool check_slot(inquiry &driver, uint32_t slot, const std::vector<place> &expected) {
+bool check_slot(inquiry &driver, uint32_t slot, const std::vector<told_place> &expected) {
     std::vector<told_step> steps;
-    std::vector<place> places;
+    std::vector<told_place> places;
     std::set<std::pair<uint32_t, mac_address>> passed;
     kx_l2_slot_step step{};
     bool told = false;
@@ -68,8 +68,8 @@ bool check_slot(inquiry &driver, uint32_t slot, const std::vector<place> &expect
         }
     } while (step.bd_index != NO_BRIDGE_DOMAIN);
     // A step names the one before in the driver's own bytes, so a slot is kept as a whole.
-    if (!told ||
-        !std::equal(places.begin(), places.end(), expected.begin(), expected.end(), is_alike)) {
+    if (!told || !std::equal(places.begin(), places.end(), expected.begin(), expected.end(),
+                             is_alike_place)) {
         for (const told_step &kept : steps) {
             driver.keep_reply(KXDPA_OP_L2_SLOTS, slot, kept.asked, kept.told);
         }
@@ -115,7 +115,7 @@ void check_slots(host_capture &host) {
         host.driver.report("of the " + std::to_string(*l2.slots) + " slots of the L2 tables " +
                            std::to_string(count) + " are compared");
     }
-    const std::vector<std::vector<place>> expected = described_slots(l2, count);
+    const std::vector<std::vector<told_place>> expected = described_slots(l2, count);
     for (uint32_t slot = 0; slot < count && !host.driver.is_hopeless(KXDPA_OP_L2_SLOTS); slot++) {
         if (!check_slot(host.driver, slot, expected[slot])) {
             return;

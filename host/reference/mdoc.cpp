@@ -60,7 +60,7 @@ std::string terms(const key_entry &entry) {
     return wrapped(text);
 }
 
-std::string section_text(const key_section &section) {
+std::string section_page(const key_section &section) {
     std::string text = ".Ss " + title_of(*section.table) + "\n";
     for (const key_table *included : section.included) {
         text +=
@@ -82,7 +82,7 @@ std::string section_text(const key_section &section) {
 std::string reference_mdoc() {
     std::string text;
     for (const key_section &section : all_sections()) {
-        text += section_text(section);
+        text += section_page(section);
     }
     return text;
 }

@@ -5,7 +5,7 @@
 
 namespace {
 
-void answer_count(host &state, exchange &talk) {
+void answer_list_count(host &state, exchange &talk) {
     if (state.acls.acls) {
         talk.reply_with(static_cast<uint32_t>(state.acls.acls->size()));
     } else {
@@ -50,15 +50,15 @@ void answer_dump_policy(host &state, exchange &talk) {
 }
 
 // What the operation changes or writes is not visible through the driver.
-void accept(host & /*state*/, exchange & /*talk*/) {
+void accept_list(host & /*state*/, exchange & /*talk*/) {
 }
 
 constexpr answer command(kxdpa_opcode opcode) {
-    return {.opcode = opcode, .flags = KXDPA_FLAG_NODATA, .reply = accept};
+    return {.opcode = opcode, .flags = KXDPA_FLAG_NODATA, .reply = accept_list};
 }
 
-constexpr answer ANSWERS[] = {
-    {.opcode = KXDPA_OP_ACL_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_count},
+constexpr answer ACL_ANSWERS[] = {
+    {.opcode = KXDPA_OP_ACL_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_list_count},
     {.opcode = KXDPA_OP_ACL_LIST,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
      .capacity = sizeof(kx_acl_record),
@@ -77,4 +77,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family acl_family = {ANSWERS};
+constinit const family acl_family = {ACL_ANSWERS};

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t BEFORE_FIRST_LTL = 0xFFFFFFFF;
 
-void answer_count(host &state, exchange &talk) {
+void answer_domain_count(host &state, exchange &talk) {
     talk.reply_with(static_cast<uint32_t>(state.bridge_domains.by_index.size()));
 }
 
@@ -33,7 +33,7 @@ kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
     return wire;
 }
 
-void answer_record(host &state, exchange &talk) {
+void answer_bridge_domain(host &state, exchange &talk) {
     const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
     if (found == nullptr || !found->known) {
         talk.fail();
@@ -146,13 +146,13 @@ void answer_next_vlan(host &state, exchange &talk) {
     }
 }
 
-constexpr answer ANSWERS[] = {
-    {.opcode = KXDPA_OP_BD_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_count},
+constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
+    {.opcode = KXDPA_OP_BD_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_domain_count},
     {.opcode = KXDPA_OP_NEXT_BD, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_index},
     {.opcode = KXDPA_OP_BD_RECORD,
      .flags = KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_bd_record),
-     .reply = answer_record},
+     .reply = answer_bridge_domain},
     {.opcode = KXDPA_OP_BD_BY_VLAN,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
      .len1 = sizeof(kx_bd_record),
@@ -191,4 +191,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family bridge_domain_family = {ANSWERS};
+constinit const family bridge_domain_family = {BRIDGE_DOMAIN_ANSWERS};

@@ -168,7 +168,7 @@ constexpr answer fixed(kxdpa_opcode opcode, uint8_t flags, uint32_t length,
     return {opcode, flags, length, 0, 0, reply};
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer CARD_ANSWERS[] = {
     fixed(KXDPA_OP_CARD_DOMAIN, KXDPA_FLAG_OUT, 4, answer_domain),
     fixed(KXDPA_OP_CARD_API, KXDPA_FLAG_OUT, 4, answer_card_api),
     {.opcode = KXDPA_OP_CARD_UUID,
@@ -230,4 +230,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family card_family = {ANSWERS};
+constinit const family card_family = {CARD_ANSWERS};

@@ -31,7 +31,7 @@ void answer_asserts(host &state, exchange &talk) {
     talk.tell(state.memory.asserts);
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer MEMORY_ANSWERS[] = {
     {.opcode = KXDPA_OP_NEXT_HEAP,
      .flags = KXDPA_FLAG_IN | KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_heap_record),
@@ -45,4 +45,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family memory_family = {ANSWERS};
+constinit const family memory_family = {MEMORY_ANSWERS};

@@ -57,7 +57,7 @@ void answer_flood_drops(host &state, exchange &talk) {
     talk.tell(state.counters.flood_drops);
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer COUNTER_ANSWERS[] = {
     {.opcode = KXDPA_OP_PORT_STATISTICS,
      .flags = KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_port_statistics),
@@ -89,4 +89,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family counter_family = {ANSWERS};
+constinit const family counter_family = {COUNTER_ANSWERS};

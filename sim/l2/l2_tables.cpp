@@ -39,7 +39,7 @@ void answer_limit(host &state, exchange &talk) {
     }
 }
 
-void answer_count(host &state, exchange &talk) {
+void answer_entry_count(host &state, exchange &talk) {
     if (const l2_table *table = table_of(state, talk)) {
         talk.reply_with(static_cast<uint32_t>(table->entries.size()));
     }
@@ -151,9 +151,12 @@ void answer_get_mac(host &state, exchange &talk) {
     talk.reply_with(info);
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer L2_ANSWERS[] = {
     {.opcode = KXDPA_OP_L2_TABLE_LIMIT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_limit},
-    {.opcode = KXDPA_OP_L2_ENTRY_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_count},
+    {.opcode = KXDPA_OP_L2_ENTRY_COUNT,
+     .flags = KXDPA_FLAG_OUT,
+     .len1 = 4,
+     .reply = answer_entry_count},
     {.opcode = KXDPA_OP_L2_AGING_TIME,
      .flags = KXDPA_FLAG_OUT,
      .len1 = 4,
@@ -183,4 +186,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family l2_family = {ANSWERS};
+constinit const family l2_family = {L2_ANSWERS};

@@ -29,7 +29,7 @@ constexpr answer record(kxdpa_opcode opcode, uint32_t size, void (*reply)(host &
     return {.opcode = opcode, .flags = KXDPA_FLAG_OUT, .len1 = size, .reply = reply};
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer LACP_ANSWERS[] = {
     record(KXDPA_OP_LACP_OFFLOAD, 4, answer_offload),
     record(KXDPA_OP_LACP_CARRIERS, sizeof(kx_lacp_carriers), answer_carriers),
     record(KXDPA_OP_LACP_BIT, 4, answer_uplink<&lacp_uplink::bit>),
@@ -42,4 +42,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family lacp_family = {ANSWERS};
+constinit const family lacp_family = {LACP_ANSWERS};

@@ -8,7 +8,7 @@ void answer_mode(host &state, exchange &talk) {
     talk.tell(state.port_channels.mode);
 }
 
-void answer_record(host &state, exchange &talk) {
+void answer_port_channel(host &state, exchange &talk) {
     const auto found = state.port_channels.by_ltl.find(talk.request.arg);
     if (found == state.port_channels.by_ltl.end()) {
         talk.fail();
@@ -37,15 +37,15 @@ void answer_pinned(host &state, exchange &talk) {
     talk.fail();
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer PORT_CHANNEL_ANSWERS[] = {
     {.opcode = KXDPA_OP_PINNING_MODE, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_mode},
     {.opcode = KXDPA_OP_PORT_CHANNEL_RECORD,
      .flags = KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_port_channel_record),
-     .reply = answer_record},
+     .reply = answer_port_channel},
     {.opcode = KXDPA_OP_PINNED_PORTS, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_pinned},
 };
 
 } // namespace
 
-constinit const family port_channel_family = {ANSWERS};
+constinit const family port_channel_family = {PORT_CHANNEL_ANSWERS};

@@ -16,7 +16,7 @@ void answer_next_ltl(host &state, exchange &talk) {
     }
 }
 
-void answer_record(host &state, exchange &talk) {
+void answer_port(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
     if (view == nullptr) {
         talk.fail();
@@ -77,12 +77,12 @@ void answer_vlan_set(host &state, exchange &talk) {
     talk.reply_with(set);
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer PORT_ANSWERS[] = {
     {.opcode = KXDPA_OP_NEXT_LTL, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_ltl},
     {.opcode = KXDPA_OP_PORT_RECORD,
      .flags = KXDPA_FLAG_OUT,
      .len1 = sizeof(kx_port_record),
-     .reply = answer_record},
+     .reply = answer_port},
     {.opcode = KXDPA_OP_PORT_MAC,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
      .capacity = 6,
@@ -122,4 +122,4 @@ port_view *find_port_view(host &state, uint32_t argument) {
     return &found->views[view];
 }
 
-constinit const family port_family = {ANSWERS};
+constinit const family port_family = {PORT_ANSWERS};

@@ -17,7 +17,7 @@ void answer_private_vlan(host &state, exchange &talk) {
     talk.reply_with(found == state.private_vlans.end() ? asked : found->second);
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer PRIVATE_VLAN_ANSWERS[] = {
     {.opcode = KXDPA_OP_PORT_PVLAN,
      .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
      .len1 = sizeof(kx_port_pvlan),
@@ -26,4 +26,4 @@ constexpr answer ANSWERS[] = {
 
 } // namespace
 
-constinit const family private_vlan_family = {ANSWERS};
+constinit const family private_vlan_family = {PRIVATE_VLAN_ANSWERS};

@@ -42,26 +42,26 @@ void answer_port_mode(host &state, exchange &talk) {
     }
 }
 
-void accept(host &, exchange &) {
+void accept_setting(host &, exchange &) {
 }
 
 constexpr answer set(kxdpa_opcode opcode, uint32_t length) {
-    return {opcode, KXDPA_FLAG_IN, length, 0, 0, accept};
+    return {opcode, KXDPA_FLAG_IN, length, 0, 0, accept_setting};
 }
 
 constexpr answer set_text(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, 1, accept};
+    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, 1, accept_setting};
 }
 
-constexpr answer ANSWERS[] = {
+constexpr answer SETTING_ANSWERS[] = {
     {KXDPA_OP_SET_PORT_MODE, KXDPA_FLAG_IN, sizeof(kx_port_mode_request), 0, 0, answer_port_mode},
-    {KXDPA_OP_ISCSI_PINNING_STATE, KXDPA_FLAG_OUT, 4, 0, 0, accept},
+    {KXDPA_OP_ISCSI_PINNING_STATE, KXDPA_FLAG_OUT, 4, 0, 0, accept_setting},
     set(KXDPA_OP_SET_ISCSI_PINNING, sizeof(kx_iscsi_pinning)),
     set_text(KXDPA_OP_SET_ISCSI_NIC),
     set_text(KXDPA_OP_CLEAR_ISCSI_NIC),
     set_text(KXDPA_OP_SET_MIRRA_NIC),
     set_text(KXDPA_OP_CLEAR_MIRRA_NIC),
-    {KXDPA_OP_SCHEDULER_CONTROL, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, 8, 0, 0, accept},
+    {KXDPA_OP_SCHEDULER_CONTROL, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, 8, 0, 0, accept_setting},
     set(KXDPA_OP_SET_QOS_EXPORT, 4),
     set(KXDPA_OP_SET_MAC_MOVE_TIMER, 4),
     set(KXDPA_OP_SET_BVL_SGT, 2),
@@ -70,9 +70,9 @@ constexpr answer ANSWERS[] = {
     set(KXDPA_OP_SET_BVL_ENFORCEMENT, 1),
     set(KXDPA_OP_SET_BVL_PROPAGATE, 1),
     set(KXDPA_OP_SET_BVL_POLICY, sizeof(kx_bvl_policy)),
-    {KXDPA_OP_CLEAR_PRINTK_COUNTS, KXDPA_FLAG_NODATA, 0, 0, 0, accept},
+    {KXDPA_OP_CLEAR_PRINTK_COUNTS, KXDPA_FLAG_NODATA, 0, 0, 0, accept_setting},
 };
 
 } // namespace
 
-constinit const family settings_family = {ANSWERS};
+constinit const family settings_family = {SETTING_ANSWERS};

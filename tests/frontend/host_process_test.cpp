@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int PAGES_LIMIT = 1000;
+constexpr int COMMAND_PAGES_LIMIT = 1000;
 constexpr size_t ROOM_FOR_A_ROW = 201;
 
 struct run {
@@ -99,7 +99,7 @@ protected:
         std::string pages = seen.page;
         uint32_t previous = 0;
         for (int count = 0; seen.cookie != 0 && seen.cookie != previous; ++count) {
-            if (count == PAGES_LIMIT) {
+            if (count == COMMAND_PAGES_LIMIT) {
                 ADD_FAILURE() << command << " does not end";
                 break;
             }

@@ -13,10 +13,10 @@
 namespace {
 
 // What the handlers of the little table below were called with: "name" or "name(argument)".
-std::vector<std::string> calls;
+std::vector<std::string> calls_made;
 
 int record(const char *name, const char *arg, int result) {
-    calls.push_back(arg == nullptr ? name : std::string(name) + "(" + arg + ")");
+    calls_made.push_back(arg == nullptr ? name : std::string(name) + "(" + arg + ")");
     return result;
 }
 
@@ -62,12 +62,12 @@ protected:
 
     // The calls that a text makes and what is printed, with the time stamps cut off.
     std::string run(const std::string &text, int from_agent = 0) {
-        calls.clear();
+        calls_made.clear();
         printed = traced_by([&] {
             kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
         });
         std::string joined;
-        for (const std::string &call : calls) {
+        for (const std::string &call : calls_made) {
             joined += joined.empty() ? call : ", " + call;
         }
         return joined;

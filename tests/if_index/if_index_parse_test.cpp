@@ -6,14 +6,14 @@
 
 namespace {
 
-constexpr uint32_t UNTOUCHED = 0xDEADBEEF;
+constexpr uint32_t NOT_PARSED = 0xDEADBEEF;
 
 TEST(IfIndexParse, Names) {
     for (const auto &row : golden("interface_parse.tsv")) {
-        uint32_t if_index = UNTOUCHED;
+        uint32_t if_index = NOT_PARSED;
         EXPECT_EQ(vsh_interface_name_to_ifindex(row.at(0).c_str(), &if_index), row.at(1) == "1")
             << row[0];
-        EXPECT_EQ(if_index, row.at(2) == "-" ? UNTOUCHED : number(row[2])) << row[0];
+        EXPECT_EQ(if_index, row.at(2) == "-" ? NOT_PARSED : number(row[2])) << row[0];
     }
     EXPECT_EQ(vsh_interface_name_to_ifindex("null0", nullptr), 0);
 }
@@ -22,9 +22,9 @@ TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {
     const struct {
         const char *vdc;
         uint32_t if_index;
-    } rows[] = {{"3", 0x09030064}, {"256", UNTOUCHED}, {"-1", UNTOUCHED}, {"x", 0x09000064}};
+    } rows[] = {{"3", 0x09030064}, {"256", NOT_PARSED}, {"-1", NOT_PARSED}, {"x", 0x09000064}};
     for (const auto &row : rows) {
-        uint32_t if_index = UNTOUCHED;
+        uint32_t if_index = NOT_PARSED;
         setenv("SYSMGR_VDC_ID", row.vdc, 1);
         EXPECT_EQ(vsh_interface_name_to_ifindex("vlan100", &if_index), 1);
         EXPECT_EQ(if_index, row.if_index) << row.vdc;
@@ -43,11 +43,11 @@ TEST(IfIndexParse, KeywordsBuildWhatTheGoldenTableSays) {
         for (int count = 0; count <= IF_NAME_MAX_NUMBERS; count++) {
             const auto column = static_cast<size_t>(count);
             const bool builds = count >= 1 && column < row.size() && row[column] != "-";
-            uint32_t if_index = UNTOUCHED;
+            uint32_t if_index = NOT_PARSED;
             EXPECT_EQ(vsh_interface_coordinates_to_ifindex(keyword, numbers, count, &if_index),
                       builds ? 1 : 0)
                 << count;
-            EXPECT_EQ(if_index, builds ? number(row[column]) : UNTOUCHED) << count;
+            EXPECT_EQ(if_index, builds ? number(row[column]) : NOT_PARSED) << count;
         }
         keyword++;
     }
@@ -56,7 +56,7 @@ TEST(IfIndexParse, KeywordsBuildWhatTheGoldenTableSays) {
 
 TEST(IfIndexParse, CoordinatesOutOfBounds) {
     const uint32_t numbers[IF_NAME_MAX_NUMBERS + 1] = {1, 1};
-    uint32_t if_index = UNTOUCHED;
+    uint32_t if_index = NOT_PARSED;
     for (uint32_t keyword : {0U, 64U, 69U, 0xFFFFFFFFU}) {
         EXPECT_EQ(vsh_interface_coordinates_to_ifindex(keyword, numbers, 2, &if_index), 0);
     }
@@ -65,7 +65,7 @@ TEST(IfIndexParse, CoordinatesOutOfBounds) {
                   0);
     }
     EXPECT_EQ(vsh_interface_coordinates_to_ifindex(IF_KEYWORD_FC, nullptr, 2, &if_index), 0);
-    EXPECT_EQ(if_index, UNTOUCHED);
+    EXPECT_EQ(if_index, NOT_PARSED);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 // Fixed-size outputs start as this, to see that a failure leaves them alone.
-constexpr uint8_t UNTOUCHED = 0xa5;
+constexpr uint8_t OLD_BYTE = 0xa5;
 
 TEST(Number, FollowsTheStandardUnsignedConversion) {
     for (const auto &row : golden("numbers.tsv"))
@@ -37,10 +37,10 @@ TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
     for (const auto &row : golden("address_texts.tsv")) {
         SCOPED_TRACE(row.at(0) + " " + row.at(1));
         alignas(4) uint8_t address[20];
-        memset(address, UNTOUCHED, sizeof address);
+        memset(address, OLD_BYTE, sizeof address);
         Bytes expected = bytes_from_hex(row.at(2)).value_or(Bytes());
         const int expected_status = expected.empty() ? -1 : 0;
-        expected.resize(sizeof address, UNTOUCHED);
+        expected.resize(sizeof address, OLD_BYTE);
         int status = 0;
         EXPECT_EQ(traced_by([&] { status = parsers.at(row[0])(address, row[1].c_str()); }),
                   row.size() > 3 ? row[3] : "");
@@ -52,8 +52,8 @@ TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
 }
 
 void expect_same_as_c_library(const std::string &text) {
-    Bytes expected(16, UNTOUCHED);
-    Bytes address(16, UNTOUCHED);
+    Bytes expected(16, OLD_BYTE);
+    Bytes address(16, OLD_BYTE);
     const int reference = inet_pton(AF_INET6, text.c_str(), expected.data());
     ASSERT_EQ(kx_parse_ipv6_address(address.data(), text.c_str()), reference == 1 ? 0 : -1) << text;
     ASSERT_EQ(address, expected) << text;

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr uint8_t UNTOUCHED = 0xEE;
+constexpr uint8_t NO_REPLY = 0xEE;
 
 // One model with one caller: two buffers, filled with a mark to show what was written.
 struct bench {
@@ -35,8 +35,8 @@ struct bench {
         driver.state = described(host_text);
         driver.trace = [this](const std::string &line) { trace.push_back(line); };
         driver.complain = [this](const std::string &line) { complaints.push_back(line); };
-        memset(buffer1, UNTOUCHED, sizeof buffer1);
-        memset(buffer2, UNTOUCHED, sizeof buffer2);
+        memset(buffer1, NO_REPLY, sizeof buffer1);
+        memset(buffer2, NO_REPLY, sizeof buffer2);
     }
 
     kxdpa_request request(uint16_t opcode, uint32_t arg, uint8_t flags, uint32_t len1) {
@@ -81,7 +81,7 @@ struct bench {
     // Bytes from the start of buffer 1 that were written.
     size_t written() const {
         size_t count = sizeof buffer1;
-        while (count > 0 && buffer1[count - 1] == UNTOUCHED)
+        while (count > 0 && buffer1[count - 1] == NO_REPLY)
             count--;
         return count;
     }
@@ -157,8 +157,8 @@ TEST(Model, NeverWritesBeyondTheRoom) {
                         described(R"({"overrides": [{"opcode": )" + opcode + override + "}]}")
                             .overrides;
                 }
-                std::vector<uint8_t> first(10000, UNTOUCHED);
-                std::vector<uint8_t> second(10000, UNTOUCHED);
+                std::vector<uint8_t> first(10000, NO_REPLY);
+                std::vector<uint8_t> second(10000, NO_REPLY);
                 const bool two = (form.flags & KXDPA_FLAG_TWO) != 0;
                 const uint32_t length = form.len1 == ANY_LENGTH ? 4 : form.len1;
                 kxdpa_request record = on.request(form.opcode, 0, form.flags, length);
@@ -176,7 +176,7 @@ TEST(Model, NeverWritesBeyondTheRoom) {
                 on.ask(record);
                 EXPECT_TRUE(on.complaints.empty()) << on.complaints.at(0);
                 const std::vector<uint8_t> &reply = two ? second : first;
-                EXPECT_EQ(std::count(reply.begin() + room + behind, reply.end(), UNTOUCHED),
+                EXPECT_EQ(std::count(reply.begin() + room + behind, reply.end(), NO_REPLY),
                           static_cast<ptrdiff_t>(reply.size() - room - behind));
                 asked++;
             }
@@ -309,7 +309,7 @@ TEST(Model, ReplyOfTwoBuffersGoesIntoTheSecond) {
     EXPECT_EQ(on.ask(record), 0);
     EXPECT_EQ(on.written(), 2U);
     EXPECT_EQ(on.buffer2[1], 0x0b);
-    EXPECT_EQ(on.buffer2[2], UNTOUCHED);
+    EXPECT_EQ(on.buffer2[2], NO_REPLY);
     EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x0 flags 11 len 2 len2 2 in 5555 -> 0");
 }
 
