@@ -110,6 +110,7 @@ TEST_P(OutputFile, LeavesNothingWhenASignalEndsTheProcess) {
             std::ofstream(file) << "old";
             const pid_t child = fork();
             if (child == 0) {
+                std::signal(signal, SIG_DFL); // it may be ignored, as under nohup
                 signal_at_rename = signal;
                 renames_are_refused = refused;
                 write_output_file(file, "new", error);
