@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
@@ -203,10 +204,10 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
     uint32_t word = 0;
     uint32_t huge = UINT32_MAX;
     const auto one = [&](uint8_t flags, uint32_t length, uint32_t *max) {
-        return kx_tarncmd_call_indirect1(2, 0, flags, &word, length, max);
+        return kx_tarncmd_call_indirect1(22, 0, flags, &word, length, max);
     };
     const auto two = [&](uint8_t flags, uint32_t *first, uint32_t *second) {
-        return kx_tarncmd_call_indirect2(2, 0, flags, &word, 4, first, &word, 4, second);
+        return kx_tarncmd_call_indirect2(22, 0, flags, &word, 4, first, &word, 4, second);
     };
     enum agent_end { LISTENS, CLOSES_ITS_SIDE, GONE };
     const struct {
@@ -218,23 +219,23 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         std::string trace;
     } rows[] = {
         {"one buffer without capacity", LISTENS, 0x97, [&] { return one(5, 4, nullptr); }, 2,
-         place + "/321: Failed, opcode 2\n"},
+         place + "/321: Failed, opcode 22\n"},
         {"the line is off by default", LISTENS, 0x87, [&] { return one(5, 4, nullptr); }, 2, ""},
         {"two buffers without the first capacity", LISTENS, 0x97,
-         [&] { return two(15, nullptr, &huge); }, 2, place + "/368: Failed, opcode 2\n"},
+         [&] { return two(15, nullptr, &huge); }, 2, place + "/368: Failed, opcode 22\n"},
         {"two buffers without the second", LISTENS, 0x97, [&] { return two(15, &huge, nullptr); },
-         2, place + "/382: Failed, opcode 2\n"},
+         2, place + "/382: Failed, opcode 22\n"},
         {"a size that wraps is never allocated", LISTENS, 0x87, [&] { return one(5, 5, &huge); }, 1,
          "kx_tarncmd_socket_api: Failed allocating return buffer\n"},
         {"one buffer to nobody", GONE, 0x97, [&] { return one(1, 4, nullptr); }, 1,
-         refused + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+         refused + place + "/339: Failed: -1, opcode 22\ndi status 1\n"},
         {"one buffer without an answer", CLOSES_ITS_SIDE, 0x97, [&] { return one(1, 4, nullptr); },
-         1, silence + place + "/339: Failed: -1, opcode 2\ndi status 1\n"},
+         1, silence + place + "/339: Failed: -1, opcode 22\ndi status 1\n"},
         {"the same, silently", CLOSES_ITS_SIDE, 0x87, [&] { return one(1, 4, nullptr); }, 1, ""},
         {"two buffers to nobody", GONE, 0x97, [&] { return two(3, nullptr, nullptr); }, 1,
-         refused + place + "/395: Failed, opcode 2\ndi status 1\n"},
+         refused + place + "/395: Failed, opcode 22\ndi status 1\n"},
         {"simple to nobody", GONE, 0x87,
-         [&] { return static_cast<uint32_t>(kx_tarncmd_call_indirect_simple(2, 0, 1, &word, 4)); },
+         [&] { return static_cast<uint32_t>(kx_tarncmd_call_indirect_simple(22, 0, 1, &word, 4)); },
          1, place + "/294: Failed\n"},
         {"no record", LISTENS, 0x97,
          [&] { return static_cast<uint32_t>(kx_tarncmd_socket_api(3, nullptr, HEADER)); },
@@ -322,11 +323,12 @@ TEST_F(AgentSocketPath, ConnectsAnewAfterAReplyThatEndsEarly) {
 
 TEST_F(AgentSocketPath, WithoutAnAgentTheConnectLineSaysWhy) {
     ASSERT_EQ(unlink(AGENT_SOCKET_PATH), 0);
+    std::ofstream(AGENT_SOCKET_PATH).close(); // no socket
     uint32_t word = 0;
     uint32_t status = 0;
     EXPECT_EQ(traced_by([&] { status = kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr); }),
-              "dpa_platform_open: Failed connect local socket err: 2 - No such file or "
-              "directory\n");
+              "dpa_platform_open: Failed connect local socket err: 111 - Connection refused\n");
+    unlink(AGENT_SOCKET_PATH);
     EXPECT_EQ(status, 1U);
     EXPECT_EQ(kx_tarncmd_call_fd, -1);
     EXPECT_EQ(kx_tarncmd_api_exit(), -1);

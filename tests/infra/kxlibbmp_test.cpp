@@ -253,6 +253,9 @@ TEST(BitSetList, BufferTooSmallForAnyItem) {
     EXPECT_STREQ(text, "");
     EXPECT_EQ(done, 0);
     EXPECT_EQ(bitset_snprintf(text, 0, &set, 1, &done), 0);
+    text[0] = '#';
+    EXPECT_EQ(bitset_snprintf(text, 1, &set, 1, &done), 0);
+    EXPECT_STREQ(text, "");
 }
 
 TEST(BitSetArrays, BitOrderIsReversedAndLengthsAreCut) {
