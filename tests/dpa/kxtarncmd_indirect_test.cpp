@@ -179,6 +179,17 @@ TEST_F(AgentSocket, SendsRecordAndBuffersAndTakesThemBack) {
         check_framing(row, peer);
 }
 
+TEST_F(AgentSocket, ExchangeOfARecordSucceedsWhateverItsStatus) {
+    kxdpa_request record{};
+    std::thread agent([&] {
+        receive(peer, HEADER);
+        answer(peer, reply_head());
+    });
+    EXPECT_EQ(kx_tarncmd_socket_api(kx_tarncmd_call_fd, &record, HEADER), 0);
+    agent.join();
+    EXPECT_EQ(record.status, AGENT_STATUS);
+}
+
 TEST_F(AgentSocket, SimpleFormHasNoCapacities) {
     uint32_t word = 5;
     std::string message;
