@@ -227,6 +227,13 @@ TEST(Help, CallsBackForARowThatWritesItself) {
     EXPECT_EQ(std::string(buffer), expected);
 }
 
+TEST(Help, OfAnEmptyTableSortsNothingBehindIt) {
+    kestrel_cmd_row table[] = {{}, row(handle_show, {"b"}), row(handle_show, {"a"}), {}};
+    char buffer[10];
+    EXPECT_EQ(kxcmd_snprintf_help(table, buffer, sizeof buffer), 0);
+    EXPECT_STREQ(table[1].keywords[0], "b");
+}
+
 TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
     const struct {
         std::string keyword; // the column is one blank longer
