@@ -248,8 +248,13 @@ TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
     for (const auto &expected : rows) {
         kestrel_cmd_row table[] = {row(handle_show, {expected.keyword.c_str()}), {}};
         char buffer[512];
-        kxcmd_snprintf_help(table, buffer, sizeof buffer);
+        const int length = kxcmd_snprintf_help(table, buffer, sizeof buffer);
         EXPECT_EQ(std::string(buffer), expected.printed);
+        if (expected.keyword.size() >= 78) { // nothing goes behind a column that is full
+            table[0].keywords[1] = "more";
+            EXPECT_EQ(kxcmd_snprintf_help(table, buffer, sizeof buffer), length);
+            EXPECT_EQ(std::string(buffer), expected.printed);
+        }
     }
 }
 
