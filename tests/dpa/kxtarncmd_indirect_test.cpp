@@ -350,15 +350,19 @@ TEST(AgentSocketDescriptor, IsMissedInOneLine) {
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
     uint32_t word = 0;
     uint32_t status = 0;
+    int opened = 0;
     const std::string traced = traced_by([&] {
         const int next = dup(STDOUT_FILENO);
         close(next);
         const rlimit none_left = {static_cast<rlim_t>(next), before.rlim_max};
         setrlimit(RLIMIT_NOFILE, &none_left);
         status = kx_tarncmd_call_indirect1(2, 0, 1, &word, 4, nullptr);
+        opened = dpa_platform_open();
         setrlimit(RLIMIT_NOFILE, &before);
     });
-    EXPECT_EQ(traced, "dpa_platform_open: Error opening local socket\n");
+    EXPECT_EQ(traced, "dpa_platform_open: Error opening local socket\n"
+                      "dpa_platform_open: Error opening local socket\n");
+    EXPECT_EQ(opened, -1);
     EXPECT_EQ(status, 1U);
 }
 
