@@ -9,6 +9,7 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <string>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -220,7 +221,7 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
     const auto two = [&](uint8_t flags, uint32_t *first, uint32_t *second) {
         return kx_tarncmd_call_indirect2(22, 0, flags, &word, 4, first, &word, 4, second);
     };
-    enum agent_end { LISTENS, CLOSES_ITS_SIDE, GONE };
+    enum agent_end { LISTENS, CLOSES_ITS_SIDE, GONE, LEAVES_THE_REQUEST };
     const struct {
         const char *what;
         agent_end agent;
@@ -243,6 +244,10 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         {"one buffer without an answer", CLOSES_ITS_SIDE, 0x97, [&] { return one(1, 4, nullptr); },
          1, silence + place + "/339: Failed: -1, opcode 22\ndi status 1\n"},
         {"the same, silently", CLOSES_ITS_SIDE, 0x87, [&] { return one(1, 4, nullptr); }, 1, ""},
+        {"one buffer that is never read", LEAVES_THE_REQUEST, 0x97,
+         [&] { return one(1, 4, nullptr); }, 1,
+         sending + "kx_tarncmd_socket_api: EOF reading bytes back -1\n" + place +
+             "/339: Failed: -1, opcode 22\ndi status 1\n"},
         {"two buffers to nobody", GONE, 0x97, [&] { return two(3, nullptr, nullptr); }, 1,
          refused + place + "/395: Failed, opcode 22\ndi status 1\n"},
         {"simple to nobody", GONE, 0x87,
@@ -261,8 +266,14 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
             close(std::exchange(peer, -1));
         else if (row.agent == CLOSES_ITS_SIDE)
             shutdown(peer, SHUT_WR);
+        std::thread agent([&] {
+            pollfd request = {peer, POLLIN, 0};
+            if (row.agent == LEAVES_THE_REQUEST && poll(&request, 1, 5000) == 1)
+                close(std::exchange(peer, -1));
+        });
         uint32_t status = 0;
         EXPECT_EQ(traced_by([&] { status = row.call(); }), row.trace);
+        agent.join();
         EXPECT_EQ(status, row.status);
         EXPECT_EQ(kx_tarncmd_call_fd == -1, row.agent != LISTENS);
     }
