@@ -6,6 +6,11 @@
 #include <string_view>
 #include <vector>
 
+// Why a test that runs a command in the agent is skipped; scripts/test tells lines that begin so.
+inline constexpr const char *NO_OUTPUT_FOLDER =
+    "skipped: no command is run in the agent, whose output comes through /var/log, which cannot be "
+    "written";
+
 // Every time stamp "Nov 21 10:00:00.123456: " of a trace line replaced by `with`.
 std::string replace_stamps(std::string_view text, std::string_view with);
 

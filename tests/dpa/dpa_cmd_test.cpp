@@ -2,6 +2,7 @@
 #include "frontend/handlers.h"
 #include "sim/agent/agent_paths.h"
 #include "tests/infra/printed_by.h"
+#include "tests/text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -204,7 +205,7 @@ class DpaCommand : public testing::Test {
 protected:
     void SetUp() override {
         if (access("/var/log", W_OK) != 0)
-            GTEST_SKIP() << "the output file's folder cannot be written";
+            GTEST_SKIP() << NO_OUTPUT_FOLDER;
         std::string error;
         ASSERT_TRUE(paths.claim(error)) << error;
     }

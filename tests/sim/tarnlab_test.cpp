@@ -211,7 +211,7 @@ TEST(Tarnlab, TraceHoldsTheRequestsOfOneRun) {
 
 TEST(Tarnlab, TheAgentRunsBesideTheCommand) {
     if (access("/var/log", W_OK) != 0)
-        GTEST_SKIP() << "the output file's folder cannot be written";
+        GTEST_SKIP() << NO_OUTPUT_FOLDER;
     const outcome seen = run(LAB + " " + TARNCMD_PATH + " dpa show version");
     EXPECT_EQ(seen.text, "=>dpa command is: show version\n"
                          "DPA version 2.3.1, built for ESX 6.0\n"
