@@ -100,18 +100,16 @@ TEST(DebugWords, StartAt0x87) {
     for (const uint32_t word :
          {kx_debug_print_kxdump, kx_debug_print_hmx_cmds, kx_debug_print_kxdpa_indirect,
           kx_debug_print_kxtarncmd_indirect, kx_debug_print_kxcmd, kx_debug_print_kxstrings,
-          kx_debug_print_dpa_platform, kx_debug_print_dpa_main}) {
+          kx_debug_print_dpa_platform, kx_debug_print_dpa_main})
         EXPECT_EQ(word, 0x87U);
-    }
 }
 
 TEST(TraceLines, BeginWithTheTimeOfDay) {
     const time_t before = time(nullptr);
     const std::string line = printed_by([] { kx_print_stamped("%d\n", 5); });
     bool found = false;
-    for (time_t now = before; now <= time(nullptr); ++now) {
+    for (time_t now = before; now <= time(nullptr); ++now)
         found |= line.starts_with(std::string(ctime(&now)).substr(4, 15) + ".");
-    }
     EXPECT_TRUE(found) << line;
     EXPECT_EQ(replace_stamps(line, "STAMP "), "STAMP 5\n");
 }

@@ -18,9 +18,8 @@ std::string all_keywords(const kestrel_cmd_row &row, const char *separator) {
 
 std::string command_of(const kestrel_cmd_row &row) {
     kestrel_cmd_row typed = row;
-    for (const char *&keyword : typed.keywords) {
+    for (const char *&keyword : typed.keywords)
         if (keyword != nullptr && is_documentation(keyword))
             keyword = nullptr;
-    }
     return all_keywords(typed);
 }

@@ -46,9 +46,8 @@ std::string replace_stamps(std::string_view text, std::string_view with) {
 }
 
 std::string replace_all(std::string text, std::string_view what, std::string_view with) {
-    for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+    for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
         text.replace(at, what.size(), with);
-    }
     return text;
 }
 
@@ -68,9 +67,8 @@ std::vector<char *> argument_vector(std::vector<std::string> &words) {
 std::string patch_host(const std::string &host, const std::string &patch) {
     nlohmann::json description = nlohmann::json::parse(host, nullptr, false);
     const nlohmann::json change = nlohmann::json::parse(patch, nullptr, false);
-    if (description.is_discarded() || !change.is_object()) {
+    if (description.is_discarded() || !change.is_object())
         return "";
-    }
     description.merge_patch(change);
     return description.dump(1);
 }

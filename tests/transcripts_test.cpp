@@ -255,9 +255,8 @@ int run_case(const transcript_case &asked, const char *command, const fs::path &
     const pid_t child = fork();
     if (child == 0) {
         alarm(CASE_SECONDS);
-        for (const auto &[descriptor, name] : {std::pair{1, "out"}, std::pair{2, "err"}}) {
+        for (const auto &[descriptor, name] : {std::pair{1, "out"}, std::pair{2, "err"}})
             dup2(open((folder / name).c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666), descriptor);
-        }
         if (command != nullptr)
             run_external(command, asked, folder);
         const int value = run_in_process(asked, folder);
@@ -330,10 +329,9 @@ std::string joined(const lines &of) {
 
 std::vector<fs::path> transcript_files() {
     std::vector<fs::path> files;
-    for (const auto &entry : fs::directory_iterator(fs::path(TESTS_DIR) / "transcripts")) {
+    for (const auto &entry : fs::directory_iterator(fs::path(TESTS_DIR) / "transcripts"))
         if (entry.path().extension() == ".txt")
             files.push_back(entry.path());
-    }
     std::sort(files.begin(), files.end());
     return files;
 }

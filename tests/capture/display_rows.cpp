@@ -26,9 +26,8 @@ void add_number(arguments &into, uint32_t number) {
 
 // Some of the values, the first and the last among them.
 arguments some_of(const arguments &all, size_t samples) {
-    if (all.size() <= samples) {
+    if (all.size() <= samples)
         return all;
-    }
     arguments some;
     for (size_t i = 0; i < samples; i++) {
         some.insert(
@@ -52,11 +51,9 @@ vocabulary strangers_to(const host &described) {
     words.segments = {"0", "1", "16777216"};
     words.names = {"nonesuch"};
     words.uplinks = {"0", "49", "50"};
-    for (const uint32_t ltl : {0U, 5U, 17U, 18U, 777U, 4000000000U}) {
-        if (ltl < KX_LTL_FIRST_EXTERNAL || !described.counters.drops.contains(ltl)) {
+    for (const uint32_t ltl : {0U, 5U, 17U, 18U, 777U, 4000000000U})
+        if (ltl < KX_LTL_FIRST_EXTERNAL || !described.counters.drops.contains(ltl))
             add_number(words.ltls, ltl);
-        }
-    }
     return words;
 }
 
@@ -74,12 +71,10 @@ vocabulary vocabulary_of(const host &described, bool with_strangers) {
         add_number(words.vlans, vlan);
         add_number(words.swbds, vlan);
     }
-    for (const auto &[ltl, port] : described.ports.by_ltl) {
+    for (const auto &[ltl, port] : described.ports.by_ltl)
         add_number(words.ltls, ltl);
-    }
-    for (const auto &[ltl, uplink] : described.lacp.uplinks) {
+    for (const auto &[ltl, uplink] : described.lacp.uplinks)
         add_number(words.uplinks, ltl);
-    }
     return words;
 }
 
@@ -88,24 +83,18 @@ arguments asked_values(const std::string &documentation, const vocabulary &words
     const auto names = [&](const char *word) {
         return documentation.find(word) != std::string::npos;
     };
-    if (names("lacp")) {
+    if (names("lacp"))
         return words.uplinks;
-    }
-    if (names("bd-name")) {
+    if (names("bd-name"))
         return words.names;
-    }
-    if (names("segment-id") || names("seg-id")) {
+    if (names("segment-id") || names("seg-id"))
         return words.segments;
-    }
-    if (names("hwbd")) {
+    if (names("hwbd"))
         return words.indexes;
-    }
-    if (names("show dr")) {
+    if (names("show dr"))
         return words.swbds;
-    }
-    if (names("vlan]") || names("<vlan>")) {
+    if (names("vlan]") || names("<vlan>"))
         return words.vlans;
-    }
     return names(" ltl ") && names("port-drops") ? words.ltls : arguments();
 }
 
@@ -120,9 +109,8 @@ arguments alternatives(const kestrel_cmd_row &row) {
             at = end + 1;
         }
     }
-    for (const char *placeholder : {"vlan", "hwbd", "ltl", "<segment-id>"}) {
+    for (const char *placeholder : {"vlan", "hwbd", "ltl", "<segment-id>"})
         words.erase(placeholder);
-    }
     return words;
 }
 
@@ -134,18 +122,16 @@ std::vector<display_line> display_lines(const host &described, bool with_strange
     std::vector<display_line> lines;
     std::set<std::string> seen;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
-        if (!is_display(row) || !seen.insert(documentation_of(row)).second) {
+        if (!is_display(row) || !seen.insert(documentation_of(row)).second)
             continue;
-        }
         const std::string command = command_of(row);
         arguments values = some_of(asked_values(documentation_of(row), words), samples);
         values.merge(alternatives(row));
         values.insert("");
         for (const std::string &value : values) {
             lines.push_back({command, {command}});
-            if (!value.empty()) {
+            if (!value.empty())
                 lines.back().words.push_back(value);
-            }
         }
     }
     return lines;

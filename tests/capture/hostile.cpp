@@ -71,9 +71,8 @@ void replay(uint64_t seed, const std::string &command,
         host recording_on;
         recording_on.management_address = address;
         host_programs programs;
-        if (!programs.install(recording_on, error)) {
+        if (!programs.install(recording_on, error))
             give_up(seed, command, error);
-        }
         recorder_start();
         recorded = run_tool({command}, answer_hostile);
         text = write_host(recorded_host(recorder_stop()));
@@ -81,9 +80,8 @@ void replay(uint64_t seed, const std::string &command,
     model simulated;
     host_programs programs;
     if (!parse_host(text, "recording", simulated.state, error) ||
-        !programs.install(simulated.state, error)) {
+        !programs.install(simulated.state, error))
         give_up(seed, command, error + "\n" + text);
-    }
     simulated.complain = [&](const std::string &line) { give_up(seed, command, line); };
     const tool_run replayed = run_tool({command}, driver_of(simulated));
     if (replayed != recorded) {
@@ -112,9 +110,8 @@ void replay_card(hostile_random &random) {
 void replay_rows(uint64_t seed) {
     hostile_random random(seed);
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
-        if (!is_recorded(row)) {
+        if (!is_recorded(row))
             continue;
-        }
         const std::string command = command_of(row);
         done.rows.insert(command);
         if (row.handler == kx_card_dump) {
@@ -123,9 +120,8 @@ void replay_rows(uint64_t seed) {
         }
         for (const std::string &argument : arguments_of(row, random)) {
             const uint64_t run_seed = uint64_t{random.next()} << 32 | random.next();
-            if (is_done_now()) {
+            if (is_done_now())
                 replay(run_seed, command + (argument.empty() ? "" : " ") + argument);
-            }
         }
     }
 }
@@ -145,12 +141,10 @@ std::vector<std::string> capture(uint64_t seed, const char *what, const test_dri
     const std::string text = write_host(capturing.captured, &unsaid);
     host described;
     std::string error;
-    if (!parse_host(text, "capture", described, error)) {
+    if (!parse_host(text, "capture", described, error))
         give_up(seed, what, error + "\n" + text);
-    }
-    if (!unsaid.empty()) {
+    if (!unsaid.empty())
         give_up(seed, what, "no key says " + unsaid.front());
-    }
     done.captures++;
     return capturing.driver.reports();
 }
@@ -175,14 +169,12 @@ void capture_endless_driver(uint32_t circle) {
         const uint32_t size = two ? record.len2 : record.len1;
         record.status = record.opcode == KXDPA_OP_PORT_VLAN_SET ? 5 : KXDPA_STATUS_SUCCESS;
         last = circle == 0 ? last + 1 : last % circle + 1;
-        for (uint32_t at = 0; record.status == 0 && at + sizeof last <= size; at += sizeof last) {
+        for (uint32_t at = 0; record.status == 0 && at + sizeof last <= size; at += sizeof last)
             memcpy(bytes + at, &last, sizeof last);
-        }
         return 0;
     });
-    if (reports.empty()) {
+    if (reports.empty())
         give_up(circle, "endless", "nothing is reported");
-    }
 }
 
 } // namespace
@@ -196,17 +188,15 @@ int main(int argc, char *argv[]) {
     }
     if (argc > first) {
         seeds.clear();
-        for (int i = first; i < argc; i++) {
+        for (int i = first; i < argc; i++)
             seeds.push_back(std::strtoull(argv[i], nullptr, 0));
-        }
     }
     for (const uint64_t seed : seeds) {
         replay_rows(seed);
         capture_hostile_drivers(seed);
     }
-    if (every == 1) {
+    if (every == 1)
         capture_endless_driver(0);
-    }
     capture_endless_driver(7);
     std::printf("captures of hostile drivers: %llu\n",
                 static_cast<unsigned long long>(done.captures));

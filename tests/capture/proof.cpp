@@ -61,9 +61,8 @@ struct tally {
 host parsed(const std::string &name, const std::string &text) {
     host described;
     std::string error;
-    if (!parse_host(text, name, described, error)) {
+    if (!parse_host(text, name, described, error))
         give_up(name, error + "\n" + text);
-    }
     return described;
 }
 
@@ -75,9 +74,8 @@ struct live_host {
         simulated.state = std::move(described);
         simulated.complain = [name](const std::string &line) { give_up(name, line); };
         std::string error;
-        if (!programs.install(simulated.state, error)) {
+        if (!programs.install(simulated.state, error))
             give_up(name, error);
-        }
     }
 };
 
@@ -93,34 +91,29 @@ bool can_be_captured(const host &described) {
 
 std::string capture_of(const std::string &name, live_host &live) {
     // Whoever is asked for the L2 table of a bridge domain has one from then on.
-    for (const auto &[index, bd] : live.simulated.state.bridge_domains.by_index) {
+    for (const auto &[index, bd] : live.simulated.state.bridge_domains.by_index)
         live.simulated.state.l2.tables[index];
-    }
     const std::string before = write_host(live.simulated.state);
     set_test_driver(driver_of(live.simulated));
-    if (kx_dpa_api_init() != 0) {
+    if (kx_dpa_api_init() != 0)
         give_up(name, "the device cannot be opened");
-    }
     host_capture capture;
     capture_host(capture, {});
     kx_dpa_api_exit();
     for (const asked_request &asked : requests_so_far()) {
-        if (!MAY_BE_ASKED.contains(asked.opcode)) {
+        if (!MAY_BE_ASKED.contains(asked.opcode))
             give_up(name, "the capture asked opcode " + std::to_string(asked.opcode));
-        }
         done.asked.insert(asked.opcode);
     }
-    if (write_host(live.simulated.state) != before) {
+    if (write_host(live.simulated.state) != before)
         give_up(name, "the capture changed the host");
-    }
     return write_host(capture.captured);
 }
 
 std::string joined(const std::vector<std::string> &words) {
     std::string text;
-    for (const std::string &word : words) {
+    for (const std::string &word : words)
         text += " " + word;
-    }
     return text;
 }
 
@@ -140,12 +133,10 @@ std::vector<tool_run> run_all(live_host &live, const std::vector<display_line> &
         runs.push_back(run_tool(line.words, driver_of(live.simulated)));
         live.simulated.state.card = card; // "show version" writes a word of it back
         // Nobody sends what these two set in order to learn how a driver refuses it.
-        for (asked_request &asked : runs.back().requests) {
+        for (asked_request &asked : runs.back().requests)
             if (asked.opcode == KXDPA_OP_SET_MANAGEMENT_IPV4 ||
-                asked.opcode == KXDPA_OP_SET_VERSION_WORD) {
+                asked.opcode == KXDPA_OP_SET_VERSION_WORD)
                 asked.status = 0;
-            }
-        }
     }
     return runs;
 }
@@ -179,9 +170,8 @@ void prove(const std::string &name, const host &original, size_t samples) {
         done.requests += seen[i].requests.size();
     }
     const std::string again = capture_of(name, live);
-    if (again != capture) {
+    if (again != capture)
         give_up(name, "the capture:\n" + capture + "the capture of the capture:\n" + again);
-    }
     done.hosts++;
     done.lines += lines.size();
 }
@@ -189,19 +179,17 @@ void prove(const std::string &name, const host &original, size_t samples) {
 std::string text_of(const std::string &path) {
     std::string text;
     std::string error;
-    if (!read_host_file(path, text, error)) {
+    if (!read_host_file(path, text, error))
         give_up(path, error);
-    }
     return text;
 }
 
 void prove_captured(const std::string &name, const std::string &text) {
     const host described = parsed(name, text);
-    if (can_be_captured(described)) {
+    if (can_be_captured(described))
         prove(name, described, SAMPLES_OF_A_FILE);
-    } else {
+    else
         done.left_out++;
-    }
 }
 
 // The transcripts patch host files, many of them with a driver that misbehaves.
@@ -237,11 +225,10 @@ int main(int argc, char *argv[]) {
           SAMPLES_OF_A_FILE);
     for (int i = 3; i < argc; i++) {
         const std::filesystem::path path = argv[i];
-        if (path.extension() == ".txt") {
+        if (path.extension() == ".txt")
             prove_transcript(path);
-        } else {
+        else
             prove_captured(path, text_of(path));
-        }
     }
     const auto first_seed = static_cast<uint32_t>(std::strtoul(argv[1], nullptr, 0));
     const auto count = static_cast<uint32_t>(std::strtoul(argv[2], nullptr, 0));
@@ -249,9 +236,8 @@ int main(int argc, char *argv[]) {
         prove("random host " + std::to_string(seed), random_host(seed, {"agent", "overrides"}),
               SAMPLES_OF_A_RANDOM_HOST);
     }
-    if (done.asked != MAY_BE_ASKED) {
+    if (done.asked != MAY_BE_ASKED)
         give_up("all hosts", "no capture asked some of what may be asked");
-    }
     std::printf(
         "capture: %llu hosts (%llu that change or refuse the version left out), %zu rows in "
         "%llu command lines, %llu requests\n",

@@ -97,9 +97,8 @@ tool_run run_tool(const std::vector<std::string> &words, test_driver driver) {
     out_of_run = &here;
     // The tool has nothing that a jump out of it would leave behind but memory.
     volatile int value = ENDLESS;
-    if (setjmp(here) == 0) {
+    if (setjmp(here) == 0)
         value = tarncmd_main(static_cast<int>(kept.size()), arguments.data());
-    }
     out_of_run = nullptr;
     kx_dpa_api_exit();
     return {replace_stamps(output.take(), "STAMP: "), value, asked};
@@ -121,17 +120,14 @@ int ioctl(int descriptor, unsigned long code, ...) noexcept {
     va_start(values, code);
     void *argument = va_arg(values, void *);
     va_end(values);
-    if (descriptor != kx_dpa_call_fd || code != 0) {
+    if (descriptor != kx_dpa_call_fd || code != 0)
         return static_cast<int>(syscall(SYS_ioctl, descriptor, code, argument));
-    }
     auto &record = *static_cast<kxdpa_request *>(argument);
     const int error = answering(record);
-    if (asked.size() == REQUESTS_LIMIT && out_of_run != nullptr) {
+    if (asked.size() == REQUESTS_LIMIT && out_of_run != nullptr)
         longjmp(*out_of_run, 1);
-    }
-    if (asked.size() < REQUESTS_KEPT) {
+    if (asked.size() < REQUESTS_KEPT)
         asked.push_back({record.opcode, record.arg, record.status});
-    }
     errno = error;
     return error == 0 ? 0 : -1;
 }

@@ -272,9 +272,8 @@ TEST_F(HostProcess, OnlyAStopEndsTheCommandsOfAText) {
 TEST_F(HostProcess, ComplainsAboutAnArgumentWithoutAWord) {
     point_sink_at(hmx_rcli_buffer);
     hmx_rcli_fromdpa = 1;
-    for (const kestrel_cmd_handler handler : {kx_show_lacp, kx_show_lacp_hostdata}) {
+    for (const kestrel_cmd_handler handler : {kx_show_lacp, kx_show_lacp_hostdata})
         EXPECT_EQ(handler("  "), 0);
-    }
     EXPECT_STREQ(hmx_rcli_buffer, "Invalid arg\nInvalid arg\n");
     EXPECT_EQ(requests, 0);
 }

@@ -67,9 +67,8 @@ protected:
             kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
         });
         std::string joined;
-        for (const std::string &call : calls_made) {
+        for (const std::string &call : calls_made)
             joined += joined.empty() ? call : ", " + call;
-        }
         return joined;
     }
 
@@ -155,9 +154,8 @@ TEST(CommandTable, HoldsTheCatalogueRowForRow) {
 }
 
 TEST(CommandTable, RowsThatAnswerNothingFail) {
-    for (const char *command : {"show", "show opflex", "clear zdp 20"}) {
+    for (const char *command : {"show", "show opflex", "clear zdp 20"})
         EXPECT_EQ(kxcmd_parse_single(kestrel_cmd_list, command, 0, 0), -1) << command;
-    }
 }
 
 TEST(Help, PrintsTheCatalogueSortedWithinItsSections) {

@@ -158,10 +158,9 @@ void take_keys(const json_value &object, const key_table &table, std::set<const 
             if (member.key != row.name && row.type != key_type::counters)
                 continue;
             left.erase(&row);
-            for (const json_value &item : member.value.items) {
+            for (const json_value &item : member.value.items)
                 if (row.table != nullptr)
                     take_keys(item, *row.table, left);
-            }
             if (row.table != nullptr)
                 take_keys(member.value, *row.table, left);
         }
@@ -249,9 +248,8 @@ TEST(Hex, ShortensRunsAndReadsThemBack) {
         EXPECT_EQ(bytes_to_hex(row.bytes), row.text);
         EXPECT_EQ(bytes_from_hex(row.text), row.bytes);
     }
-    for (const char *text : {"0", "0g", "00,", ",00", "00*", "00*-1", "0000*3", "00*3x"}) {
+    for (const char *text : {"0", "0g", "00,", ",00", "00*", "00*-1", "0000*3", "00*3x"})
         EXPECT_FALSE(bytes_from_hex(text)) << text;
-    }
 }
 
 } // namespace

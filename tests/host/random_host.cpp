@@ -152,10 +152,9 @@ struct drawing {
                 fill(*row.table, row.access.open(object), {}, unique);
             break;
         case key_type::counters:
-            for (uint32_t index = 0; index < row.items; index++) {
+            for (uint32_t index = 0; index < row.items; index++)
                 if (one_in(3))
                     row.access.set_at(object, index, number(row));
-            }
             break;
         case key_type::object:
             fill(*row.table, row.access.open(object), {}, ignored);

@@ -31,9 +31,8 @@ struct room {
 };
 
 room find_room(kxdpa_request *record) {
-    if ((record->flags & KXDPA_FLAG_OUT) == 0) {
+    if ((record->flags & KXDPA_FLAG_OUT) == 0)
         return {nullptr, 0, nullptr};
-    }
     const bool two = (record->flags & KXDPA_FLAG_TWO) != 0;
     const bool variable = (record->flags & KXDPA_FLAG_MAX) != 0;
     const uint32_t address = two ? record->buf2 : record->buf1;
@@ -65,9 +64,8 @@ void fill(const room &to, hostile_reply how, hostile_random &random) {
         memset(to.bytes, 'A', to.size);
         break;
     case hostile_reply::formats:
-        for (uint32_t at = 0; at < to.size; at++) {
+        for (uint32_t at = 0; at < to.size; at++)
             to.bytes[at] = static_cast<uint8_t>(FORMATS[at % (sizeof FORMATS - 1)]);
-        }
         break;
     case hostile_reply::small:
         fill_words(to, [&] { return random.below(LARGEST_SMALL_WORD); });
@@ -81,9 +79,8 @@ void fill(const room &to, hostile_reply how, hostile_random &random) {
 }
 
 void damage(const room &to, hostile_random &random) {
-    for (uint32_t times = random.below(8); to.size != 0 && times > 0; times--) {
+    for (uint32_t times = random.below(8); to.size != 0 && times > 0; times--)
         to.bytes[random.below(to.size)] = static_cast<uint8_t>(random.next());
-    }
 }
 
 // A step of a walk: the reply begins with the entry behind the one asked for.
@@ -108,9 +105,8 @@ void step(const room &to, uint32_t from, hostile_driver &driver) {
 void return_length(const room &to, hostile_random &random) {
     const uint32_t lengths[] = {to.size,     to.size + 1, to.size * 2, 0,
                                 0xffffffffU, 0x80000000U, 4,           random.next()};
-    if (!random.one_in(2)) {
+    if (!random.one_in(2))
         *to.returned = lengths[random.below(std::size(lengths))];
-    }
 }
 
 model &simulated_host() {
@@ -135,9 +131,8 @@ bool answer_as_host(kxdpa_request *record) {
 
 hostile_reply next_reply(hostile_driver &driver) {
     hostile_reply how = driver.reply;
-    while (how == hostile_reply::mixed) {
+    while (how == hostile_reply::mixed)
         how = static_cast<hostile_reply>(driver.random.below(HOSTILE_REPLIES));
-    }
     return how;
 }
 
@@ -147,14 +142,12 @@ int refuse(kxdpa_request *record, hostile_driver &driver) {
     const room to = find_room(record);
     if (to.bytes != nullptr && random.one_in(4)) {
         fill(to, next_reply(driver), random);
-        if (to.returned != nullptr) {
+        if (to.returned != nullptr)
             return_length(to, random);
-        }
     }
     const bool no_exchange = random.one_in(4);
-    if (!no_exchange || random.one_in(4)) {
+    if (!no_exchange || random.one_in(4))
         record->status = random.one_in(2) ? END_OF_WALK : random.next() | 1U;
-    }
     errno = EIO;
     return no_exchange ? -1 : 0;
 }
@@ -189,29 +182,24 @@ int hostile_driver_answer(kxdpa_request *record) {
     const bool out_of_patience = driver.requests > driver.patience;
     // One command asks for a record until it gets it, so that even now some requests succeed.
     if (out_of_patience ? !random.one_in(4)
-                        : driver.failures != 0 && random.one_in(driver.failures)) {
+                        : driver.failures != 0 && random.one_in(driver.failures))
         return refuse(record, driver);
-    }
     const hostile_reply how = next_reply(driver);
     const room to = find_room(record);
     const uint32_t asked = record->arg;
     const bool as_host = how == hostile_reply::host || how == hostile_reply::damaged;
     if (as_host && answer_as_host(record)) {
-        if (how == hostile_reply::damaged) {
+        if (how == hostile_reply::damaged)
             damage(to, random);
-        }
         return 0;
     }
     record->status = 0;
-    if (to.bytes == nullptr) {
+    if (to.bytes == nullptr)
         return 0;
-    }
     fill(to, as_host ? hostile_reply::small : how, random);
-    if (to.size == sizeof(uint32_t) && how != hostile_reply::nothing && !random.one_in(4)) {
+    if (to.size == sizeof(uint32_t) && how != hostile_reply::nothing && !random.one_in(4))
         step(to, asked, driver);
-    }
-    if (to.returned != nullptr) {
+    if (to.returned != nullptr)
         return_length(to, random);
-    }
     return 0;
 }

@@ -44,9 +44,8 @@ std::string some_number(hostile_random &random) {
 std::string fill_in(const std::string &word, hostile_random &random) {
     std::vector<std::string> alternatives;
     add_words(word.c_str(), alternatives);
-    if (alternatives.empty() || random.one_in(8)) {
+    if (alternatives.empty() || random.one_in(8))
         return "";
-    }
     const std::string &chosen =
         alternatives[random.below(static_cast<uint32_t>(alternatives.size()))];
     const size_t at = word.find(chosen);
@@ -56,11 +55,9 @@ std::string fill_in(const std::string &word, hostile_random &random) {
 
 std::string filled_in(const kestrel_cmd_row &row, hostile_random &random) {
     std::string documentation;
-    for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && (!documentation.empty() || is_documentation(keyword))) {
+    for (const char *keyword : row.keywords)
+        if (keyword != nullptr && (!documentation.empty() || is_documentation(keyword)))
             documentation += std::string(keyword) + " ";
-        }
-    }
     documentation += row.argument_hint == nullptr ? "" : row.argument_hint;
     std::string text;
     for (size_t at = 0; (at = documentation.find_first_not_of(' ', at)) != std::string::npos;) {
@@ -75,9 +72,8 @@ std::string filled_in(const kestrel_cmd_row &row, hostile_random &random) {
 
 std::string some_garbage(hostile_random &random) {
     std::string text(random.below(200), ' ');
-    for (char &byte : text) {
+    for (char &byte : text)
         byte = static_cast<char>(' ' + random.below('~' - ' ' + 1));
-    }
     std::replace(text.begin(), text.end(), ';', ':');
     return text;
 }
@@ -87,19 +83,16 @@ std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random
     arguments.insert(arguments.end(),
                      {std::string(120, 'w'), std::string(200, '9'), std::string(60, ' ') + "20"});
     std::vector<std::string> words;
-    for (const char *keyword : row.keywords) {
-        if (keyword != nullptr && is_documentation(keyword)) {
+    for (const char *keyword : row.keywords)
+        if (keyword != nullptr && is_documentation(keyword))
             add_words(keyword, words);
-        }
-    }
     add_words(row.argument_hint, words);
     for (const std::string &word : words) {
         arguments.push_back(word);
         arguments.push_back(word + " 20");
     }
-    for (const char *word : {"ltl", "vlan", "cookie", "on", "off"}) {
+    for (const char *word : {"ltl", "vlan", "cookie", "on", "off"})
         words.emplace_back(word);
-    }
     for (int i = 0; i < RANDOM_SHAPES; i++) {
         arguments.push_back(some_words(words, random));
         arguments.push_back(filled_in(row, random));

@@ -59,9 +59,8 @@ void say_what_is_running() {
 }
 
 void require(bool holds, const char *what) {
-    if (!holds) {
+    if (!holds)
         give_up(what);
-    }
 }
 
 void on_alarm(int /*number*/) {
@@ -96,9 +95,8 @@ void run_pages(const std::string &text, int from_agent) {
         start_page();
         run_text(page, from_agent);
         require(hmx_rcli_buffer_ptr >= hmx_rcli_buffer, "the sink went backwards");
-        if (hmx_rcli_more_output == 0) {
+        if (hmx_rcli_more_output == 0)
             break;
-        }
         page = text + " cookie " + std::to_string(hmx_rcli_more_output);
     }
     hmx_rcli_fromdpa = 0;
@@ -109,9 +107,8 @@ void set_traces(bool on) {
     for (uint32_t *word :
          {&kx_debug_print_kxdump, &kx_debug_print_hmx_cmds, &kx_debug_print_kxdpa_indirect,
           &kx_debug_print_kxtarncmd_indirect, &kx_debug_print_kxcmd, &kx_debug_print_kxstrings,
-          &kx_debug_print_dpa_platform}) {
+          &kx_debug_print_dpa_platform})
         *word = on ? 0xff : 0x87;
-    }
 }
 
 void run_command(const std::string &text, uint64_t seed) {
@@ -144,9 +141,8 @@ void sweep_rows(uint64_t seed) {
     uint64_t rows = 0;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
         // The agent's pipe is no driver.
-        if (row.kind != KESTREL_CMD_COMMAND || row.handler == kx_dpa_cmd) {
+        if (row.kind != KESTREL_CMD_COMMAND || row.handler == kx_dpa_cmd)
             continue;
-        }
         rows++;
         const std::string command = command_of(row);
         for (const std::string &argument : arguments_of(row, random)) {
@@ -161,9 +157,8 @@ void sweep_rows(uint64_t seed) {
 uint64_t fresh_seed() {
     uint64_t seed = 0;
     FILE *file = fopen("/dev/urandom", "r");
-    if (file == nullptr || fread(&seed, sizeof seed, 1, file) != 1) {
+    if (file == nullptr || fread(&seed, sizeof seed, 1, file) != 1)
         give_up("no random numbers");
-    }
     fclose(file);
     return seed;
 }
@@ -200,26 +195,21 @@ extern "C" void __asan_set_death_callback(void (*callback)()) __attribute__((wea
 int main(int argc, char *argv[]) {
     // The commands print to nowhere; the report goes to the standard output that there was.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
-    if (report == nullptr || freopen("/dev/null", "w", stdout) == nullptr) {
+    if (report == nullptr || freopen("/dev/null", "w", stdout) == nullptr)
         return 1;
-    }
     signal(SIGALRM, on_alarm);
-    if (__asan_set_death_callback != nullptr) {
+    if (__asan_set_death_callback != nullptr)
         __asan_set_death_callback(say_what_is_running);
-    }
     if (argc == 3 && strcmp(argv[1], "--seconds") == 0) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(atoi(argv[2]));
-        while (std::chrono::steady_clock::now() < end) {
+        while (std::chrono::steady_clock::now() < end)
             sweep_rows(fresh_seed());
-        }
     } else if (argc > 1) {
-        for (int i = 1; i < argc; i++) {
+        for (int i = 1; i < argc; i++)
             sweep_rows(strtoull(argv[i], nullptr, 0));
-        }
     } else {
-        for (const uint64_t seed : FIXED_SEEDS) {
+        for (const uint64_t seed : FIXED_SEEDS)
             sweep_rows(seed);
-        }
     }
     fprintf(report, "hostile driver: %llu rows, %llu runs, %llu replies\n",
             static_cast<unsigned long long>(done.rows), static_cast<unsigned long long>(done.runs),

@@ -57,9 +57,8 @@ TEST(IfIndexParse, KeywordsBuildWhatTheGoldenTableSays) {
 TEST(IfIndexParse, CoordinatesOutOfBounds) {
     const uint32_t numbers[IF_NAME_MAX_NUMBERS + 1] = {1, 1};
     uint32_t if_index = NOT_PARSED;
-    for (uint32_t keyword : {0U, 64U, 69U, 0xFFFFFFFFU}) {
+    for (uint32_t keyword : {0U, 64U, 69U, 0xFFFFFFFFU})
         EXPECT_EQ(vsh_interface_coordinates_to_ifindex(keyword, numbers, 2, &if_index), 0);
-    }
     for (int count : {-1, 0, 11}) {
         EXPECT_EQ(vsh_interface_coordinates_to_ifindex(IF_KEYWORD_FC, numbers, count, &if_index),
                   0);

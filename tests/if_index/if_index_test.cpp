@@ -16,9 +16,8 @@ bool is_valid_type(uint32_t type) {
 TEST(IfIndex, Types) {
     std::vector<int> walked;
     uint8_t type = 0;
-    while (if_index_get_next_type(&type) == IF_INDEX_OK) {
+    while (if_index_get_next_type(&type) == IF_INDEX_OK)
         walked.push_back(type);
-    }
     EXPECT_EQ(type, 74);
     EXPECT_EQ(walked.size(), 36U); // 1 to 38 without 3 and 27
     EXPECT_EQ(std::count(walked.begin(), walked.end(), 3), 0);
@@ -195,9 +194,8 @@ TEST(IfIndex, RangesCountTheNumberOfTheirType) {
             EXPECT_EQ(walked, next);
         }
         EXPECT_EQ(if_index_get_next_if_index_in_range(&range, &walked), 13);
-        for (uint32_t outside : {first - step, first + 3 * step, (first + step) ^ 0x01000000}) {
+        for (uint32_t outside : {first - step, first + 3 * step, (first + step) ^ 0x01000000})
             EXPECT_EQ(if_index_get_next_if_index_in_range(&range, &outside), 14);
-        }
     }
 }
 

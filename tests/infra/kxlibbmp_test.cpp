@@ -17,36 +17,30 @@ using Model = std::bitset<BITS>;
 Set set_of(const Model &model) {
     Set set{};
     set.size = sizeof set.bits;
-    for (size_t bit = 0; bit < BITS; ++bit) {
-        if (model[bit]) {
+    for (size_t bit = 0; bit < BITS; ++bit)
+        if (model[bit])
             bitset_set_bit(&set, static_cast<int32_t>(bit));
-        }
-    }
     return set;
 }
 
 Set set_of(std::initializer_list<int32_t> bits) {
     Model model;
-    for (const int32_t bit : bits) {
+    for (const int32_t bit : bits)
         model.set(static_cast<size_t>(bit));
-    }
     return set_of(model);
 }
 
 Model model_of(const Set &set) {
     Model model;
-    for (int32_t bit = 0; bit < BITS; ++bit) {
+    for (int32_t bit = 0; bit < BITS; ++bit)
         model[static_cast<size_t>(bit)] = bitset_is_bit_set(&set, bit) == 1;
-    }
     return model;
 }
 
 int32_t find(const Model &model, bool value, int32_t from, int32_t step) {
-    for (int32_t bit = from; bit >= 0 && bit < BITS; bit += step) {
-        if (model[static_cast<size_t>(bit)] == value) {
+    for (int32_t bit = from; bit >= 0 && bit < BITS; bit += step)
+        if (model[static_cast<size_t>(bit)] == value)
             return bit;
-        }
-    }
     return -1;
 }
 
@@ -78,9 +72,8 @@ protected:
         const uint32_t run = 1 + random() % 40;
         for (size_t bit = 0; bit < BITS;) {
             const bool value = random() % 8 < density;
-            for (const size_t end = bit + 1 + random() % run; bit < end && bit < BITS; ++bit) {
+            for (const size_t end = bit + 1 + random() % run; bit < end && bit < BITS; ++bit)
                 model[bit] = value;
-            }
         }
         return model;
     }
@@ -96,9 +89,8 @@ TEST(BitSetLayout, BitZeroIsTheTopOfTheFirstByte) {
     EXPECT_EQ(bitset_numbits(&vlans), 4096);
     EXPECT_EQ(bitset_size(&vlans), 516u);
     EXPECT_EQ(bmp4096_bitcount(&vlans), 0);
-    for (const int32_t bit : {0, 9, 4095}) {
+    for (const int32_t bit : {0, 9, 4095})
         bitset_set_bit(&vlans, bit);
-    }
     EXPECT_EQ(vlans.bits[0], 0x80);
     EXPECT_EQ(vlans.bits[1], 0x40);
     EXPECT_EQ(vlans.bits[511], 0x01);
@@ -123,11 +115,10 @@ TEST_F(BitSets, SearchesAgreeWithTheModel) {
             ASSERT_EQ(bitset_find_free_bit(&set, bit), find(model, false, bit, 1));
             ASSERT_EQ(bitset_next_free_bit(&set, bit), find(model, false, bit + 1, 1));
             ASSERT_EQ(bitset_find_prev_bit(&set, bit), find(model, true, bit, -1));
-            if (model[static_cast<size_t>(bit)]) {
+            if (model[static_cast<size_t>(bit)])
                 ASSERT_EQ(bitset_nth_bit(&set, set_bits++), bit);
-            } else {
+            else
                 ASSERT_EQ(bitset_nth_free_bit(&set, free_bits++), bit);
-            }
         }
         ASSERT_EQ(bitset_nth_bit(&set, set_bits), -1);
         ASSERT_EQ(bitset_nth_free_bit(&set, free_bits), -1);
@@ -179,9 +170,8 @@ TEST_F(BitSets, RangesAgreeWithTheModel) {
         const auto count = static_cast<int32_t>(random() % static_cast<uint32_t>(BITS - first + 1));
         const bool value = random() % 2 == 0;
         (value ? bitset_set_range : bitset_clear_range)(&set, first, count);
-        for (int32_t bit = first; bit < first + count; ++bit) {
+        for (int32_t bit = first; bit < first + count; ++bit)
             model[static_cast<size_t>(bit)] = value;
-        }
         ASSERT_EQ(model_of(set), model) << first << "+" << count;
 
         const bitset_range range = {
@@ -194,9 +184,8 @@ TEST_F(BitSets, RangesAgreeWithTheModel) {
 TEST_F(BitSets, WalksVisitEveryRun) {
     const auto walked = [](const Set &set, int (*next)(const bitset *, bitset_range *)) {
         std::vector<std::pair<int32_t, int32_t>> found;
-        for (bitset_range range = BITSET_RANGE_START; next(&set, &range) == 0;) {
+        for (bitset_range range = BITSET_RANGE_START; next(&set, &range) == 0;)
             found.emplace_back(range.lower, range.upper);
-        }
         return found;
     };
     for (int round = 0; round < 500; ++round) {

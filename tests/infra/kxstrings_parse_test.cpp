@@ -81,16 +81,14 @@ TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
             const size_t at = below(text.size() + 1);
             const size_t kind = below(3);
             const char c = alphabet[below(alphabet.size())];
-            if (kind == 0) {
+            if (kind == 0)
                 text.insert(at, 1, c);
-            } else if (at < text.size()) {
+            else if (at < text.size())
                 kind == 1 ? text.erase(at, 1) : text.replace(at, 1, 1, c);
-            }
         }
         expect_same_as_c_library(text);
-        if (HasFatalFailure()) {
+        if (HasFatalFailure())
             return;
-        }
         uint8_t address[16];
         accepted += kx_parse_ipv6_address(address, text.c_str()) == 0 ? 1 : 0;
     }

@@ -18,9 +18,8 @@ TEST(Words, NextWordSkipsWordAndWhiteSpace) {
         {"show  ", nullptr}, {"show port", "port"}, {"show \t\n\v\f\r port x", "port x"},
         {" port", "port"},   {"a; b", "b"},         {"a;b", nullptr},
     };
-    for (const auto &row : rows) {
+    for (const auto &row : rows)
         EXPECT_STREQ(kx_find_next_arg(row.text), row.next) << (row.text ? row.text : "NULL");
-    }
 }
 
 TEST(Words, WordEqualsWholeKeywordOnly) {

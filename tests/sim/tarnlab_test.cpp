@@ -186,9 +186,8 @@ TEST(Tarnlab, ItsVariablesDoNotReachProgramsThatTheCommandStarts) {
     std::ofstream(SCRATCH + ".json") << "{}";
     const outcome seen = run("MARK=kept LD_PRELOAD= " + LAB + options + PROBE + "environment");
     EXPECT_NE(seen.text.find("MARK=kept\n"), std::string::npos);
-    for (const char *variable : {"LD_PRELOAD", "KESTRELSIM", "cannot be preloaded"}) {
+    for (const char *variable : {"LD_PRELOAD", "KESTRELSIM", "cannot be preloaded"})
         EXPECT_EQ(seen.text.find(variable), std::string::npos) << seen.text;
-    }
     unlink((SCRATCH + ".json").c_str());
     unlink((SCRATCH + ".trace").c_str());
 }
