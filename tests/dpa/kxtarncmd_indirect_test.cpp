@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
@@ -276,6 +277,21 @@ TEST_F(AgentSocket, TracesSayWhatFailed) {
         EXPECT_EQ(status, row.status);
         EXPECT_EQ(kx_tarncmd_call_fd == -1, row.agent != LISTENS);
     }
+}
+
+// The agent has room for a part of the message only.
+TEST_F(AgentSocket, TracesEachPieceOfAMessage) {
+    std::string data(1'000'000, 'd');
+    ASSERT_EQ(fcntl(kx_tarncmd_call_fd, F_SETFL, O_NONBLOCK), 0);
+    kx_debug_print_kxtarncmd_indirect = 0x97;
+    const std::string traced =
+        traced_by([&] { kx_tarncmd_call_indirect1(22, 0, 1, data.data(), 1'000'000, nullptr); });
+    const size_t sent = receive(peer, 1'000'000).size();
+    EXPECT_NE(traced.find("kx_tarncmd_socket_api: Sent (" + std::to_string(sent) +
+                          ") bytes, not (1000048), sending (" + std::to_string(1'000'048 - sent) +
+                          ") more\nkx_tarncmd_socket_api: EOF writing more data -1\n"),
+              std::string::npos)
+        << traced;
 }
 
 TEST_F(AgentSocket, CloseEndsTheConnection) {

@@ -23,6 +23,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -154,15 +155,6 @@ void sweep_rows(uint64_t seed) {
     done.rows = std::max(done.rows, rows);
 }
 
-uint64_t fresh_seed() {
-    uint64_t seed = 0;
-    FILE *file = fopen("/dev/urandom", "r");
-    if (file == nullptr || fread(&seed, sizeof seed, 1, file) != 1)
-        give_up("no random numbers");
-    fclose(file);
-    return seed;
-}
-
 } // namespace
 
 extern "C" {
@@ -202,8 +194,8 @@ int main(int argc, char *argv[]) {
         __asan_set_death_callback(say_what_is_running);
     if (argc == 3 && strcmp(argv[1], "--seconds") == 0) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(atoi(argv[2]));
-        while (std::chrono::steady_clock::now() < end)
-            sweep_rows(fresh_seed());
+        for (std::random_device seeds; std::chrono::steady_clock::now() < end;)
+            sweep_rows(uint64_t{seeds()} << 32 | seeds());
     } else if (argc > 1) {
         for (int i = 1; i < argc; i++)
             sweep_rows(strtoull(argv[i], nullptr, 0));
