@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <random>
+#include <set>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -37,6 +38,9 @@ std::chrono::microseconds slept;
 size_t write_limit = SIZE_MAX;
 int failing_writes = 0;
 bool writes_do_not_wait = false;
+
+// The caller's files are another user's.
+bool as_another_user = false;
 
 } // namespace
 
@@ -62,6 +66,10 @@ extern "C" int poll(pollfd *watched, nfds_t count, int milliseconds) {
     slept += std::chrono::milliseconds(milliseconds);
     while_asleep();
     return look(0);
+}
+
+extern "C" uid_t geteuid() noexcept {
+    return static_cast<uid_t>(syscall(SYS_geteuid)) + (as_another_user ? 1 : 0);
 }
 
 extern "C" ssize_t write(int fd, const void *data, size_t size) {
@@ -137,6 +145,12 @@ TEST_F(GrowingFile, EndsAtAMarkerCutAnywhere) {
     }
 }
 
+// The marker ends the read that it stands in.
+TEST_F(GrowingFile, ShowsNothingOfTheReadBehindTheMarkers) {
+    const std::string shown = std::string(119, 'x') + "#byeBye#";
+    EXPECT_EQ(copy({shown + "T"}), shown);
+}
+
 // All but its NULs.
 TEST_F(GrowingFile, ShowsOutputCutAnywhereWholeAndOnce) {
     std::mt19937 random(4);
@@ -196,6 +210,14 @@ TEST(SendToFd, WritesEverythingInWhateverSteps) {
     EXPECT_EQ(result, -1);
 }
 
+std::set<int> open_descriptors() {
+    std::set<int> open;
+    for (int descriptor = 0; descriptor < 256; descriptor++)
+        if (fcntl(descriptor, F_GETFD) != -1)
+            open.insert(descriptor);
+    return open;
+}
+
 std::string output_of(pid_t process) {
     return "/var/log/dpaout." + std::to_string(process);
 }
@@ -217,7 +239,11 @@ protected:
     std::string run(const char *command, const std::function<void()> &asleep) {
         slept = {};
         while_asleep = asleep;
-        return printed_by([&] { result = kx_dpa_cmd(command); });
+        return printed_by([&] {
+            open_before = open_descriptors();
+            result = kx_dpa_cmd(command);
+            left_open = open_descriptors().size() - open_before.size();
+        });
     }
 
     std::string take_from_pipe() {
@@ -240,6 +266,8 @@ protected:
     const std::string output = output_of(getpid());
     agent_paths paths;
     int result = 0;
+    std::set<int> open_before;
+    size_t left_open = 0;
 };
 
 TEST_F(DpaCommand, SendsExactlyTheseMessages) {
@@ -258,10 +286,21 @@ TEST_F(DpaCommand, SendsExactlyTheseMessages) {
         {"", "", "=>dpa command is: \nNo command\n"},
     };
     writes_do_not_wait = false;
+    const auto look = [&] {
+        struct stat found {};
+        EXPECT_EQ(stat(output.c_str(), &found), 0);
+        EXPECT_EQ(found.st_mode & 07777, 0700U);
+        for (const int descriptor : open_descriptors())
+            if (!open_before.contains(descriptor))
+                EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+        EXPECT_EQ(open_descriptors().size(), open_before.size() + 2);
+    };
     for (const auto &row : rows) {
-        EXPECT_EQ(run(row.command.c_str(), [] {}), row.printed);
+        EXPECT_EQ(run(row.command.c_str(), look), row.printed);
         EXPECT_EQ(take_from_pipe(), messages(row.sent));
         EXPECT_EQ(result, 0);
+        EXPECT_EQ(slept, std::chrono::seconds(row.sent.empty() ? 21 : 22));
+        EXPECT_EQ(left_open, 0U);
         EXPECT_FALSE(output_exists());
     }
     EXPECT_FALSE(writes_do_not_wait);
@@ -340,9 +379,19 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
         ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
         EXPECT_EQ(run("x", [] {}), row.printed);
         EXPECT_EQ(result, -1);
+        EXPECT_EQ(left_open, row.path == output ? 0U : 1U) << "the output file stays";
         EXPECT_EQ(read_file(target), "kept");
         unlink(target.c_str());
     }
+    unlink(output.c_str());
+    ASSERT_EQ(mkfifo(output.c_str(), 0700), 0);
+    EXPECT_EQ(run("x", [] {}), no_file + "6 - No such device or address\n");
+    unlink(output.c_str());
+    std::ofstream(output) << "kept";
+    as_another_user = true;
+    EXPECT_EQ(run("x", [] {}), no_file + "17 - File exists\n");
+    as_another_user = false;
+    EXPECT_EQ(read_file(output), "kept");
     // The caller's own files are used: what an earlier run left behind, and a file to try with.
     unlink(output.c_str());
     std::ofstream(output) << "left behind";
@@ -463,16 +512,18 @@ child_end in_child(const std::function<int()> &run) {
     return {child, status};
 }
 
-// Run the command in a child, with `signal` in its first sleep.
-child_end run_in_child(int signal, void (*disposition)(int)) {
+constexpr const char *SHOWN = "/tmp/shown-by-a-child";
+
+// Run the command in a child, with `signal` in a sleep, from 1.
+child_end run_in_child(int signal, void (*disposition)(int), int at_sleep = 1) {
     return in_child([&] {
         std::signal(signal, disposition);
         int sleeps = 0;
         while_asleep = [&] {
-            if (sleeps++ == 0)
+            if (++sleeps == at_sleep)
                 raise(signal);
         };
-        return freopen("/dev/null", "w", stdout) == nullptr ? 1 : kx_dpa_cmd("x");
+        return freopen(SHOWN, "w", stdout) == nullptr ? 1 : kx_dpa_cmd("x");
     });
 }
 
@@ -485,6 +536,9 @@ TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
         EXPECT_EQ(ignored.status, 0);
         EXPECT_EQ(take_from_pipe(), messages("x\n", ignored.process));
     }
+    EXPECT_TRUE(run_in_child(SIGTERM, SIG_DFL, 3).ended_by(SIGTERM));
+    EXPECT_EQ(read_file(SHOWN), "=>dpa command is: x\n\n");
+    unlink(SHOWN);
     // Also while it waits for a reader.
     paths.close_descriptors();
     const child_end waiting = run_in_child(SIGINT, SIG_DFL);
@@ -587,7 +641,11 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         close(ends[1]);
         close(ends[0]);
         while_asleep = [] { std::ofstream(output_of(getpid())) << std::string(1 << 20, '~'); };
-        return kx_dpa_cmd("x") == -2 ? STOPPED : 0;
+        if (kx_dpa_cmd("x") != -2)
+            return 0;
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        while_asleep = [] {};
+        return kx_dpa_cmd("x") == 0 ? STOPPED : 1; // the next one has a reader again
     });
     EXPECT_EQ(flooded.status, W_EXITCODE(STOPPED, 0));
     // And while it waits for the agent.

@@ -6,9 +6,11 @@
 #include "tests/host/described.h"
 #include "tests/infra/printed_by.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <sys/wait.h>
 
 namespace {
 
@@ -53,6 +55,19 @@ TEST(ManagementAddress, IsAskedFromTheHostAndToldToTheDriver) {
                   std::string("op 57 arg 0x0 flags 2 len 4 in ") + row.sent);
     }
     EXPECT_EQ(kx_dpa_platform_get_management_ip(nullptr), 1U);
+}
+
+TEST(ManagementAddress, IsEmptyWhenTheHostSaysNothing) {
+    host_programs programs;
+    std::string error;
+    ASSERT_TRUE(programs.install(described(R"({"management_address": ""})"), error)) << error;
+    while (waitpid(-1, nullptr, WNOHANG) > 0) {
+    }
+    char address[KX_MANAGEMENT_IP_SIZE];
+    memset(address, '1', sizeof address);
+    kx_dpa_platform_read_management_ip(address);
+    EXPECT_STREQ(address, "");
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "the host's program was not waited for";
 }
 
 TEST(ManagementAddress, TracesEveryLineThatItReads) {

@@ -104,6 +104,22 @@ TEST_F(Matcher, ReportsWhatItDoesNotRun) {
              reinterpret_cast<void *>(handle_version));
     EXPECT_EQ(run("show version", 1), "");
     EXPECT_EQ(printed, refused);
+    EXPECT_EQ(run("show version; show card", 1), "card");
+    for (const char *command : {"bogus", "show version"}) {
+        int result = 0;
+        printed_by([&] { result = kxcmd_parse_single(table, command, 0, 1); });
+        EXPECT_EQ(result, -1) << command;
+    }
+}
+
+// The bits that hmx_cmd.h documents.
+TEST_F(Matcher, ComplainsUnderItsBit) {
+    for (const uint32_t word : {4U, 0x83U}) {
+        kx_debug_print_kxcmd = word;
+        run(std::string(256, 'x'));
+        EXPECT_EQ(printed, word == 4 ? "Max command length reached; discarding\n" : "");
+    }
+    kx_debug_print_kxcmd = 0x87;
 }
 
 TEST_F(Matcher, TracesTheMatchUnderItsBit) {

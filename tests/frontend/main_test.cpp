@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 int tarncmd_main(int argc, char *argv[]);
@@ -56,6 +57,23 @@ TEST_F(Main, RunsNothingOfALineThatDoesNotFit) {
     EXPECT_EQ(requests, 1);
     EXPECT_EQ(errors, "tarncmd: the command line is longer than 20479 characters and nothing of it "
                       "was run: give fewer commands at once\n");
+}
+
+// Where both go to one place, as in a log.
+TEST_F(Main, ExplainsSilenceBehindWhatWasPrinted) {
+    model driver;
+    interpose_model(&driver);
+    for (const std::string silent : {"show prot", "show vxlan threads"}) {
+        const std::string log = printed_by([&] {
+            const int before = dup(STDERR_FILENO);
+            dup2(STDOUT_FILENO, STDERR_FILENO);
+            std::vector<std::string> words = {"tarncmd", "show ltl range;" + silent};
+            tarncmd_main(2, argument_vector(words).data());
+            dup2(before, STDERR_FILENO);
+            close(before);
+        });
+        EXPECT_LT(log.find("Packet Drop\ntarncmd: "), log.find(silent)) << log;
+    }
 }
 
 TEST_F(Main, PrintsHelpThatDoesNotFitBetweenTwoWarnings) {

@@ -35,6 +35,12 @@ TEST(IfIndexName, HasTheNamesOfTheGoldenTable) {
     }
 }
 
+TEST(IfIndexName, HasNoDatabase) {
+    char buffer[IF_INDEX_NAME_SIZE] = "untouched";
+    EXPECT_EQ(if_db_ifindex2str_wrapper(0x1A000000, buffer, sizeof buffer), 7);
+    EXPECT_STREQ(buffer, "untouched");
+}
+
 // The first and the last index, the result and the name.
 TEST(IfIndexName, HasTheRangesOfTheGoldenTable) {
     for (const auto &row : golden("interface_ranges.tsv")) {

@@ -16,13 +16,14 @@ TEST(IfIndexParse, Names) {
         EXPECT_EQ(if_index, row.at(2) == "-" ? NOT_PARSED : number(row[2])) << row[0];
     }
     EXPECT_EQ(vsh_interface_name_to_ifindex("null0", nullptr), 0);
+    EXPECT_EQ(if_db_str2ifindex_wrapper("bay1", nullptr), 7);
 }
 
 TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {
     const struct {
         const char *vdc;
         uint32_t if_index;
-    } rows[] = {{"3", 0x09030064}, {"256", NOT_PARSED}, {"-1", NOT_PARSED}, {"x", 0x09000064}};
+    } rows[] = {{"10", 0x090A0064}, {"256", NOT_PARSED}, {"-1", NOT_PARSED}, {"x", 0x09000064}};
     for (const auto &row : rows) {
         uint32_t if_index = NOT_PARSED;
         setenv("SYSMGR_VDC_ID", row.vdc, 1);

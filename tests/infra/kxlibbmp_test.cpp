@@ -212,7 +212,7 @@ TEST_F(BitSets, PiecesOfAListAreTheListInAnyBuffer) {
         const Model model = random_model();
         const Set set = set_of(model);
         char whole[4 * BITS];
-        bitset_sprintf(whole, &set);
+        ASSERT_EQ(bitset_sprintf(whole, &set), static_cast<int>(list_of(model).size()));
         ASSERT_EQ(whole, list_of(model));
 
         std::string rest = whole;
@@ -245,6 +245,8 @@ TEST(BitSetList, BufferTooSmallForAnyItem) {
     text[0] = '#';
     EXPECT_EQ(bitset_snprintf(text, 1, &set, 1, &done), 0);
     EXPECT_STREQ(text, "");
+    EXPECT_EQ(bitset_snprintf(text, sizeof text, &set, 0, &done), 7) << "it began at the front";
+    EXPECT_STREQ(text, "100-101");
 }
 
 TEST(BitSetArrays, BitOrderIsReversedAndLengthsAreCut) {

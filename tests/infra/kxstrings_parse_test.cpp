@@ -99,9 +99,13 @@ TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
 TEST(MacAddress, AdjustmentIsTraced) {
     uint8_t mac[6];
     const uint32_t debug_word = kx_debug_print_kxstrings;
-    kx_debug_print_kxstrings = 8 | 16;
+    kx_debug_print_kxstrings = 0x97;
+    EXPECT_EQ(traced_by([&] { kx_parse_mac_address(mac, "0:11:22:33:44:55 and more"); }), "");
+    kx_debug_print_kxstrings = 8;
     EXPECT_EQ(traced_by([&] { kx_parse_mac_address(mac, "0:11:22:33:44:55 and more"); }),
               "Adjusted MAC String from 0:11:22:33:44:55 and more to 00:11:22:33:44:55 an\n");
+    EXPECT_EQ(traced_by([&] { kx_parse_mac_address(mac, "00:11:22:33:44:55"); }), "");
+    kx_debug_print_kxstrings = 16;
     EXPECT_EQ(traced_by([&] { kx_parse_mac_address(mac, "00:11:22:33:44:55"); }),
               "No adjustment in MAC String needed 00:11:22:33:44:55\n");
     EXPECT_EQ(traced_by([&] { kx_parse_mac_address(mac, "bogus"); }),
