@@ -167,8 +167,9 @@ void check_framing(const Framing &row, int peer) {
     EXPECT_EQ(recv(peer, &extra, 1, MSG_DONTWAIT), -1) << "more than the message was sent";
     const std::string margin1 = pattern(row.sent1 + MARGIN, 3).substr(row.sent1);
     const std::string margin2 = pattern(row.sent2 + MARGIN, 5).substr(row.sent2);
-    if (!row.buffer_missing)
+    if (!row.buffer_missing) {
         EXPECT_TRUE(first == reply1 + margin1);
+    }
     EXPECT_TRUE(second == reply2 + margin2);
     EXPECT_EQ(max1, row.max1);
     EXPECT_EQ(max2, row.max2);

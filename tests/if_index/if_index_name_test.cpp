@@ -89,15 +89,17 @@ TEST(IfIndexName, SmallBuffers) {
             const int length = print(whole, sizeof whole, if_index);
             ASSERT_LT(static_cast<size_t>(length), sizeof whole);
             EXPECT_EQ(print(buffer.get(), size, if_index), length);
-            if (size > 0)
+            if (size > 0) {
                 EXPECT_EQ(std::string(buffer.get()), std::string(whole).substr(0, size - 1));
+            }
         }
         for (auto *print : {snprintf_if_index_range_short, snprintf_if_index_range}) {
             if (size > 0)
                 range_buffer[0] = '\0';
             EXPECT_GE(print(range_buffer.get(), size, &range), 0);
-            if (size > 0)
+            if (size > 0) {
                 EXPECT_LT(strnlen(range_buffer.get(), storage), storage);
+            }
         }
     }
 }
