@@ -387,6 +387,9 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
     unlink(output.c_str());
     ASSERT_EQ(mkfifo(output.c_str(), 0700), 0);
     EXPECT_EQ(run("x", [] {}), no_file + "6 - No such device or address\n");
+    const int reader = open(output.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_EQ(run("x", [] {}), no_file + "17 - File exists\n");
+    close(reader);
     unlink(output.c_str());
     std::ofstream(output) << "kept";
     as_another_user = true;

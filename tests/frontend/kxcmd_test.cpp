@@ -48,7 +48,7 @@ kestrel_cmd_row row(kestrel_cmd_handler handler, std::initializer_list<const cha
 
 class Matcher : public testing::Test {
 protected:
-    kestrel_cmd_row table[9] = {
+    kestrel_cmd_row table[10] = {
         {KESTREL_CMD_HEADING, nullptr, nullptr, "heading", nullptr, {"show", "card"}, 0, 0},
         row(handle_show, {"show"}),
         row(handle_card, {"show", "card"}),
@@ -57,6 +57,7 @@ protected:
         row(handle_later_vlan, {"show", "vlan", "[other]"}),
         row(handle_stop, {"stop"}),
         row(handle_card, {"1", "2", "3", "4", "5", "6", "7"}),
+        row(handle_show, {"1", "2", "3", "4", "5", "6", "7"}),
         {},
     };
 

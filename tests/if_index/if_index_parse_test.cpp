@@ -15,6 +15,8 @@ TEST(IfIndexParse, Names) {
             << row[0];
         EXPECT_EQ(if_index, row.at(2) == "-" ? NOT_PARSED : number(row[2])) << row[0];
     }
+    uint32_t if_index = NOT_PARSED;
+    EXPECT_EQ(vsh_interface_name_to_ifindex(nullptr, &if_index), 0);
     EXPECT_EQ(vsh_interface_name_to_ifindex("null0", nullptr), 0);
     EXPECT_EQ(if_db_str2ifindex_wrapper("bay1", nullptr), 7);
 }

@@ -306,6 +306,7 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     const auto *const crooked = reinterpret_cast<const bitset *>(storage + 1);
     const bitset_range backwards = {5, 4};
     const bitset_range outside = {0, BITS};
+    const bitset_range before = {-1, 4};
 
     int32_t got = 0; // stays so where the operation has no result
     const auto expect_reported = [&](const std::string &line, int32_t result, const auto &call) {
