@@ -78,24 +78,17 @@ vocabulary vocabulary_of(const host &described, bool with_strangers) {
     return words;
 }
 
-// The values that the documentation asks for.
+// The values that the documentation asks for, by the first of these words that it has.
 arguments asked_values(const std::string &documentation, const vocabulary &words) {
-    const auto names = [&](const char *word) {
-        return documentation.find(word) != std::string::npos;
-    };
-    if (names("lacp"))
-        return words.uplinks;
-    if (names("bd-name"))
-        return words.names;
-    if (names("segment-id") || names("seg-id"))
-        return words.segments;
-    if (names("hwbd"))
-        return words.indexes;
-    if (names("show dr"))
-        return words.swbds;
-    if (names("vlan]") || names("<vlan>"))
-        return words.vlans;
-    return names(" ltl ") && names("port-drops") ? words.ltls : arguments();
+    const std::pair<const char *, const arguments *> rows[] = {
+        {"lacp", &words.uplinks},    {"bd-name", &words.names}, {"segment-id", &words.segments},
+        {"seg-id", &words.segments}, {"hwbd", &words.indexes},  {"show dr", &words.swbds},
+        {"vlan]", &words.vlans},     {"<vlan>", &words.vlans},  {"gress ltl", &words.ltls},
+        {"drops ltl", &words.ltls}};
+    for (const auto &[word, values] : rows)
+        if (documentation.find(word) != std::string::npos)
+            return *values;
+    return {};
 }
 
 // "[internal|system|krt]" names what may stand there, "[vlan]" that a number may.

@@ -2,7 +2,7 @@
 // driver, and the recording of the run on a simulated host. And captures of hostile drivers, which
 // end and give a host file.
 //
-//     capture_hostile [--every N] [SEED...]
+//     capture_hostile [--every N] SEED...
 //
 // prints how many rows, runs and requests were replayed and captured, and exits with 0. A
 // difference ends it, with a line on standard error that names the seed and the command. With
@@ -32,8 +32,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr uint64_t FIXED_SEEDS[] = {1, 2, 3};
 
 uint32_t every = 1;
 uint64_t turn = 0;
@@ -180,18 +178,13 @@ void capture_endless_driver(uint32_t circle) {
 } // namespace
 
 int main(int argc, char *argv[]) {
-    std::vector<uint64_t> seeds(std::begin(FIXED_SEEDS), std::end(FIXED_SEEDS));
     int first = 1;
     if (argc > 2 && std::strcmp(argv[1], "--every") == 0) {
         every = std::max(1U, static_cast<uint32_t>(std::strtoul(argv[2], nullptr, 0)));
         first = 3;
     }
-    if (argc > first) {
-        seeds.clear();
-        for (int i = first; i < argc; i++)
-            seeds.push_back(std::strtoull(argv[i], nullptr, 0));
-    }
-    for (const uint64_t seed : seeds) {
+    for (int i = first; i < argc; i++) {
+        const uint64_t seed = std::strtoull(argv[i], nullptr, 0);
         replay_rows(seed);
         capture_hostile_drivers(seed);
     }

@@ -560,11 +560,6 @@ void open_file(int (&ends)[2]) {
     ends[0] = open("/dev/null", O_RDONLY);
     ends[1] = open("/tmp", O_TMPFILE | O_WRONLY, 0600);
 }
-void open_null(int (&ends)[2]) {
-    ends[0] = open("/dev/null", O_RDONLY);
-    ends[1] = open("/dev/null", O_WRONLY);
-}
-
 constexpr int GONE_BEFORE = 0;
 constexpr int STAYS = 1000;
 constexpr int ALL_SLEEPS = 22; // two behind the messages, and the idle ones
@@ -613,7 +608,6 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         {open_pipe, STAYS, "x\n", ALL_SLEEPS},
         {open_socket, STAYS, "x\n", ALL_SLEEPS},
         {open_file, 1, "x\n", ALL_SLEEPS},
-        {open_null, 1, "x\n", ALL_SLEEPS},
     };
     for (const auto &row : rows) {
         const auto number = &row - rows;

@@ -3,6 +3,7 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/kxcmd.h"
+#include "handlers/port/port_drops.h"
 #include "sim/builtin_host.h"
 #include "sim/exchange.h"
 #include "sim/interpose.h"
@@ -305,12 +306,15 @@ TEST_F(HostProcess, IsNotToldAboutSilentRows) {
     }
 }
 
-// No row of the table names the handler.
-TEST_F(HostProcess, CleansAPortAclEntry) {
+// No row of the table runs them.
+TEST_F(HostProcess, CleansAPortAclEntryAndTheDropCounters) {
     EXPECT_EQ(kx_acl_clean_pacl_table(nullptr), -1);
     EXPECT_EQ(requests, 0);
     EXPECT_EQ(kx_acl_clean_pacl_table("0x11"), 0);
     EXPECT_EQ(last_request, "op 367 arg 0x11 flags 16 -> 0");
+    EXPECT_EQ(kx_port_drops_clear(), 0U);
+    EXPECT_EQ(last_request, "op 276 arg 0xb flags 3 len 8 in 00*8 -> 0");
+    EXPECT_EQ(requests, 2);
 }
 
 } // namespace

@@ -61,11 +61,13 @@ protected:
         {},
     };
 
-    // The calls that a text makes and what is printed, with the time stamps cut off.
+    // The calls that a text makes and what is printed, with the time stamps cut off. What stands
+    // behind the text is none of it.
     std::string run(const std::string &text, int from_agent = 0) {
         calls_made.clear();
         printed = traced_by([&] {
-            kxcmd_parse_multiple(table, text.data(), static_cast<int>(text.size()), from_agent);
+            kxcmd_parse_multiple(table, (text + "x").data(), static_cast<int>(text.size()),
+                                 from_agent);
         });
         std::string joined;
         for (const std::string &call : calls_made)

@@ -106,36 +106,10 @@ TEST(HostFile, IsWrittenInOneForm) {
     EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
-TEST(HostFile, TextMayFillItsFieldButNotMore) {
-    for (const size_t length : {63U, 64U, 65U}) {
-        host parsed;
-        std::string error;
-        const bool good = parse_host("{\"ports\": [{\"ltl\": 1, \"name\": \"" +
-                                         std::string(length, 'n') + "\"}]}",
-                                     "f", parsed, error);
-        EXPECT_EQ(good, length <= 64);
-        if (!good)
-            continue;
-        const kx_port_record &record = parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record;
-        EXPECT_EQ(strnlen(record.hmx_port_name, 64), length);
-        EXPECT_EQ(record.device_type[0], '\0');
-    }
-}
-
 TEST(HostFile, InterfacesAreNamedOrNumbered) {
-    const struct {
-        const char *given;
-        uint32_t index;
-    } rows[] = {{"\"Veth2\"", 0x1C000010},
-                {"\"Eth4/1\"", 0x2500C000},
-                {"\"Eth515/256\"", 0x25000000 | 514U << 14 | 255U << 6},
-                {"\"Po5\"", 0x16000004},
-                {"\"0x1c000013\"", 0x1C000013},
-                {"469762064", 0x1C000010}};
-    for (const auto &row : rows) {
-        const host parsed =
-            described(R"({"ports": [{"ltl": 1, "interface": )" + std::string(row.given) + "}]}");
-        EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, row.index);
+    for (const auto &row : golden("host_interfaces.tsv")) {
+        const host parsed = described(R"({"ports": [{"ltl": 1, "interface": )" + row.at(0) + "}]}");
+        EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, number(row.at(1)));
     }
 }
 

@@ -323,6 +323,9 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     EXPECT_EQ(printed_by([&] { got = bmp4096_bitcount(&vlans); }),
               "ASSERT  bmp4096_bitcount:  b->size == BITBYTES(BITSIZE)\n");
     EXPECT_EQ(got, -1);
+    const bitset_range lowest = {0, 2};
+    EXPECT_EQ(printed_by([&] { got = bitset_is_range_free(&set, &lowest); }), "");
+    EXPECT_EQ(got, 1);
     // An empty range is no failure.
     EXPECT_EQ(printed_by([&] { bitset_set_range(&set, -5, 0); }), "");
 }

@@ -1,9 +1,7 @@
 // What the drop counters export beside their commands.
 #include "handlers/port/port_drops.h"
 
-#include "dpa/userspace/kxdpa_indirect.h"
-#include "sim/interpose.h"
-
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -28,19 +26,6 @@ TEST(PortDrops, FormattersFillTheTextCellByCell) {
         kx_port_egress_drops_to_str(text.data(), size, &counters);
         EXPECT_EQ(std::string(text.data()) + cut, egress.substr(0, length)) << size;
     }
-}
-
-// No command runs it.
-TEST(PortDrops, AreClearedByOneRequest) {
-    model driver;
-    std::string asked;
-    driver.trace = [&](const std::string &line) { asked += line; };
-    interpose_model(&driver);
-    kx_dpa_api_init();
-    EXPECT_EQ(kx_port_drops_clear(), 0U);
-    kx_dpa_api_exit();
-    interpose_model(nullptr);
-    EXPECT_EQ(asked, "op 276 arg 0xb flags 3 len 8 in 00*8 -> 0");
 }
 
 } // namespace

@@ -30,12 +30,6 @@ struct attached_model : model {
     attached_model &operator=(const attached_model &) = delete;
 };
 
-TEST(Interpose, DeviceIsMissingWithoutAModel) {
-    interpose_model(nullptr);
-    EXPECT_EQ(open(DRIVER_DEVICE_PATH, O_RDONLY), -1);
-    EXPECT_EQ(errno, ENOENT);
-}
-
 TEST(Interpose, EveryOpenReachesTheModel) {
     const attached_model driver;
     const int descriptors[] = {

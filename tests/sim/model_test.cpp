@@ -10,7 +10,6 @@
 #include "tests/host/described.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <functional>
@@ -72,18 +71,25 @@ struct bench {
         return record.status;
     }
 
-    template <typename value> value reply() const {
-        value copy;
-        memcpy(&copy, buffer1, sizeof copy);
-        return copy;
-    }
-
     // Bytes from the start of buffer 1 that were written.
     size_t written() const {
         size_t count = sizeof buffer1;
         while (count > 0 && buffer1[count - 1] == NO_REPLY)
             count--;
         return count;
+    }
+};
+
+// Memory that nothing is taken from and nothing written into.
+class no_memory : public caller_memory {
+public:
+    bool read(uint32_t, void *, uint32_t) override {
+        ADD_FAILURE() << "read";
+        return false;
+    }
+    bool write(uint32_t, const void *, uint32_t) override {
+        ADD_FAILURE() << "written";
+        return false;
     }
 };
 
@@ -107,38 +113,16 @@ TEST(Model, ComplainsAboutTheFieldThatIsWrong) {
         {"op 44: length is 4294967295, expected at most 16777216",
          [](auto &r) { r.len2 = 0xFFFFFFFF; }},
     };
+    no_memory memory;
     for (const auto &row : rows) {
         SCOPED_TRACE(row.complaint);
         bench on(R"({"ports": [{"ltl": 20}]})");
         kxdpa_request record = on.request(44, 2U << 24 | 20, KXDPA_FLAG_OUT, 1148);
         row.spoil(record);
-        EXPECT_EQ(on.ask(record), 0);
+        EXPECT_EQ(model_request(on.driver, record, memory), 0);
         EXPECT_EQ(record.status, SIM_STATUS_MALFORMED);
         EXPECT_EQ(on.complaints, std::vector<std::string>{row.complaint});
-        EXPECT_EQ(on.written(), 0U);
     }
-}
-
-// Memory that nothing is taken from and nothing written into.
-class no_memory : public caller_memory {
-public:
-    bool read(uint32_t, void *, uint32_t) override {
-        ADD_FAILURE() << "read";
-        return false;
-    }
-    bool write(uint32_t, const void *, uint32_t) override {
-        ADD_FAILURE() << "written";
-        return false;
-    }
-};
-
-TEST(Model, TakesNothingOfAMalformedRequest) {
-    bench on("{}");
-    kxdpa_request record = on.request(9999, 0, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, 0xFFFFFFFF);
-    no_memory memory;
-    EXPECT_EQ(model_request(on.driver, record, memory), 0);
-    EXPECT_EQ(record.status, SIM_STATUS_MALFORMED);
-    EXPECT_EQ(on.complaints.size(), 1U);
 }
 
 // Whatever it is told to reply, the driver writes no more than the request has room for; behind the
@@ -203,45 +187,6 @@ TEST(Model, UnknownOpcodeIsAnErrorWithoutAComplaint) {
     EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 8), SIM_STATUS_UNKNOWN_OPCODE);
     EXPECT_TRUE(on.complaints.empty());
     EXPECT_EQ(on.written(), 0U);
-}
-
-TEST(Model, WalksPortsInOrderAndReportsEachView) {
-    bench on(R"({"ports": [
-        {"ltl": 70, "link": "up", "krt": {"link": "down"}, "system": {"known": false}},
-        {"ltl": 0, "name": "first"}]})");
-    EXPECT_EQ(on.status_of(25, 0xFFFFFFFF, KXDPA_FLAG_OUT, 4), 0U);
-    EXPECT_EQ(on.reply<uint32_t>(), 0U);
-    EXPECT_EQ(on.status_of(25, 0, KXDPA_FLAG_OUT, 4), 0U);
-    EXPECT_EQ(on.reply<uint32_t>(), 70U);
-    EXPECT_EQ(on.status_of(25, 70, KXDPA_FLAG_OUT, 4), SIM_STATUS_NOT_FOUND);
-
-    const uint32_t expected_link[PORT_VIEWS] = {0, 1, 1};
-    for (uint32_t view : {KX_VIEW_HMX, KX_VIEW_KRT}) {
-        EXPECT_EQ(on.status_of(44, view << 24 | 70, KXDPA_FLAG_OUT, 1148), 0U);
-        EXPECT_EQ(on.reply<kx_port_record>().link_state, expected_link[view]);
-    }
-    EXPECT_EQ(on.status_of(44, 1U << 24 | 70, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
-    EXPECT_EQ(on.status_of(44, 3U << 24 | 70, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
-}
-
-TEST(Model, VlanSetCountsItsBitsFromTheTop) {
-    bench on(R"({"ports": [{"ltl": 20, "vlans": "0,9,4095", "forwards_on": "9"}]})");
-    memset(on.buffer1, 0, 516);
-    kxdpa_request record =
-        on.variable(595, 2U << 24 | 20, KXDPA_FLAG_OUT | KXDPA_FLAG_IN, 516, 516);
-    on.ask(record);
-    EXPECT_EQ(record.max1, 516U);
-    EXPECT_EQ(on.reply<uint32_t>(), 512U);
-    EXPECT_EQ(on.buffer1[4], 0x80);
-    EXPECT_EQ(on.buffer1[5], 0x40);
-    EXPECT_EQ(on.buffer1[515], 0x01);
-    for (const uint16_t vlan : std::array<uint16_t, 2>{9, 10}) {
-        const kx_vlan_forwarding query = {vlan, 0, {}};
-        memcpy(on.buffer1, &query, sizeof query);
-        on.status_of(96, 2U << 24 | 20, KXDPA_FLAG_OUT | KXDPA_FLAG_IN, sizeof query);
-        EXPECT_EQ(on.reply<kx_vlan_forwarding>().vlan, vlan);
-        EXPECT_EQ(on.reply<kx_vlan_forwarding>().forwarding, vlan == 9 ? 1 : 0);
-    }
 }
 
 TEST(Model, OverridesReplaceWhatTheyName) {
@@ -311,14 +256,6 @@ TEST(Model, ReplyOfTwoBuffersGoesIntoTheSecond) {
     EXPECT_EQ(on.buffer2[1], 0x0b);
     EXPECT_EQ(on.buffer2[2], NO_REPLY);
     EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x0 flags 11 len 2 len2 2 in 5555 -> 0");
-}
-
-TEST(Model, StringInputEndsAtItsTerminator) {
-    bench on("{}");
-    memcpy(on.buffer1, "abc", 4);
-    kxdpa_request record = on.variable(9999, 2, KXDPA_FLAG_IN, 0, 256);
-    on.ask(record);
-    EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x2 flags 6 max 256 in 616263 -> 38 max 256");
 }
 
 } // namespace
