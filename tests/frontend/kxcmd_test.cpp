@@ -207,6 +207,11 @@ TEST(Help, StopsAtTheBuffersEnd) {
         EXPECT_LT(seen.size(), buffer.size());
         EXPECT_TRUE(std::string(whole.data()).starts_with(seen)) << size;
     }
+    for (const int size : {0, -1}) {
+        char untouched = '#';
+        traced_by([&] { EXPECT_EQ(kxcmd_snprintf_help(table.data(), &untouched, size), size); });
+        EXPECT_EQ(untouched, '#');
+    }
 }
 
 TEST(Help, IsTracedByTheEntryPoint) {
