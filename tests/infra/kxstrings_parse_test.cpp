@@ -51,26 +51,12 @@ TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
         EXPECT_EQ(parse(nullptr, nullptr), -1) << name;
 }
 
-void expect_same_as_c_library(const std::string &text) {
-    Bytes expected(16, OLD_BYTE);
-    Bytes address(16, OLD_BYTE);
-    const int reference = inet_pton(AF_INET6, text.c_str(), expected.data());
-    ASSERT_EQ(kx_parse_ipv6_address(address.data(), text.c_str()), reference == 1 ? 0 : -1) << text;
-    ASSERT_EQ(address, expected) << text;
-}
-
 // There is no deviation: whatever the C library accepts is accepted with the same bytes.
 TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
-    const std::vector<std::string> seeds = {"::",
-                                            "::1",
-                                            "1::",
-                                            "fe80::1:2",
-                                            "1:2:3:4:5:6:7:8",
-                                            "1:2::7:8",
-                                            "::1.2.3.4",
-                                            "::ffff:10.20.30.40",
-                                            "1:2:3:4:5:6:10.0.0.255",
-                                            "2001:db8:aaaa:bbbb:cccc:dddd:eeee:ffff"};
+    std::vector<std::string> seeds;
+    for (const auto &row : golden("address_texts.tsv"))
+        if (row.at(0) == "ipv6" && row.at(2) != "-")
+            seeds.push_back(row[1]);
     const std::string alphabet = ":::::....0011259aFfgx% ";
     std::mt19937 random(20240229);
     const auto below = [&](size_t n) { return random() % n; };
@@ -86,11 +72,12 @@ TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
             else if (at < text.size())
                 kind == 1 ? text.erase(at, 1) : text.replace(at, 1, 1, c);
         }
-        expect_same_as_c_library(text);
-        if (HasFatalFailure())
-            return;
-        uint8_t address[16];
-        accepted += kx_parse_ipv6_address(address, text.c_str()) == 0 ? 1 : 0;
+        Bytes expected(16, OLD_BYTE);
+        Bytes address(16, OLD_BYTE);
+        const int reference = inet_pton(AF_INET6, text.c_str(), expected.data());
+        ASSERT_EQ(kx_parse_ipv6_address(address.data(), text.c_str()), reference - 1) << text;
+        ASSERT_EQ(address, expected) << text;
+        accepted += reference;
     }
     EXPECT_GT(accepted, 20000); // the corpus reaches both sides
     EXPECT_LT(accepted, 180000);
