@@ -83,8 +83,8 @@ arguments asked_values(const std::string &documentation, const vocabulary &words
     const std::pair<const char *, const arguments *> rows[] = {
         {"lacp", &words.uplinks},    {"bd-name", &words.names}, {"segment-id", &words.segments},
         {"seg-id", &words.segments}, {"hwbd", &words.indexes},  {"show dr", &words.swbds},
-        {"vlan]", &words.vlans},     {"<vlan>", &words.vlans},  {"gress ltl", &words.ltls},
-        {"drops ltl", &words.ltls}};
+        {"vlan]", &words.vlans},     {"<vlan>", &words.vlans},  {"ingress ltl", &words.ltls},
+        {"egress ltl", &words.ltls}, {"drops ltl", &words.ltls}};
     for (const auto &[word, values] : rows)
         if (documentation.find(word) != std::string::npos)
             return *values;

@@ -184,10 +184,15 @@ int main(int argc, char *argv[]) {
         first = 3;
     }
     for (int i = first; i < argc; i++) {
-        const uint64_t seed = std::strtoull(argv[i], nullptr, 0);
+        char *end = nullptr;
+        const uint64_t seed = std::strtoull(argv[i], &end, 0);
+        if (*end != '\0')
+            give_up(seed, argv[i], "is no seed");
         replay_rows(seed);
         capture_hostile_drivers(seed);
     }
+    if (done.runs == 0)
+        give_up(0, argv[0], "no seed is given");
     if (every == 1)
         capture_endless_driver(0);
     capture_endless_driver(7);

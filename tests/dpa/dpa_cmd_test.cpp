@@ -145,7 +145,7 @@ TEST_F(GrowingFile, EndsAtAMarkerCutAnywhere) {
     }
 }
 
-// The marker ends the read that it stands in.
+// The copy ends with the read that holds the marker's end.
 TEST_F(GrowingFile, ShowsNothingOfTheReadBehindTheMarkers) {
     const std::string shown = std::string(119, 'x') + "#byeBye#";
     EXPECT_EQ(copy({shown + "T"}), shown);
@@ -380,7 +380,7 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
         ASSERT_EQ(row.put(target.c_str(), row.path.c_str()), 0);
         EXPECT_EQ(run("x", [] {}), row.printed);
         EXPECT_EQ(result, -1);
-        EXPECT_EQ(left_open, row.path == output ? 0U : 1U) << "the output file stays";
+        EXPECT_EQ(left_open, row.path == output ? 0U : 1U) << "the output file's descriptor stays";
         EXPECT_EQ(read_file(target), "kept");
         unlink(target.c_str());
     }
@@ -516,7 +516,7 @@ child_end in_child(const std::function<int()> &run) {
     return {child, status};
 }
 
-constexpr const char *SHOWN = "/tmp/shown-by-a-child";
+const std::string SHOWN = "/tmp/shown-by-children-of-" + std::to_string(getpid());
 
 // Run the command in a child, with `signal` in a sleep, from 1.
 child_end run_in_child(int signal, void (*disposition)(int), int at_sleep = 1) {
@@ -527,7 +527,7 @@ child_end run_in_child(int signal, void (*disposition)(int), int at_sleep = 1) {
             if (++sleeps == at_sleep)
                 raise(signal);
         };
-        return freopen(SHOWN, "w", stdout) == nullptr ? 1 : kx_dpa_cmd("x");
+        return freopen(SHOWN.c_str(), "w", stdout) == nullptr ? 1 : kx_dpa_cmd("x");
     });
 }
 
@@ -542,11 +542,11 @@ TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
     }
     EXPECT_TRUE(run_in_child(SIGTERM, SIG_DFL, 3).ended_by(SIGTERM));
     EXPECT_EQ(read_file(SHOWN), "=>dpa command is: x\n\n");
-    unlink(SHOWN);
     // Also while it waits for a reader.
     paths.close_descriptors();
     const child_end waiting = run_in_child(SIGINT, SIG_DFL);
     EXPECT_TRUE(waiting.ended_by(SIGINT));
+    unlink(SHOWN.c_str());
 }
 
 // Opens the two ends of an output, the reader's first.
@@ -630,8 +630,9 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         if (fork() == 0) {
             close(ends[1]);
             char text[4096];
-            while (memchr(text, '~', static_cast<size_t>(read(ends[0], text, sizeof text))) ==
-                   nullptr) {
+            ssize_t got = 0;
+            while ((got = read(ends[0], text, sizeof text)) > 0 &&
+                   memchr(text, '~', static_cast<size_t>(got)) == nullptr) {
             }
             _exit(0);
         }
@@ -672,6 +673,18 @@ TEST_F(DpaCommand, WaitsForRoomInThePipe) {
     fill();
     EXPECT_TRUE(run_until_unread(open_pipe, GONE_BEFORE, SIG_DFL).ended_by(SIGPIPE));
     fill();
+    const child_end ended = in_child([] {
+        std::signal(SIGTERM, SIG_DFL);
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        const pid_t tool = getpid();
+        if (fork() == 0) {
+            poll(nullptr, 0, 50);
+            kill(tool, SIGTERM);
+            _exit(0);
+        }
+        return kx_dpa_cmd("x");
+    });
+    EXPECT_TRUE(ended.ended_by(SIGTERM));
     const pid_t agent = fork();
     if (agent == 0) {
         usleep(20'000);

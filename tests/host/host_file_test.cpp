@@ -10,7 +10,6 @@
 #include "tests/host/random_host.h"
 
 #include <cerrno>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <set>
@@ -109,7 +108,8 @@ TEST(HostFile, IsWrittenInOneForm) {
 TEST(HostFile, InterfacesAreNamedOrNumbered) {
     for (const auto &row : golden("host_interfaces.tsv")) {
         const host parsed = described(R"({"ports": [{"ltl": 1, "interface": )" + row.at(0) + "}]}");
-        EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, number(row.at(1)));
+        EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, number(row.at(1)))
+            << row[0];
     }
 }
 

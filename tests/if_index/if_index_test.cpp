@@ -202,7 +202,7 @@ TEST(IfIndex, RangesCountTheNumberOfTheirType) {
         for (uint32_t outside : {first - step, first + 3 * step, (first + step) ^ 0x01000000})
             EXPECT_EQ(if_index_get_next_if_index_in_range(&range, &outside), 14);
     }
-    // The last one tells what is counted.
+    // Sub-interfaces are counted when the last index is one.
     const if_index_range from_main_to_sub = {0x1A000000, 0x1A000003};
     uint32_t count = 0;
     EXPECT_EQ(if_index_get_num_ports_in_if_index_range(&from_main_to_sub, &count), 0);

@@ -245,7 +245,8 @@ TEST(BitSetList, BufferTooSmallForAnyItem) {
     text[0] = '#';
     EXPECT_EQ(bitset_snprintf(text, 1, &set, 1, &done), 0);
     EXPECT_STREQ(text, "");
-    EXPECT_EQ(bitset_snprintf(text, sizeof text, &set, 0, &done), 7) << "it began at the front";
+    EXPECT_EQ(bitset_snprintf(text, sizeof text, &set, 0, &done), 7)
+        << "what did not fit comes next";
     EXPECT_STREQ(text, "100-101");
 }
 

@@ -112,6 +112,12 @@ TEST(Model, ComplainsAboutTheFieldThatIsWrong) {
         {"op 44: buf2 is set, expected 0", [](auto &r) { r.buf2 = r.buf1; }},
         {"op 44: length is 4294967295, expected at most 16777216",
          [](auto &r) { r.len2 = 0xFFFFFFFF; }},
+        {"op 9999: length is 4294967295, expected at most 16777216",
+         [](auto &r) {
+             r.opcode = 9999;
+             r.flags = 3;
+             r.len1 = 0xFFFFFFFF;
+         }},
     };
     no_memory memory;
     for (const auto &row : rows) {
@@ -182,9 +188,10 @@ TEST(Model, WantsRoomForAVariableReply) {
     EXPECT_EQ(on.complaints.size(), 1U);
 }
 
-TEST(Model, UnknownOpcodeIsAnErrorWithoutAComplaint) {
-    bench on("{}");
+TEST(Model, UnknownOpcodesAndViewsAreErrorsWithoutAComplaint) {
+    bench on(R"({"ports": [{"ltl": 20}]})");
     EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 8), SIM_STATUS_UNKNOWN_OPCODE);
+    EXPECT_EQ(on.status_of(44, 3U << 24 | 20, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
     EXPECT_TRUE(on.complaints.empty());
     EXPECT_EQ(on.written(), 0U);
 }
