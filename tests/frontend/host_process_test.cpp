@@ -2,7 +2,6 @@
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
-#include "frontend/kxcmd.h"
 #include "handlers/port/port_drops.h"
 #include "sim/builtin_host.h"
 #include "sim/exchange.h"
