@@ -295,7 +295,11 @@ TEST(BitSetSizes, SearchesSeeWholeWordsOnly) {
 
 TEST(BitSetAssertions, AreReportedWithoutEffect) {
     const Set sample = set_of({3, 200});
-    Set set = sample;
+    struct {
+        Set set;
+        uint8_t behind;
+    } guarded = {sample, 0x40}; // a bit that is clear, and one that is set
+    Set &set = guarded.set;
     kxbmp_template<128> small{};
     small.size = sizeof small.bits;
     bitset_fill(&small);
@@ -315,6 +319,7 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
         EXPECT_EQ(printed_by(call), "ASSERT  bitset_" + line + "\n");
         EXPECT_EQ(got, result) << line;
         EXPECT_EQ(memcmp(&set, &sample, sizeof set), 0) << line;
+        EXPECT_EQ(guarded.behind, 0x40) << line;
     };
 #define REFUSED(line, call)          expect_reported(line, 0, [&] { call; });
 #define ANSWERED(line, result, call) expect_reported(line, result, [&] { got = call; });
