@@ -100,6 +100,8 @@ TEST(BitSetLayout, BitZeroIsTheTopOfTheFirstByte) {
     EXPECT_EQ(bmp4096_bitcount(&vlans), 2);
     bitset_fill(&vlans);
     EXPECT_EQ(bmp4096_bitcount(&vlans), 4096);
+    const Set lowest_of_a_byte = set_of({7}); // 1, as a word
+    EXPECT_EQ(bitset_bitcount(&lowest_of_a_byte), 1);
 }
 
 TEST_F(BitSets, SearchesAgreeWithTheModel) {
@@ -184,7 +186,7 @@ TEST_F(BitSets, RangesAgreeWithTheModel) {
 TEST_F(BitSets, WalksVisitEveryRun) {
     const auto walked = [](const Set &set, int (*next)(const bitset *, bitset_range *)) {
         std::vector<std::pair<int32_t, int32_t>> found;
-        for (bitset_range range = BITSET_RANGE_START; next(&set, &range) == 0;)
+        for (bitset_range range = {1, 0}; next(&set, &range) == 0;)
             found.emplace_back(range.lower, range.upper);
         return found;
     };
