@@ -3,6 +3,7 @@
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/run_state.h"
 #include "sim/interpose.h"
+#include "tests/golden.h"
 #include "tests/infra/printed_by.h"
 
 #include <algorithm>
@@ -90,6 +91,8 @@ TEST_F(Main, PrintsHelpThatDoesNotFitBetweenTwoWarnings) {
         EXPECT_EQ(exit_value, 0);
     }
     std::copy(rows.begin(), rows.end(), kestrel_cmd_list);
+    EXPECT_EQ(run({"help"}), golden_text("help.txt")) << "it fits";
+    std::copy(rows.begin(), rows.end(), kestrel_cmd_list); // help sorts the table in place
 }
 
 } // namespace
