@@ -69,7 +69,7 @@ extern "C" int poll(pollfd *watched, nfds_t count, int milliseconds) {
 }
 
 extern "C" uid_t geteuid() noexcept {
-    return static_cast<uid_t>(syscall(SYS_geteuid)) + (as_another_user ? 1 : 0);
+    return static_cast<uid_t>(syscall(SYS_geteuid32)) + (as_another_user ? 1 : 0);
 }
 
 extern "C" ssize_t write(int fd, const void *data, size_t size) {
