@@ -1,19 +1,10 @@
-#include "sim/acl/acls.h"
 #include "sim/answer.h"
-#include "sim/bridge_domain/bridge_domains.h"
-#include "sim/card/card.h"
-#include "sim/card/memory.h"
-#include "sim/counters/counters.h"
-#include "sim/l2/l2_tables.h"
-#include "sim/lacp/lacp_state.h"
-#include "sim/port/port_channels.h"
-#include "sim/port/ports.h"
-#include "sim/port/private_vlans.h"
-#include "sim/settings/settings.h"
+
+#include <map>
 
 namespace {
 
-// A new part of the host is one line here and one in host.h.
+// A new part of the host is one line here, one in answer.h and one in host.h.
 // clang-format off
 constexpr const family *FAMILIES[] = {
     &card_family,
@@ -30,8 +21,34 @@ constexpr const family *FAMILIES[] = {
 };
 // clang-format on
 
+std::multimap<uint16_t, const answer *> by_opcode() {
+    std::multimap<uint16_t, const answer *> answers;
+    for (const family *part : FAMILIES) {
+        for (const answer &one : *part) {
+            answers.emplace(one.opcode, &one);
+        }
+    }
+    return answers;
+}
+
 } // namespace
 
 std::span<const family *const> all_families() {
     return FAMILIES;
+}
+
+const answer *find_answer(const kxdpa_request &request) {
+    // Never destroyed: a preloaded library answers until its process ends.
+    static const auto &answers = *new std::multimap(by_opcode());
+    const answer *found = nullptr;
+    const auto [first, end] = answers.equal_range(request.opcode);
+    for (auto at = first; at != end; ++at) {
+        const answer &candidate = *at->second;
+        if (candidate.flags == request.flags &&
+            (candidate.argument == ANY_ARGUMENT || candidate.argument == request.arg)) {
+            return &candidate;
+        }
+        found = found == nullptr ? &candidate : found;
+    }
+    return found;
 }

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -81,11 +82,13 @@ __attribute__((constructor)) void start_simulation() {
     forget_preload(preload_entry(channel));
     // Lives as long as the process, also while its other destructors run.
     auto *driver = new model;
+    host described;
     std::string error;
-    if (!parse_host(host_text(channel.host), "host", driver->state, error)) {
+    if (!parse_host(host_text(channel.host), "host", described, error)) {
         std::fprintf(stderr, "%s: %s\n", PRELOAD_LIBRARY, error.c_str());
         _exit(EXIT_BAD_HOST);
     }
+    driver->take(std::move(described));
     mark_met(*driver, channel.met);
     if (channel.trace != -1) {
         fcntl(channel.trace, F_SETFD, FD_CLOEXEC);

@@ -242,8 +242,7 @@ int run_preloaded(lab_run &run, const preload_channel &channel) {
 }
 
 int run_on_device(lab_run &run, int device) {
-    model driver;
-    driver.state = run.described;
+    model driver(run.described);
     driver.met = [&](size_t place) { run.met[place] = 1; };
     if (run.trace != -1) {
         trace_into(driver, run.trace);
