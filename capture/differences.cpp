@@ -24,14 +24,13 @@ bool is_same(std::span<const uint8_t> told, std::span<const uint8_t> answered) {
 
 class comparison {
 public:
-    comparison(const driver_memory &memory, host &described)
-        : memory_(memory), described_(described) {
+    explicit comparison(host &described) : described_(described) {
     }
 
     bool is_alike(const remembered_row &row, const remembered_step &step) {
-        const kept_answer told = memory_.answer_of(step);
+        const kept_answer &told = step.told();
         ours_.request = row.request;
-        ours_.input = memory_.input_of(step);
+        ours_.input = step.input();
         ours_.reply.clear();
         ours_.status = KXDPA_STATUS_SUCCESS;
         ours_.returned.reset();
@@ -48,53 +47,49 @@ public:
                 return false;
             }
         }
-        if (!told.reply || !ours_.is_told()) {
-            return !told.reply && count == 0;
+        if (told.replied == 0 || !ours_.is_told()) {
+            return told.replied == 0 && count == 0;
         }
-        if (is_same(*told.reply, std::span(ours_.reply).first(count))) {
+        if (is_same(step.reply(), std::span(ours_.reply).first(count))) {
             return true;
         }
-        theirs_.reply.assign(told.reply->begin(), told.reply->end());
+        theirs_.reply.assign(step.reply().begin(), step.reply().end());
         return row.form.alike != nullptr && row.form.alike(theirs_, ours_);
     }
 
-    // The status of an answer that says nothing else.
-    std::optional<uint32_t> plain_refusal(const remembered_row &row,
-                                          const remembered_step &step) const {
-        const kept_answer told = memory_.answer_of(step);
-        kxdpa_request record = row.request;
-        const reply_place to = reply_place_of(record);
-        const bool plain = told.status != KXDPA_STATUS_SUCCESS && !told.reply &&
-                           (to.returned == nullptr || *to.returned == told.returned);
-        return plain ? std::optional(told.status) : std::nullopt;
-    }
-
-    override_rule rule_of(const remembered_row &row, const remembered_step &step) const {
-        const kept_answer told = memory_.answer_of(step);
-        kxdpa_request asked = row.request;
-        const reply_place to = reply_place_of(asked);
-        driver_answer answer = {.status = told.status};
-        std::vector<uint8_t> reply;
-        if (told.reply) {
-            reply.assign(told.reply->begin(), told.reply->end());
-            reply.resize(std::max<size_t>(reply.size(), to.room));
-        }
-        // One that succeeds and leaves the buffers alone replies with no bytes.
-        if (told.reply || told.status == KXDPA_STATUS_SUCCESS) {
-            answer.reply = reply;
-        }
-        answer.returned = told.returned;
-        answer.returned = odd_length(asked, answer);
-        const auto input = memory_.input_of(step);
-        return rule_for(asked, has_input(asked) ? std::optional(input) : std::nullopt, answer);
-    }
-
 private:
-    const driver_memory &memory_;
     host &described_;
     walk_places places_;
     exchange ours_, theirs_;
 };
+
+// The status of an answer that says nothing else.
+std::optional<uint32_t> plain_refusal(const remembered_row &row, const remembered_step &step) {
+    const kept_answer &told = step.told();
+    kxdpa_request record = row.request;
+    const reply_place to = reply_place_of(record);
+    const bool plain = told.status != KXDPA_STATUS_SUCCESS && told.replied == 0 &&
+                       (to.returned == nullptr || *to.returned == told.returned);
+    return plain ? std::optional(told.status) : std::nullopt;
+}
+
+override_rule rule_of(const remembered_row &row, const remembered_step &step) {
+    const kept_answer &told = step.told();
+    kxdpa_request asked = row.request;
+    const reply_place to = reply_place_of(asked);
+    driver_answer answer = {.status = told.status};
+    std::vector<uint8_t> reply(step.reply().begin(), step.reply().end());
+    if (told.replied != 0) {
+        reply.resize(std::max<size_t>(reply.size(), to.room));
+    }
+    // One that succeeds and leaves the buffers alone replies with no bytes.
+    if (told.replied != 0 || told.status == KXDPA_STATUS_SUCCESS) {
+        answer.reply = reply;
+    }
+    answer.returned = told.returned;
+    answer.returned = odd_length(asked, answer);
+    return rule_for(asked, has_input(asked) ? std::optional(step.input()) : std::nullopt, answer);
+}
 
 struct opcode_tally {
     size_t questions = 0;
@@ -128,10 +123,10 @@ tallies tally_differences(const driver_memory &memory, comparison &compared) {
 // The rules for the questions of a row that are still to be answered: one for each, or one for the
 // argument behind those for all its other questions.
 void add_rules(const remembered_row &row, const std::vector<remembered_step> &open,
-               const comparison &compared, std::vector<override_rule> &rules) {
+               std::vector<override_rule> &rules) {
     std::map<uint32_t, size_t> refusals;
     for (const remembered_step &step : open) {
-        if (const auto status = compared.plain_refusal(row, step)) {
+        if (const auto status = plain_refusal(row, step)) {
             refusals[*status]++;
         }
     }
@@ -142,8 +137,8 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
         }
     }
     for (const remembered_step &step : alike ? row.steps : std::span(open)) {
-        if (!alike || compared.plain_refusal(row, step) != alike) {
-            rules.push_back(compared.rule_of(row, step));
+        if (!alike || plain_refusal(row, step) != alike) {
+            rules.push_back(rule_of(row, step));
         }
     }
     if (alike) {
@@ -157,7 +152,7 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
 } // namespace
 
 bool is_answered_alike(const driver_memory &memory, host &described, uint16_t opcode) {
-    comparison compared(memory, described);
+    comparison compared(described);
     bool alike = true;
     memory.each_row(
         [&](const remembered_row &row) {
@@ -170,7 +165,7 @@ bool is_answered_alike(const driver_memory &memory, host &described, uint16_t op
 }
 
 std::vector<override_rule> differences(const driver_memory &memory, host &described) {
-    comparison compared(memory, described);
+    comparison compared(described);
     tallies by_opcode = tally_differences(memory, compared);
     std::vector<override_rule> rules;
     const auto end_opcode = [&](uint16_t opcode) {
@@ -193,7 +188,7 @@ std::vector<override_rule> differences(const driver_memory &memory, host &descri
         std::vector<remembered_step> open;
         for (const remembered_step &step : row.steps) {
             const bool is_answered = tally.refused_alike
-                                         ? compared.plain_refusal(row, step) == tally.refused_alike
+                                         ? plain_refusal(row, step) == tally.refused_alike
                                          : compared.is_alike(row, step);
             if (!is_answered) {
                 open.push_back(step);
@@ -203,7 +198,7 @@ std::vector<override_rule> differences(const driver_memory &memory, host &descri
         if (row.form.steps_by_reply && !open.empty()) {
             open.assign(row.steps.begin(), row.steps.end());
         }
-        add_rules(row, open, compared, rules);
+        add_rules(row, open, rules);
     });
     if (at) {
         end_opcode(*at);

@@ -2,12 +2,10 @@
 
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "sim/answer.h"
-#include "sim/transfer.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -43,20 +41,6 @@ extern "C" int __wrap_ioctl(int descriptor, unsigned long code, ...) noexcept {
 
 void listen_to_calls(call_listener *listener) {
     listening = listener;
-}
-
-std::optional<std::span<const uint8_t>> input_of(const kxdpa_request &request) {
-    if (!has_input(request)) {
-        return std::nullopt;
-    }
-    const uint8_t *bytes = bytes_at(request.buf1);
-    if (bytes == nullptr) {
-        return std::span<const uint8_t>();
-    }
-    const size_t length = request.len1 != 0
-                              ? request.len1
-                              : strnlen(reinterpret_cast<const char *>(bytes), request.max1);
-    return std::span(bytes, length);
 }
 
 driver_answer ask_driver(kxdpa_request &record) {

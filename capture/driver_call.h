@@ -8,7 +8,10 @@
 
 #include "dpa/userspace/kxdpa_request.h"
 
+#include "sim/transfer.h"
+
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 
@@ -22,8 +25,16 @@ public:
 // Who gets the calls from now on; nullptr for the driver.
 void listen_to_calls(call_listener *listener);
 
-// What a request carries: its length in bytes, or a text up to its NUL; none without input.
-std::optional<std::span<const uint8_t>> input_of(const kxdpa_request &request);
+// What a request carries: its length in bytes, or a text up to its NUL; nothing without input.
+inline std::span<const uint8_t> input_of(const kxdpa_request &request) {
+    if (!has_input(request) || request.buf1 == 0) {
+        return {};
+    }
+    const auto *bytes = reinterpret_cast<const uint8_t *>(static_cast<uintptr_t>(request.buf1));
+    return {bytes, request.len1 != 0
+                       ? request.len1
+                       : strnlen(reinterpret_cast<const char *>(bytes), request.max1)};
+}
 
 // What the caller finds afterwards.
 struct driver_answer {

@@ -24,6 +24,7 @@ constexpr auto BETWEEN_PROGRESS = std::chrono::milliseconds(100);
 
 constexpr size_t OPCODES = 2048; // more than the driver has
 constexpr uint16_t NO_SHAPE = 0xFFFF;
+constexpr uint32_t NO_LIST = 0xFFFFFFFF;
 
 // The steps of walks, and what no driver has more of: ports, addresses of an L2 table, anything
 // else.
@@ -42,23 +43,11 @@ constexpr struct {
 // people use is none of these.
 constexpr uint32_t UNTOLD[] = {0xB6A5C396, 0x495A3C69};
 
-// An answer as it is kept, in front of its reply.
-struct answer_head {
-    uint32_t status;
-    uint32_t returned;
-    uint32_t replied; // 0 where the buffers were left alone
-};
-
 // One that says nothing but its status.
 bool is_plain_refusal(const kxdpa_request &asked, const driver_answer &told) {
     kxdpa_request record = asked;
     const reply_place to = reply_place_of(record);
     return !told.reply && (to.returned == nullptr || *to.returned == told.returned);
-}
-
-uint32_t row_hash(uint32_t shape, uint32_t argument) {
-    const uint32_t words[] = {shape, argument};
-    return hash_of({reinterpret_cast<const uint8_t *>(words), sizeof words});
 }
 
 uint8_t *bytes_at(uint32_t address) {
@@ -116,7 +105,7 @@ driver_answer ask_once(const answer &form, kxdpa_request &record) {
 
 driver_memory::driver_memory(host &learnt, bool (*is_wanted)(), bool shows_progress)
     : learnt_(learnt), is_wanted_(is_wanted), shows_progress_(shows_progress),
-      shapes_of_opcode_(OPCODES, NO_SHAPE),
+      shape_of_opcode_(OPCODES, NO_SHAPE),
       next_progress_(std::chrono::steady_clock::now() + BEFORE_PROGRESS) {
     listen_to_calls(this);
 }
@@ -137,11 +126,11 @@ driver_memory::shape *driver_memory::find_shape(const kxdpa_request &record) {
     if (record.opcode >= OPCODES) {
         return nullptr;
     }
-    uint16_t &first = shapes_of_opcode_[record.opcode];
-    for (uint16_t at = first; at != NO_SHAPE; at = next_shape_[at]) {
+    uint16_t &newest = shape_of_opcode_[record.opcode];
+    for (uint16_t at = newest; at != NO_SHAPE; at = shapes_[at].older) {
         const kxdpa_request &known = shapes_[at].request;
-        if (known.flags == record.flags && known.len1 == record.len1 && known.len2 == record.len2 &&
-            known.max1 == record.max1 && known.max2 == record.max2) {
+        if (known.flags == record.flags && known.len1 == record.len1 &&
+            known.len2 == record.len2 && known.max1 == record.max1 && known.max2 == record.max2) {
             return &shapes_[at];
         }
     }
@@ -150,61 +139,95 @@ driver_memory::shape *driver_memory::find_shape(const kxdpa_request &record) {
         shapes_.size() == NO_SHAPE) {
         return nullptr;
     }
-    shape &made = shapes_.emplace_back(shape{.request = record});
+    const auto number = static_cast<uint16_t>(shapes_.size());
+    shape &made =
+        shapes_.emplace_back(shape{.request = record, .number = number, .older = newest});
     for (const auto &[opcode, longest] : WALKS) {
         if (opcode == record.opcode) {
             made.longest = longest;
             made.walks_by_input = has_input(record);
         }
     }
-    next_shape_.push_back(first);
-    first = static_cast<uint16_t>(shapes_.size() - 1);
+    newest = number;
     return &made;
 }
 
+// Questions come in the order in which they came the first time, nearly always.
+
 uint32_t driver_memory::find_row(const shape &of, uint32_t argument) const {
-    const auto number = static_cast<uint16_t>(&of - shapes_.data());
-    return row_index_.find(row_hash(number, argument), [&](uint32_t id) {
-        return rows_[id].argument == argument && rows_[id].shape == number;
-    });
+    if (of.last != NO_ROW) {
+        const row &last = rows_[of.last];
+        if (last.argument == argument) {
+            return of.last;
+        }
+        if (last.next != NO_ROW && rows_[last.next].argument == argument) {
+            return last.next;
+        }
+    }
+    const uint32_t *found =
+        row_index_.find(mix_hash(of.number, argument), [&](uint32_t in) {
+            return rows_[in].argument == argument && rows_[in].shape == of.number;
+        });
+    return found == nullptr ? NO_ROW : *found;
 }
 
-// Questions come in the order in which they came the first time, nearly always.
+void driver_memory::note_row(shape &of, uint32_t in) {
+    if (of.last != NO_ROW && of.last != in) {
+        rows_[of.last].next = in;
+    }
+    of.last = in;
+}
+
+uint32_t driver_memory::add_row(shape &of, uint32_t argument) {
+    const auto in = static_cast<uint32_t>(rows_.size());
+    kxdpa_request request = of.request;
+    request.arg = argument;
+    rows_.push_back({find_answer(request), argument, of.number, true, NO_LIST});
+    row_index_.insert(mix_hash(of.number, argument), in);
+    of.first = of.rows++ == 0 ? in : of.first;
+    return in;
+}
+
 uint32_t driver_memory::find_place(const row &in, std::span<const uint8_t> input) const {
     const steps &list = lists_[in.list];
     const auto is_it = [&](uint32_t place) {
-        return std::memcmp(inputs_.at(list[place].input).data(), input.data(), input.size()) == 0;
+        return std::memcmp(list[place].asked->begin(), input.data(), input.size()) == 0;
     };
     const uint32_t next = in.place + 1 < list.size() ? in.place + 1 : 0;
-    for (const uint32_t likely : {next, in.place}) {
-        if (is_it(likely)) {
-            return likely;
-        }
+    if (input.empty() || is_it(next)) {
+        return next;
     }
-    const uint32_t id = inputs_.find(input);
-    if (id == NO_ID || (in.rises && list.back().input < id)) {
-        return NO_ID;
+    if (is_it(in.place)) {
+        return in.place;
+    }
+    const byte_pool::item *known = inputs_.find(input);
+    if (known == nullptr || (in.rises && list.back().asked->number < known->number)) {
+        return NO_PLACE;
     }
     const auto found = in.rises
-                           ? std::lower_bound(list.begin(), list.end(), id,
-                                              [](const step &a, uint32_t b) { return a.input < b; })
-                           : std::find_if(list.begin(), list.end(),
-                                          [&](const step &kept) { return kept.input == id; });
-    return found == list.end() || found->input != id ? NO_ID
-                                                     : static_cast<uint32_t>(found - list.begin());
+                           ? std::lower_bound(list.begin(), list.end(), known->number,
+                                              [](const remembered_step &a, uint32_t number) {
+                                                  return a.asked->number < number;
+                                              })
+                           : std::find_if(list.begin(), list.end(), [&](const auto &kept) {
+                                 return kept.asked == known;
+                             });
+    return found == list.end() || found->asked != known
+               ? NO_PLACE
+               : static_cast<uint32_t>(found - list.begin());
 }
 
-// A walk that has taken more steps than there are has taken one twice. `place` is NO_ID for a step
+// A walk that has taken more steps than there are has taken one twice. `place` is NO_PLACE for a step
 // that is new.
 bool driver_memory::comes_back(shape &of, uint32_t in, uint32_t place) {
     if (of.longest == 0) {
         return false;
     }
-    const bool starts = of.walks_by_input ? place == 0 || in != of.walking : in == of.first_row;
+    const bool starts = of.walks_by_input ? place == 0 || in != of.walking : in == of.first;
     of.walking = in;
     of.walked = starts ? 1 : of.walked + 1;
     const size_t known = known_steps(of, in);
-    if (place == NO_ID || of.walked <= known) {
+    if (place == NO_PLACE || of.walked <= known) {
         return false;
     }
     cut_off(walk_of(of) + " comes back to where it was and is cut after " +
@@ -216,7 +239,7 @@ size_t driver_memory::known_steps(const shape &of, uint32_t in) const {
     if (!of.walks_by_input) {
         return of.rows;
     }
-    return in == NO_ID ? 0 : lists_[rows_[in].list].size();
+    return in == NO_ROW ? 0 : lists_[rows_[in].list].size();
 }
 
 std::string driver_memory::walk_of(const shape &of) {
@@ -247,43 +270,43 @@ bool driver_memory::may_ask(shape &of, uint32_t in) {
 
 // A list that others share is copied before it grows.
 driver_memory::steps &driver_memory::own_list(shape &of, uint32_t in) {
-    if (of.growing == in) {
-        return lists_[rows_[in].list];
+    if (of.growing != in) {
+        if (of.growing != NO_ROW) {
+            share_list(rows_[of.growing]);
+        }
+        of.growing = in;
+        steps own = rows_[in].list == NO_LIST ? steps() : lists_[rows_[in].list];
+        rows_[in].list = static_cast<uint32_t>(lists_.size());
+        lists_.push_back(std::move(own));
     }
-    if (of.growing != NO_ID) {
-        share_list(rows_[of.growing]);
-    }
-    of.growing = in;
-    steps own = rows_[in].list == NO_ID ? steps() : lists_[rows_[in].list];
-    rows_[in].list = static_cast<uint32_t>(lists_.size());
-    return lists_.emplace_back(std::move(own));
+    return lists_[rows_[in].list];
 }
 
-// The row's own list is the last one, or stays where it is.
 void driver_memory::share_list(row &of) {
     steps &own = lists_[of.list];
-    const uint32_t hash =
-        hash_of({reinterpret_cast<const uint8_t *>(own.data()), own.size() * sizeof own[0]});
-    const uint32_t same = list_index_.find(hash, [&](uint32_t id) { return lists_[id] == own; });
-    if (same == NO_ID) {
+    uint32_t hash = 0;
+    for (const remembered_step &step : own) {
+        hash = mix_hash(mix_hash(hash, step.asked->number), step.answered->number);
+    }
+    const uint32_t *same =
+        list_index_.find(hash, [&](uint32_t list) { return lists_[list] == own; });
+    if (same == nullptr) {
         own.shrink_to_fit();
         list_bytes_ += own.size() * sizeof own[0];
         list_index_.insert(hash, of.list);
-        return;
-    }
-    if (of.list + 1 == lists_.size()) {
+    } else if (of.list + 1 == lists_.size()) {
+        of.list = *same;
         lists_.pop_back();
     } else {
+        of.list = *same;
         steps().swap(own);
     }
-    of.list = same;
 }
 
-void driver_memory::learn(uint32_t in, const kxdpa_request &asked, std::span<const uint8_t> input,
-                          const driver_answer &told) {
+void driver_memory::learn(const row &in, const kxdpa_request &asked,
+                          std::span<const uint8_t> input, const driver_answer &told) {
     // What is refused at another capacity was told or refused at the first one.
-    const bool is_first = next_shape_[rows_[in].shape] == NO_SHAPE;
-    if (told.status != KXDPA_STATUS_SUCCESS && !is_first) {
+    if (told.status != KXDPA_STATUS_SUCCESS && shapes_[in.shape].older != NO_SHAPE) {
         return;
     }
     told_.request = asked;
@@ -294,13 +317,12 @@ void driver_memory::learn(uint32_t in, const kxdpa_request &asked, std::span<con
     if (told.reply) {
         told_.reply.assign(told.reply->begin(), told.reply->end());
     }
-    rows_[in].form->learn(learnt_, told_);
+    in.form->learn(learnt_, told_);
 }
 
-void driver_memory::ask(shape &of, uint32_t in, kxdpa_request &record,
-                        std::span<const uint8_t> input) {
+void driver_memory::ask(shape &of, uint32_t in, kxdpa_request &record) {
     const kxdpa_request asked = record;
-    const uint32_t input_id = inputs_.intern(input);
+    const byte_pool::item *input = inputs_.intern(input_of(record));
     const driver_answer told = ask_once(*rows_[in].form, record);
     if (told.status == KXDPA_STATUS_SUCCESS) {
         of.told++;
@@ -308,30 +330,31 @@ void driver_memory::ask(shape &of, uint32_t in, kxdpa_request &record,
         of.refused++;
         of.refusals[told.status] += is_plain_refusal(asked, told) ? 1 : 0;
     }
-    learn(in, asked, inputs_.at(input_id), told);
+    learn(rows_[in], asked, input->bytes(), told);
 
     std::span<const uint8_t> reply = told.reply.value_or(std::span<const uint8_t>());
     while (!reply.empty() && reply.back() == 0) {
         reply = reply.first(reply.size() - 1);
     }
-    const answer_head head = {told.status, told.returned.value_or(0), told.reply ? 1U : 0U};
+    const kept_answer head = {told.status, told.returned.value_or(0), told.reply ? 1U : 0U,
+                              static_cast<uint32_t>(reply.size())};
     const auto *bytes = reinterpret_cast<const uint8_t *>(&head);
     answer_bytes_.assign(bytes, bytes + sizeof head);
     answer_bytes_.insert(answer_bytes_.end(), reply.begin(), reply.end());
 
     steps &list = own_list(of, in);
     row &kept = rows_[in];
-    kept.rises = list.empty() || (kept.rises && list.back().input < input_id);
+    kept.rises = list.empty() || (kept.rises && list.back().asked->number < input->number);
     kept.place = static_cast<uint32_t>(list.size());
-    list.push_back({input_id, answers_.intern(answer_bytes_)});
+    list.push_back({input, answers_.intern(answer_bytes_)});
 }
 
 // One display asks for a record until it gets it.
-bool driver_memory::is_asked_in_vain(uint32_t in, uint32_t place) {
+bool driver_memory::is_asked_in_vain(uint32_t in, uint32_t place, const kept_answer &told) {
     times_ = in == last_row_ && place == last_place_ ? times_ + 1 : 0;
     last_row_ = in;
     last_place_ = place;
-    return times_ >= PATIENCE;
+    return times_ >= PATIENCE && told.status != KXDPA_STATUS_SUCCESS;
 }
 
 int driver_memory::call(kxdpa_request &record) {
@@ -347,62 +370,38 @@ int driver_memory::call(kxdpa_request &record) {
     if (over_) {
         return EIO;
     }
-    const std::span<const uint8_t> input = ::input_of(record).value_or(std::span<const uint8_t>());
     uint32_t in = find_row(*of, record.arg);
-    const uint32_t place = in == NO_ID ? NO_ID : find_place(rows_[in], input);
-    if (place == NO_ID) {
+    const uint32_t place = in == NO_ROW ? NO_PLACE : find_place(rows_[in], input_of(record));
+    if (place == NO_PLACE) {
         if (!may_ask(*of, in)) {
             return EIO;
         }
-        in = in == NO_ID ? add_row(*of, record.arg) : in;
-        ask(*of, in, record, input);
-        comes_back(*of, in, NO_ID);
+        in = in == NO_ROW ? add_row(*of, record.arg) : in;
+        note_row(*of, in);
+        ask(*of, in, record);
+        comes_back(*of, in, NO_PLACE);
         return 0;
     }
     if (comes_back(*of, in, place)) {
         return EIO;
     }
+    note_row(*of, in);
     rows_[in].place = place;
-    const kept_answer kept = answer_of(lists_[rows_[in].list][place]);
-    record.status = kept.status;
-    if (is_asked_in_vain(in, place)) {
-        record.status = KXDPA_STATUS_SUCCESS;
-    }
+    const remembered_step &kept = lists_[rows_[in].list][place];
+    const kept_answer &told = kept.told();
+    record.status = is_asked_in_vain(in, place, told) ? KXDPA_STATUS_SUCCESS : told.status;
     const reply_place to = reply_place_of(record);
-    if (kept.reply) {
+    if (told.replied != 0) {
         uint8_t *bytes = bytes_at(to.address);
-        const size_t size = kept.reply->size();
-        std::memcpy(bytes, kept.reply->data(), size);
-        if (size < to.room) {
-            std::memset(bytes + size, 0, to.room - size);
+        std::memcpy(bytes, kept.reply().data(), told.size);
+        if (told.size < to.room) {
+            std::memset(bytes + told.size, 0, to.room - told.size);
         }
     }
     if (to.returned != nullptr) {
-        *to.returned = kept.returned;
+        *to.returned = told.returned;
     }
     return 0;
-}
-
-uint32_t driver_memory::add_row(shape &of, uint32_t argument) {
-    const auto number = static_cast<uint16_t>(&of - shapes_.data());
-    const auto in = static_cast<uint32_t>(rows_.size());
-    kxdpa_request request = of.request;
-    request.arg = argument;
-    rows_.push_back({find_answer(request), argument, number, true, NO_ID});
-    row_index_.insert(row_hash(number, argument), in);
-    of.first_row = of.rows++ == 0 ? in : of.first_row;
-    return in;
-}
-
-kept_answer driver_memory::answer_of(const step &kept) const {
-    const std::span<const uint8_t> bytes = answers_.at(kept.answer);
-    answer_head head{};
-    std::memcpy(&head, bytes.data(), sizeof head);
-    kept_answer answer = {head.status, head.returned, {}};
-    if (head.replied != 0) {
-        answer.reply = bytes.subspan(sizeof head);
-    }
-    return answer;
 }
 
 void driver_memory::each_row(const std::function<void(const remembered_row &)> &visit,
@@ -420,8 +419,8 @@ void driver_memory::each_row(const std::function<void(const remembered_row &)> &
         const row &asked = rows_[in];
         // What was asked again at another capacity is told apart by nobody else.
         bool is_first = true;
-        for (uint16_t at = next_shape_[asked.shape]; at != NO_SHAPE; at = next_shape_[at]) {
-            is_first &= find_row(shapes_[at], asked.argument) == NO_ID;
+        for (uint16_t at = shapes_[asked.shape].older; at != NO_SHAPE; at = shapes_[at].older) {
+            is_first &= find_row(shapes_[at], asked.argument) == NO_ROW;
         }
         if (is_first) {
             remembered_row visited = {*asked.form, shapes_[asked.shape].request,
@@ -444,7 +443,7 @@ std::map<uint32_t, uint64_t> driver_memory::refusals(std::optional<uint16_t> opc
 
 bool driver_memory::is_always_refused(kxdpa_opcode opcode) const {
     uint32_t refused = 0;
-    for (uint16_t at = shapes_of_opcode_[opcode]; at != NO_SHAPE; at = next_shape_[at]) {
+    for (uint16_t at = shape_of_opcode_[opcode]; at != NO_SHAPE; at = shapes_[at].older) {
         if (shapes_[at].told != 0) {
             return false;
         }

@@ -30,18 +30,29 @@
 #include <string>
 #include <vector>
 
+// An answer as it is kept, in front of its reply: what stands in the buffers afterwards, as far as
+// it is not zeros.
 struct kept_answer {
-    uint32_t status = 0;
-    uint32_t returned = 0; // the capacity word, 0 where there is none
-    // What stands in the buffers afterwards, as far as it is not zeros; none where the driver has
-    // left them alone.
-    std::optional<std::span<const uint8_t>> reply{};
+    uint32_t status;
+    uint32_t returned; // the capacity word, 0 where there is none
+    uint32_t replied;  // 0 where the driver has left the buffers alone
+    uint32_t size;     // of the reply, in bytes
 };
 
-// An input and its answer, by their numbers.
+// A question of a row and its answer.
 struct remembered_step {
-    uint32_t input;
-    uint32_t answer;
+    const byte_pool::item *asked;
+    const byte_pool::item *answered;
+
+    std::span<const uint8_t> input() const {
+        return asked->bytes();
+    }
+    const kept_answer &told() const {
+        return *reinterpret_cast<const kept_answer *>(answered->begin());
+    }
+    std::span<const uint8_t> reply() const {
+        return {answered->begin() + sizeof(kept_answer), told().size};
+    }
     bool operator==(const remembered_step &) const = default;
 };
 
@@ -71,10 +82,6 @@ public:
     // What has been asked so far, of one opcode or opcode by opcode.
     void each_row(const std::function<void(const remembered_row &)> &visit,
                   std::optional<uint16_t> opcode = {}) const;
-    std::span<const uint8_t> input_of(const remembered_step &asked) const {
-        return inputs_.at(asked.input);
-    }
-    kept_answer answer_of(const remembered_step &asked) const;
     // How often each status came that nothing was told with, of one opcode or of all.
     std::map<uint32_t, uint64_t> refusals(std::optional<uint16_t> opcode = {}) const;
     // True when an opcode was asked and refused throughout.
@@ -88,46 +95,53 @@ public:
     void end_progress();
 
 private:
-    using step = remembered_step;
-    using steps = std::vector<step>;
+    using steps = std::vector<remembered_step>;
 
     // The questions of a form and argument.
     struct row {
         const answer *form;
         uint32_t argument;
         uint16_t shape;
-        bool rises;         // the numbers of the inputs do, in their order
-        uint32_t list;      // of all lists
-        uint32_t place = 0; // in it, of the last question
+        bool rises;              // the numbers of the inputs do, in their order
+        uint32_t list;           // of all lists
+        uint32_t place = 0;      // in it, of the last question
+        uint32_t next = NO_ROW;  // what was asked after it, of the same shape
     };
 
     // The questions that are alike but for argument and input.
     struct shape {
         kxdpa_request request;
-        uint32_t longest = 0; // of a walk, in steps; 0 for none
+        uint16_t number;
+        uint16_t older;          // of the same opcode
+        uint32_t longest = 0;    // of a walk, in steps; 0 for none
         bool walks_by_input = false;
         uint32_t rows = 0;
-        uint32_t first_row = NO_ID; // where a walk by the argument begins
-        uint32_t growing = NO_ID;   // the row whose list is its own
-        uint32_t walking = NO_ID;   // the row that is walked
-        uint32_t walked = 0;        // steps since the start
-        uint32_t endless = 0;       // walks
+        uint32_t last = NO_ROW;    // the one that was asked last
+        uint32_t first = NO_ROW;   // where a walk by the argument begins
+        uint32_t growing = NO_ROW; // the one whose list is its own
+        uint32_t walking = NO_ROW;
+        uint32_t walked = 0;  // steps since the start
+        uint32_t endless = 0; // walks
         uint32_t told = 0, refused = 0;
         std::map<uint32_t, uint64_t> refusals{}; // that say nothing else, by status
     };
+
+    static constexpr uint32_t NO_ROW = 0xFFFFFFFF;
+    static constexpr uint32_t NO_PLACE = 0xFFFFFFFF;
 
     shape *find_shape(const kxdpa_request &record);
     uint32_t find_row(const shape &of, uint32_t argument) const;
     uint32_t find_place(const row &in, std::span<const uint8_t> input) const;
     uint32_t add_row(shape &of, uint32_t argument);
+    void note_row(shape &of, uint32_t in);
     steps &own_list(shape &of, uint32_t in);
     void share_list(row &of);
     size_t known_steps(const shape &of, uint32_t in) const;
     bool comes_back(shape &of, uint32_t in, uint32_t place);
-    bool is_asked_in_vain(uint32_t in, uint32_t place);
+    bool is_asked_in_vain(uint32_t in, uint32_t place, const kept_answer &told);
     bool may_ask(shape &of, uint32_t in);
-    void ask(shape &of, uint32_t in, kxdpa_request &record, std::span<const uint8_t> input);
-    void learn(uint32_t in, const kxdpa_request &asked, std::span<const uint8_t> input,
+    void ask(shape &of, uint32_t in, kxdpa_request &record);
+    void learn(const row &in, const kxdpa_request &asked, std::span<const uint8_t> input,
                const driver_answer &told);
     static std::string walk_of(const shape &of);
     void cut_off(const std::string &why);
@@ -140,14 +154,13 @@ private:
     bool over_ = false; // every question is refused
     uint64_t calls_ = 0, requests_ = 0;
     std::vector<shape> shapes_;
-    std::vector<uint16_t> shapes_of_opcode_; // the first of each, see next_shape_
-    std::vector<uint16_t> next_shape_;
+    std::vector<uint16_t> shape_of_opcode_; // the newest one
     std::vector<row> rows_;
-    id_index row_index_, list_index_;
+    content_index<uint32_t> row_index_, list_index_;
     std::vector<steps> lists_;
     size_t list_bytes_ = 0;
     byte_pool inputs_, answers_;
-    uint32_t last_row_ = NO_ID, last_place_ = 0, times_ = 0;
+    uint32_t last_row_ = NO_ROW, last_place_ = 0, times_ = 0;
     exchange told_; // for learning
     std::vector<uint8_t> answer_bytes_;
     std::vector<std::string> cut_;

@@ -1,5 +1,4 @@
-// Things that are kept once, however often they come up, and are known by their number from then
-// on.
+// Bytes that are kept once, however often they come up.
 #ifndef CAPTURE_POOL_H
 #define CAPTURE_POOL_H
 
@@ -10,80 +9,102 @@
 #include <span>
 #include <vector>
 
-constexpr uint32_t NO_ID = 0xFFFFFFFF;
+constexpr uint32_t mix_hash(uint32_t hash, uint32_t word) {
+    hash = (hash ^ word) * 0x9E3779B1;
+    return hash ^ hash >> 15;
+}
 
 uint32_t hash_of(std::span<const uint8_t> bytes);
 
-// Finds numbered things by their content, which it does not hold.
-class id_index {
+// Finds things that somebody else holds by their content. A `handle` is small and stands for one.
+template <typename handle> class content_index {
 public:
-    // The number of the thing with the hash that `is_same(id)` holds for, NO_ID for none.
-    template <typename IsSame> uint32_t find(uint32_t hash, IsSame is_same) const {
+    // The thing with the hash that `is_same(it)` holds for, nullptr for none.
+    template <typename IsSame> const handle *find(uint32_t hash, IsSame is_same) const {
         for (size_t at = hash & mask(); !slots_.empty(); at = (at + 1) & mask()) {
             const slot &candidate = slots_[at];
-            if (candidate.id == NO_ID) {
+            if (!candidate.used) {
                 break;
             }
-            if (candidate.hash == hash && is_same(candidate.id)) {
-                return candidate.id;
+            if (candidate.hash == (hash & HASH_BITS) && is_same(candidate.thing)) {
+                return &candidate.thing;
             }
         }
-        return NO_ID;
+        return nullptr;
     }
     // REQUIRES: it is not there.
-    void insert(uint32_t hash, uint32_t id);
-
+    void insert(uint32_t hash, handle thing) {
+        constexpr size_t LEAST = 64;
+        if (++used_ * 4 > slots_.size() * 3) {
+            std::vector<slot> before(slots_.empty() ? LEAST : slots_.size() * 2);
+            before.swap(slots_);
+            for (const slot &kept : before) {
+                if (kept.used) {
+                    put(kept);
+                }
+            }
+        }
+        put({hash & HASH_BITS, true, thing});
+    }
     size_t bytes() const {
         return slots_.size() * sizeof(slot);
     }
 
 private:
+    static constexpr uint32_t HASH_BITS = 0x7FFFFFFF;
+
     struct slot {
-        uint32_t hash = 0;
-        uint32_t id = NO_ID;
+        uint32_t hash : 31 = 0;
+        bool used : 1 = false;
+        handle thing{};
     };
     size_t mask() const {
         return slots_.size() - 1;
     }
-    void put(const slot &added);
+    void put(const slot &added) {
+        size_t at = added.hash & mask();
+        while (slots_[at].used) {
+            at = (at + 1) & mask();
+        }
+        slots_[at] = added;
+    }
 
-    std::vector<slot> slots_; // a power of two, or none
+    std::vector<slot> slots_; // a power of two below 2^31, or none
     size_t used_ = 0;
 };
 
 class byte_pool {
 public:
-    uint32_t find(std::span<const uint8_t> bytes, uint32_t hash) const {
-        return index_.find(hash, [&](uint32_t id) {
-            const std::span<const uint8_t> kept = at(id);
-            return kept.size() == bytes.size() &&
-                   std::memcmp(kept.data(), bytes.data(), bytes.size()) == 0;
-        });
-    }
-    uint32_t find(std::span<const uint8_t> bytes) const {
+    // Stays where it is.
+    struct item {
+        uint32_t number; // from 0, in the order of coming
+        uint32_t size;
+        const uint8_t *begin() const {
+            return reinterpret_cast<const uint8_t *>(this + 1);
+        }
+        std::span<const uint8_t> bytes() const {
+            return {begin(), size};
+        }
+    };
+
+    // nullptr when it has not come yet.
+    const item *find(std::span<const uint8_t> bytes) const {
         return find(bytes, hash_of(bytes));
     }
-    uint32_t intern(std::span<const uint8_t> bytes);
+    const item *intern(std::span<const uint8_t> bytes);
 
-    std::span<const uint8_t> at(uint32_t id) const {
-        uint32_t size = 0;
-        std::memcpy(&size, items_[id], sizeof size);
-        return {items_[id] + sizeof size, size};
-    }
     size_t bytes() const {
-        return blocks_.size() * BLOCK + large_ + items_.size() * sizeof items_[0] + index_.bytes();
+        return bytes_ + index_.bytes();
     }
 
 private:
-    static constexpr size_t BLOCK = size_t{1} << 14;
+    const item *find(std::span<const uint8_t> bytes, uint32_t hash) const;
 
-    uint8_t *allocate(size_t size);
-
-    std::vector<std::unique_ptr<uint8_t[]>> blocks_;
-    size_t left_ = 0;                    // in the last block
-    size_t large_ = 0;                   // bytes of blocks beyond their usual size
-    std::vector<const uint8_t *> items_; // each its size and its bytes
-    id_index index_;
+    std::vector<std::unique_ptr<uint32_t[]>> blocks_; // each is used from its end
+    size_t left_ = 0;                                 // words in the last one
+    size_t bytes_ = 0;
+    uint32_t items_ = 0;
+    content_index<const item *> index_;
 };
 
 #endif

@@ -36,11 +36,14 @@ struct answer_head {
 
 // So many times in a row the same answer.
 struct run {
-    uint32_t answer;
+    const byte_pool::item *answer;
     uint32_t times;
 };
 
-using runs = std::vector<run>;
+struct recorded_question {
+    const byte_pool::item *asked;
+    std::vector<run> runs;
+};
 
 template <typename Head>
 std::vector<uint8_t> with_head(const Head &head, std::span<const uint8_t> bytes) {
@@ -58,10 +61,8 @@ public:
 
     int call(kxdpa_request &record) override {
         const kxdpa_request asked = record;
-        const auto input = input_of(asked);
-        const std::vector<uint8_t> question =
-            with_head(question_head{asked.opcode, asked.arg, input ? 1U : 0U},
-                      input.value_or(std::span<const uint8_t>()));
+        const std::vector<uint8_t> question = with_head(
+            question_head{asked.opcode, asked.arg, has_input(asked) ? 1U : 0U}, input_of(asked));
         driver_answer told = ask_driver(record);
         told.returned = odd_length(asked, told);
         if (questions_.bytes() + answers_.bytes() + run_bytes_ < BYTES_LIMIT) {
@@ -82,24 +83,24 @@ public:
     // None for more than a file holds.
     std::vector<override_rule> rules() {
         std::vector<override_rule> rules;
-        for (uint32_t id = 0; id < recorded_.size() && !too_large_; id++) {
-            add_rules(id, rules);
-            too_large_ = rules.size() > RULES_LIMIT;
+        for (const recorded_question &recorded : recorded_) {
+            add_rules(recorded, rules);
+            too_large_ |= rules.size() > RULES_LIMIT;
         }
         return too_large_ ? std::vector<override_rule>() : rules;
     }
 
 private:
     void keep(std::span<const uint8_t> question, const driver_answer &told) {
-        const uint32_t id = questions_.intern(question);
-        if (id == recorded_.size()) {
-            recorded_.emplace_back();
+        const byte_pool::item *asked = questions_.intern(question);
+        if (asked->number == recorded_.size()) {
+            recorded_.push_back({asked, {}});
         }
-        const uint32_t answer = answers_.intern(
+        const byte_pool::item *answer = answers_.intern(
             with_head(answer_head{told.error, told.status, told.reply ? 1U : 0U,
                                   told.returned ? 1U : 0U, told.returned.value_or(0)},
                       told.reply.value_or(std::span<const uint8_t>())));
-        runs &so_far = recorded_[id];
+        std::vector<run> &so_far = recorded_[asked->number].runs;
         if (!so_far.empty() && so_far.back().answer == answer) {
             so_far.back().times++;
         } else {
@@ -108,53 +109,48 @@ private:
         }
     }
 
-    void add_rules(uint32_t id, std::vector<override_rule> &rules) const {
-        const runs &recorded = recorded_[id];
-        std::map<uint32_t, uint64_t> times;
-        for (const auto &[answer, count] : recorded) {
+    static void add_rules(const recorded_question &recorded, std::vector<override_rule> &rules) {
+        std::map<const byte_pool::item *, uint64_t> times;
+        for (const auto &[answer, count] : recorded.runs) {
             times[answer] += count;
         }
         // Of answers that came equally often the one that came first.
-        uint32_t usual = recorded.front().answer;
-        for (const auto &[answer, count] : recorded) {
+        const byte_pool::item *usual = recorded.runs.front().answer;
+        for (const auto &[answer, count] : recorded.runs) {
             usual = times[answer] > times[usual] ? answer : usual;
         }
         uint32_t time = 0;
-        for (const auto &[answer, count] : recorded) {
+        for (const auto &[answer, count] : recorded.runs) {
             for (uint32_t i = 0; i < count && answer != usual && rules.size() <= RULES_LIMIT; i++) {
-                rules.push_back(rule_of(id, answer));
+                rules.push_back(rule_of(*recorded.asked, *answer));
                 rules.back().only_time = time + i + 1;
             }
             time += count;
         }
-        rules.push_back(rule_of(id, usual));
+        rules.push_back(rule_of(*recorded.asked, *usual));
     }
 
-    override_rule rule_of(uint32_t id, uint32_t answer) const {
-        std::optional<std::span<const uint8_t>> input;
-        question_head question{};
-        std::memcpy(&question, questions_.at(id).data(), sizeof question);
-        if (question.has_input != 0) {
-            input = questions_.at(id).subspan(sizeof question);
-        }
+    static override_rule rule_of(const byte_pool::item &question, const byte_pool::item &answer) {
+        question_head asked{};
+        std::memcpy(&asked, question.begin(), sizeof asked);
         answer_head head{};
-        const std::span<const uint8_t> bytes = answers_.at(answer);
-        std::memcpy(&head, bytes.data(), sizeof head);
+        std::memcpy(&head, answer.begin(), sizeof head);
         driver_answer told = {.error = head.error, .status = head.status};
         if (head.has_reply != 0) {
-            told.reply = bytes.subspan(sizeof head);
+            told.reply = answer.bytes().subspan(sizeof head);
         }
         if (head.has_returned != 0) {
             told.returned = head.returned;
         }
-        kxdpa_request asked{};
-        asked.opcode = static_cast<uint16_t>(question.opcode);
-        asked.arg = question.argument;
-        return rule_for(asked, input, told);
+        kxdpa_request request{};
+        request.opcode = static_cast<uint16_t>(asked.opcode);
+        request.arg = asked.argument;
+        const auto input = question.bytes().subspan(sizeof asked);
+        return rule_for(request, asked.has_input != 0 ? std::optional(input) : std::nullopt, told);
     }
 
     byte_pool questions_, answers_;
-    std::vector<runs> recorded_; // by question
+    std::vector<recorded_question> recorded_; // by number
     size_t run_bytes_ = 0;
     bool too_large_ = false;
     const volatile int *interrupted_;
