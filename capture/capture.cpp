@@ -47,6 +47,18 @@ void ask_whole_texts(const driver_memory &memory, host &described) {
     }
 }
 
+bool is_always_refused(const driver_memory &memory, kxdpa_opcode opcode) {
+    bool refused = false, told = false;
+    memory.each_row(
+        [&](const remembered_row &row) {
+            for (const remembered_step &step : row.steps) {
+                (step.told().status == KXDPA_STATUS_SUCCESS ? told : refused) = true;
+            }
+        },
+        opcode);
+    return refused && !told;
+}
+
 // What is refused throughout is told as that, and not thing by thing.
 void settle(const driver_memory &memory, host &described) {
     const std::map<uint32_t, uint64_t> refusals = memory.refusals();
@@ -58,10 +70,10 @@ void settle(const driver_memory &memory, host &described) {
             described.refusal_status = status;
         }
     }
-    if (memory.is_always_refused(KXDPA_OP_PORT_STATISTICS)) {
+    if (is_always_refused(memory, KXDPA_OP_PORT_STATISTICS)) {
         described.counters.traffic.clear();
     }
-    if (memory.is_always_refused(KXDPA_OP_DROP_COUNTERS)) {
+    if (is_always_refused(memory, KXDPA_OP_DROP_COUNTERS)) {
         described.counters.drops.clear();
     }
     settle_drops(described, stranger_to(described));

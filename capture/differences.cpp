@@ -63,16 +63,6 @@ private:
     exchange ours_, theirs_;
 };
 
-// The status of an answer that says nothing else.
-std::optional<uint32_t> plain_refusal(const remembered_row &row, const remembered_step &step) {
-    const kept_answer &told = step.told();
-    kxdpa_request record = row.request;
-    const reply_place to = reply_place_of(record);
-    const bool plain = told.status != KXDPA_STATUS_SUCCESS && told.replied == 0 &&
-                       (to.returned == nullptr || *to.returned == told.returned);
-    return plain ? std::optional(told.status) : std::nullopt;
-}
-
 override_rule rule_of(const remembered_row &row, const remembered_step &step) {
     const kept_answer &told = step.told();
     kxdpa_request asked = row.request;
@@ -126,7 +116,7 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
                std::vector<override_rule> &rules) {
     std::map<uint32_t, size_t> refusals;
     for (const remembered_step &step : open) {
-        if (const auto status = plain_refusal(row, step)) {
+        if (const auto status = row.refusal(step)) {
             refusals[*status]++;
         }
     }
@@ -137,7 +127,7 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
         }
     }
     for (const remembered_step &step : alike ? row.steps : std::span(open)) {
-        if (!alike || plain_refusal(row, step) != alike) {
+        if (!alike || row.refusal(step) != alike) {
             rules.push_back(rule_of(row, step));
         }
     }
@@ -187,9 +177,8 @@ std::vector<override_rule> differences(const driver_memory &memory, host &descri
         }
         std::vector<remembered_step> open;
         for (const remembered_step &step : row.steps) {
-            const bool is_answered = tally.refused_alike
-                                         ? plain_refusal(row, step) == tally.refused_alike
-                                         : compared.is_alike(row, step);
+            const bool is_answered = tally.refused_alike ? row.refusal(step) == tally.refused_alike
+                                                         : compared.is_alike(row, step);
             if (!is_answered) {
                 open.push_back(step);
             }

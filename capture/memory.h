@@ -5,12 +5,8 @@
 // view of the host. A question is the opcode, the flags, the argument, what buffer 1 carries and
 // the capacities. What does more than read is not asked: it succeeds, and that is all.
 //
-// A large host has many millions of questions, and most of them are the same ones about another
-// port. So the questions of an opcode and argument are a list of inputs and answers, each known by
-// its number, and equal lists are kept once.
-//
-// Nothing is endless, whatever the driver answers: once a limit is met, every question is refused,
-// which ends every walk.
+// Nothing is endless, whatever the driver answers: a walk is cut where it comes back to where it
+// was or is longer than any table, and once another limit is met every question is refused.
 #ifndef CAPTURE_MEMORY_H
 #define CAPTURE_MEMORY_H
 
@@ -21,39 +17,40 @@
 #include "sim/exchange.h"
 
 #include <chrono>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
 
-// An answer as it is kept, in front of its reply: what stands in the buffers afterwards, as far as
-// it is not zeros.
+// An answer as it is kept, before its reply: what stands in the buffers afterwards, as far as it is
+// not zeros.
 struct kept_answer {
     uint32_t status;
     uint32_t returned; // the capacity word, 0 where there is none
     uint32_t replied;  // 0 where the driver has left the buffers alone
-    uint32_t size;     // of the reply, in bytes
 };
 
-// A question of a row and its answer.
 struct remembered_step {
     const byte_pool::item *asked;
     const byte_pool::item *answered;
 
     std::span<const uint8_t> input() const {
-        return asked->bytes();
+        return bytes_of(*asked);
     }
     const kept_answer &told() const {
-        return *reinterpret_cast<const kept_answer *>(answered->begin());
+        return *reinterpret_cast<const kept_answer *>(answered->first.data());
     }
     std::span<const uint8_t> reply() const {
-        return {answered->begin() + sizeof(kept_answer), told().size};
+        return bytes_of(*answered).subspan(sizeof(kept_answer));
     }
-    bool operator==(const remembered_step &) const = default;
+    auto operator<=>(const remembered_step &) const = default;
 };
 
 // The questions of an opcode and argument, in the order in which they came up.
@@ -61,6 +58,9 @@ struct remembered_row {
     const answer &form;
     kxdpa_request request; // its buffers are the first asker's
     std::span<const remembered_step> steps;
+
+    // The status of an answer that says nothing else.
+    std::optional<uint32_t> refusal(const remembered_step &step) const;
 };
 
 class driver_memory : public call_listener {
@@ -79,91 +79,82 @@ public:
 
     int call(kxdpa_request &record) override;
 
-    // What has been asked so far, of one opcode or opcode by opcode.
+    // What has been asked so far, opcode by opcode, or of one opcode. Where an opcode and argument
+    // was asked in several forms, that is what the first one asked: a rule cannot tell them apart.
     void each_row(const std::function<void(const remembered_row &)> &visit,
                   std::optional<uint16_t> opcode = {}) const;
     // How often each status came that nothing was told with, of one opcode or of all.
     std::map<uint32_t, uint64_t> refusals(std::optional<uint16_t> opcode = {}) const;
-    // True when an opcode was asked and refused throughout.
-    bool is_always_refused(kxdpa_opcode opcode) const;
     std::vector<refused_opcode> refused() const; // ends of walks aside
     // Why questions were refused that the driver never saw; empty when none were.
     const std::vector<std::string> &cut() const {
         return cut_;
     }
-    // Take the progress line away.
-    void end_progress();
 
 private:
+    // Most questions of a large host are the same ones about another port, so equal lists of
+    // questions and answers are kept once.
     using steps = std::vector<remembered_step>;
 
     // The questions of a form and argument.
     struct row {
         const answer *form;
         uint32_t argument;
-        uint16_t shape;
-        bool rises;              // the numbers of the inputs do, in their order
-        uint32_t list;           // of all lists
-        uint32_t place = 0;      // in it, of the last question
-        uint32_t next = NO_ROW;  // what was asked after it, of the same shape
+        const steps *list = nullptr;
+        bool rises = true;   // the numbers of the inputs do, in their order
+        uint32_t place = 0;  // in the list, of the last question
+        row *next = nullptr; // what was asked after it the last time, of the same shape
     };
 
     // The questions that are alike but for argument and input.
     struct shape {
         kxdpa_request request;
         uint16_t number;
-        uint16_t older;          // of the same opcode
-        uint32_t longest = 0;    // of a walk, in steps; 0 for none
+        shape *older;         // of the same opcode
+        uint32_t longest = 0; // of a walk, in steps; 0 for none
         bool walks_by_input = false;
         uint32_t rows = 0;
-        uint32_t last = NO_ROW;    // the one that was asked last
-        uint32_t first = NO_ROW;   // where a walk by the argument begins
-        uint32_t growing = NO_ROW; // the one whose list is its own
-        uint32_t walking = NO_ROW;
-        uint32_t walked = 0;  // steps since the start
-        uint32_t endless = 0; // walks
-        uint32_t told = 0, refused = 0;
-        std::map<uint32_t, uint64_t> refusals{}; // that say nothing else, by status
+        row *first = nullptr; // where a walk by the argument begins
+        row *last = nullptr;  // the one that was asked last
+        uint32_t walked = 0;  // steps since a walk's start
+        row *growing = nullptr;
+        steps own{}; // the growing one's list
     };
 
-    static constexpr uint32_t NO_ROW = 0xFFFFFFFF;
-    static constexpr uint32_t NO_PLACE = 0xFFFFFFFF;
+    struct row_key {
+        uint16_t opcode;
+        uint32_t argument;
+        uint16_t shape;
+        auto operator<=>(const row_key &) const = default;
+    };
 
     shape *find_shape(const kxdpa_request &record);
-    uint32_t find_row(const shape &of, uint32_t argument) const;
-    uint32_t find_place(const row &in, std::span<const uint8_t> input) const;
-    uint32_t add_row(shape &of, uint32_t argument);
-    void note_row(shape &of, uint32_t in);
-    steps &own_list(shape &of, uint32_t in);
-    void share_list(row &of);
-    size_t known_steps(const shape &of, uint32_t in) const;
-    bool comes_back(shape &of, uint32_t in, uint32_t place);
-    bool is_asked_in_vain(uint32_t in, uint32_t place, const kept_answer &told);
-    bool may_ask(shape &of, uint32_t in);
-    void ask(shape &of, uint32_t in, kxdpa_request &record);
-    void learn(const row &in, const kxdpa_request &asked, std::span<const uint8_t> input,
-               const driver_answer &told);
-    static std::string walk_of(const shape &of);
+    row *find_row(shape &of, uint32_t argument);
+    row &add_row(shape &of, uint32_t argument);
+    uint32_t find_place(const row &in, std::span<const uint8_t> input);
+    bool comes_back(shape &of, const row &in, uint32_t place);
+    bool may_ask(const shape &of, const row *in);
+    void ask(shape &of, row &in, kxdpa_request &record);
+    void learn(const shape &of, const row &in, const kxdpa_request &asked,
+               std::span<const uint8_t> input, const driver_answer &told);
     void cut_off(const std::string &why);
+    void end(const std::string &why);
     void look_around();
-    size_t bytes() const;
 
     host &learnt_;
     bool (*is_wanted_)();
     bool shows_progress_;
     bool over_ = false; // every question is refused
     uint64_t calls_ = 0, requests_ = 0;
-    std::vector<shape> shapes_;
-    std::vector<uint16_t> shape_of_opcode_; // the newest one
-    std::vector<row> rows_;
-    content_index<uint32_t> row_index_, list_index_;
-    std::vector<steps> lists_;
+    std::vector<std::string> cut_;
+    std::vector<shape *> shape_of_opcode_; // the newest of each
+    std::deque<shape> shapes_;
+    std::map<row_key, row> rows_;
+    std::set<steps> lists_;
     size_t list_bytes_ = 0;
     byte_pool inputs_, answers_;
-    uint32_t last_row_ = NO_ROW, last_place_ = 0, times_ = 0;
-    exchange told_; // for learning
+    exchange told_; // what is being learnt from
     std::vector<uint8_t> answer_bytes_;
-    std::vector<std::string> cut_;
     std::string asking_, progress_;
     std::chrono::steady_clock::time_point next_progress_;
 };

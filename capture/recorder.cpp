@@ -93,14 +93,14 @@ public:
 private:
     void keep(std::span<const uint8_t> question, const driver_answer &told) {
         const byte_pool::item *asked = questions_.intern(question);
-        if (asked->number == recorded_.size()) {
+        if (asked->second == recorded_.size()) {
             recorded_.push_back({asked, {}});
         }
         const byte_pool::item *answer = answers_.intern(
             with_head(answer_head{told.error, told.status, told.reply ? 1U : 0U,
                                   told.returned ? 1U : 0U, told.returned.value_or(0)},
                       told.reply.value_or(std::span<const uint8_t>())));
-        std::vector<run> &so_far = recorded_[asked->number].runs;
+        std::vector<run> &so_far = recorded_[asked->second].runs;
         if (!so_far.empty() && so_far.back().answer == answer) {
             so_far.back().times++;
         } else {
@@ -132,12 +132,12 @@ private:
 
     static override_rule rule_of(const byte_pool::item &question, const byte_pool::item &answer) {
         question_head asked{};
-        std::memcpy(&asked, question.begin(), sizeof asked);
+        std::memcpy(&asked, question.first.data(), sizeof asked);
         answer_head head{};
-        std::memcpy(&head, answer.begin(), sizeof head);
+        std::memcpy(&head, answer.first.data(), sizeof head);
         driver_answer told = {.error = head.error, .status = head.status};
         if (head.has_reply != 0) {
-            told.reply = answer.bytes().subspan(sizeof head);
+            told.reply = bytes_of(answer).subspan(sizeof head);
         }
         if (head.has_returned != 0) {
             told.returned = head.returned;
@@ -145,7 +145,7 @@ private:
         kxdpa_request request{};
         request.opcode = static_cast<uint16_t>(asked.opcode);
         request.arg = asked.argument;
-        const auto input = question.bytes().subspan(sizeof asked);
+        const auto input = bytes_of(question).subspan(sizeof asked);
         return rule_for(request, asked.has_input != 0 ? std::optional(input) : std::nullopt, told);
     }
 
