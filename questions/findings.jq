@@ -30,11 +30,11 @@ def pinned_to($leaf): if .mode == "virtual" and (($leaf | not) or .leaf_sub_grou
 # The VLANs of a port on which it forwards and on which it is blocked, as "show port vlans" has them. $by_vlan
 # are the bridge domains by VLAN, null where they are not known.
 def with_forwarding($leaf; $by_vlan):
-    .forwards = (if .vlan_mode | not then if .forwarding then .vlans else [] end
-        elif $leaf and (.mode == "uplink" or .mode == "leaf") then .vlans
-        elif $by_vlan then .forwards_on | only($by_vlan) else .forwards_on end)
-    | .blocked = (if .vlans == .forwards then [] else (.forwards | set) as $forwards | .vlans | without($forwards) end)
-    | .does_forward = (.forwards != [] or (.blocked == [] and .forwarding));
+    (if .vlan_mode | not then if .forwarding then .vlans else [] end
+     elif $leaf and (.mode == "uplink" or .mode == "leaf") then .vlans
+     elif $by_vlan then .forwards_on | only($by_vlan) else .forwards_on end) as $forwards
+    | (if .vlans == $forwards then [] else ($forwards | set) as $set | .vlans | without($set) end) as $blocked
+    | . + {$forwards, $blocked, does_forward: ($forwards != [] or ($blocked == [] and .forwarding))};
 
 def indexed:
     (.card.leaf_mode? | flag) as $leaf
@@ -62,7 +62,7 @@ def indexed:
         addresses: (reduce (.l2?.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | .domain = $domain) as $entry
             ({}; .[$entry.ltl | number | tostring] += [$entry | {mac, drop, domain}])),
         drops: (reduce drops as $drops ({}; .[$drops.ltl | tostring] = $drops.stages)),
-        traffic: (reduce traffic as $traffic ({}; .[$traffic.ltl | tostring] = $traffic))
+        traffic: (reduce traffic_of($ports[]) as $traffic ({}; .[$traffic.ltl | tostring] = $traffic))
       }
     # What a port can go out through.
     | . as $host
@@ -166,7 +166,8 @@ def lacp_findings($h):
 
 def address_findings($h):
     $h.addresses[.ltl | tostring] as $addresses
-    | (if $addresses == null and $h.knows_addresses and is_up and .does_forward and .port_channel == 0
+    | (if $addresses == null and $h.knows_addresses and is_up and .port_channel == 0
+           and (.forwards != [] or .segment != 0 and .forwarding)
        then ([$h.by_vlan[.forwards[0] | tostring], $h.by_segment[.segment | tostring] | select(.)][0]
             | if . then address_command else "show l2 all" end) as $command
             | finding("no-address"; "has no address behind it"; $command)

@@ -44,7 +44,7 @@ ask({found: 0, nothing: 0};
       def of_acls($key): .acls[]? | {labels: ($host + {id, name: (.name // "")}), value: (.[$key] | number)};
 
       gauge("capture_timestamp_seconds"; "seconds"; "When the capture began."; {labels: $host, value: capture_time}),
-      gauge("card_info"; ""; "The card and its versions; always 1."; of_card("name"; 1)
+      gauge("card_info"; ""; "The card and its versions; always 1."; of_card("versions"; 1)
         | .labels += ($file.card // {} | {card: (.name // ""), hmx: (.versions.hmx? // ""), krt: (.versions.krt? // "")})),
       gauge("card_heartbeat"; ""; "1 with a heartbeat from the KRT."; of_card("heartbeat"; number)),
       gauge("card_agent_up"; ""; "1 when the user-space agent is up."; of_card("dpa_up"; one)),

@@ -104,22 +104,24 @@ def is_up: .admin == "up" and .link == "up";
 def view:
     def up_or_down: if . == "up" then "up" else "down" end;
     def sub_group: if . == null or . == "none" then null else number | if rounded <= 31 then . else null end end;
-    .known |= (. != false)
-    | .interface |= (if . == null then "" else tostring end)
-    | (if .interface_name != null then .interface = .interface_name else . end)
-    | .name |= (. // "") | .device |= (. // "")
-    | .admin |= up_or_down | .link |= up_or_down | .forwarding |= flag
-    | .mode |= (. // "none") | .vlan_mode |= (. == true)
-    | .has_vlans = (.vlans != null or (has("vlans") | not))
-    | .vlans |= numbers | .forwards_on |= numbers
-    | .error |= (. // "none") | .port_channel |= number
-    | .sub_group_a |= sub_group | .sub_group_b |= sub_group | .leaf_sub_group |= (. == true or . == 1)
-    | .segment |= number | .vxlan |= flag | .vmotion |= flag | .l3_service |= flag
-    | .leaf_block |= (. // "none") | .leaf_wait |= (. // "none");
+    # One object: jq takes its time over each key that is assigned by itself.
+    . + {
+        known: (.known != false),
+        interface: (.interface_name // .interface // "" | tostring), name: (.name // ""), device: (.device // ""),
+        admin: (.admin | up_or_down), link: (.link | up_or_down), forwarding: (.forwarding | flag),
+        mode: (.mode // "none"), vlan_mode: (.vlan_mode == true), error: (.error // "none"),
+        has_vlans: (.vlans != null or (has("vlans") | not)),
+        vlans: (.vlans | numbers), forwards_on: (.forwards_on | numbers),
+        port_channel: (.port_channel | number), segment: (.segment | number),
+        sub_group_a: (.sub_group_a | sub_group), sub_group_b: (.sub_group_b | sub_group),
+        leaf_sub_group: (.leaf_sub_group | . == true or . == 1),
+        vxlan: (.vxlan | flag), vmotion: (.vmotion | flag), l3_service: (.l3_service | flag),
+        leaf_block: (.leaf_block // "none"), leaf_wait: (.leaf_wait // "none")
+    };
 
 # The ports of a host, in the order of their LTLs, in the HMX's own view. `known` is false for one that this
 # view has no record of. `krt` and `system` are what those views have, null where that is nothing of their own.
-def ports: [.ports[]? | .ltl |= number] | sort_by(.ltl)[] | view;
+def ports: [.ports[]? | . + {ltl: (.ltl | number)}] | sort_by(.ltl)[] | view;
 
 # An entry that nothing was ever configured on, which the displays leave out.
 def is_empty: .may_be_empty == true and (.vlan_mode or .mode != "virtual" or .admin == "up" or .link == "up"
@@ -142,11 +144,12 @@ def title: if .name == "" and .interface == "" then name else "\(name) (LTL \(.l
 # --- Bridge domains ---
 
 def bridge_domain_record:
-    .index |= number | .vlan |= number | .known |= (. != false)
-    | .kind = (.kind // if .segment != null then "segment" else "vlan" end)
-    | .native |= (. == null or flag) | .name |= (. // "")
-    | (if .segment != null then .segment |= number else . end)
-    | .has_members = (.members != null or (has("members") | not)) | .members |= numbers;
+    . + {
+        index: (.index | number), known: (.known != false), name: (.name // ""), vlan: (.vlan | number),
+        segment: (if .segment == null then null else .segment | number end),
+        kind: (.kind // if .segment != null then "segment" else "vlan" end), native: (.native == null or (.native | flag)),
+        has_members: (.members != null or (has("members") | not)), members: (.members | numbers)
+    };
 
 # The bridge domains, in the order of their indexes. `has_members` is false where the driver refuses them.
 def bridge_domains: [.bridge_domains[]?] | map(bridge_domain_record) | sort_by(.index)[];
@@ -171,14 +174,15 @@ def network: if .kind == "segment" then "segment \(.segment)" elif .vlan != 0 th
 def traffic_counters: ["received", "received_bytes", "sent", "sent_bytes", "transmit_floods", "receive_drops",
     "transmit_drops"];
 
-# The traffic of the ports, as "show stats" goes through them: {ltl, port, and a number for each counter}.
-# One that the driver refuses is left out.
-def traffic:
+# The traffic of ports, as "show stats" goes through them: {ltl, port, and a number for each counter}. One that the
+# driver refuses is left out.
+def traffic_of(ports):
     (reduce .traffic[]? as $traffic ({}; .[$traffic.ltl | number | tostring] = $traffic)) as $by_ltl
-    | ports | select(.ltl > 0) | . as $port
-    | ($by_ltl[.ltl | tostring] // {}) | select(.known != false)
+    | ports | select(.ltl > 0)
+    | . as $port | $by_ltl[.ltl | tostring] | select(.known != false)
     | . as $counted
-    | reduce traffic_counters[] as $counter ({ltl: $port.ltl, port: $port}; .[$counter] = ($counted[$counter] | number));
+    | reduce traffic_counters[] as $counter ({ltl: $port.ltl, $port}; .[$counter] = ($counted[$counter] | number));
+def traffic: traffic_of(ports);
 
 # The stages that are shown, {key, name}: `key` is what the drops at it stand under.
 def stages:

@@ -9,13 +9,24 @@ def hex: [(. / 16 | floor), . % 16] | map("0123456789abcdef"[.:. + 1]) | add;
 
 def port($name): .ports[] | select(.name == $name);
 
-# Everything that is enabled works.
+# The port's own address behind it, in the first of its networks.
+def learn($port):
+    (.bridge_domains[] | select(if $port.segment then .segment == $port.segment
+                                else "\(.vlan)" == ($port.vlans | split(",")[0]) end).index) as $domain
+    | .l2.tables |= if any(.[]; .bridge_domain == $domain) then . else . + [{bridge_domain: $domain, entries: []}] end
+    | (.l2.tables[] | select(.bridge_domain == $domain).entries) += [{mac: $port.mac, ltl: $port.ltl, static: true}];
+
+# Everything works, and nothing has been dropped, denied or forgotten.
 def healed:
     del(.agent) # there is room for one on a machine
-    | del(.ports[].error, .ports[].krt)
+    | del(.ports[].error, .ports[].krt, .drops, .multicast_drops, .flood_drops, .l2.rejected, .l2.tables[].entries[].drop,
+        .heaps[].denied, .heaps[].bad_redzones, .traffic[].receive_drops, .traffic[].transmit_drops)
     | port("firewall.eth0").vlans = "10,20,30"
-    | (.ports[] | select(.admin == "up")) |= (.link = "up" | .forwarding = true
-        | if .vlans then .forwards_on = .vlans else . end);
+    | (.bridge_domains[] | select(.vlan == 30)).members += ",68"
+    | (.ports[] | select(.ltl >= 18 and .name != null)) |= (.admin = "up" | .link = "up" | .forwarding = true
+        | if .vlans then .forwards_on = .vlans else . end)
+    | reduce (.ports[] | select(.name | IN("vmk1", "web-4.eth0", "router.eth0", "firewall.eth0", "red-2.eth0", "template.eth0")))
+        as $port (.; learn($port));
 
 # The machines of this host, apart from those of the others.
 def with_number($number):
