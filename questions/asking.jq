@@ -7,13 +7,20 @@ def nothing: "Nothing found";
 # Ends a question about a capture that cannot answer it.
 def cannot_answer($why): error({complaint: $why});
 
+# Whether a JSON value can be a host file at all; what its lists hold shows when it is used.
+def is_host:
+    type == "object"
+    and all(.card, .l2, .lacp, .capture; . == null or type == "object")
+    and all(.heaps, .memory_pools, .bridge_domains, .ports, .port_channels, .acls, .traffic, .stages, .drops;
+        . == null or type == "array");
+
 # Print the lines of each capture, with its name in front where names are wanted, and end with an exit value: that
-# of $exits.found when there was a line other than `nothing`, else that of $exits.nothing; 2 when a capture could
+# of $exits.found when a line began otherwise than with `nothing`, else that of $exits.nothing; 2 when a capture could
 # not answer. Where no capture has a line, all have those of `otherwise`. The input of both is the capture, or the
 # list of two.
 def ask($exits; lines; otherwise):
     def answer: split("\t") | .[0] as $name | .[1:]
-        | try ([.[] | fromjson | if type == "object" or . == null then . else error("no object") end]
+        | try ([.[] | fromjson | if . == null or is_host then . else error("no host file") end]
                | if length == 1 then .[0] else . end
                | {lines: [lines], otherwise: [otherwise]})
           catch {complaint: "tarnask: \($name | text): \(.complaint? // "is no host file; tarnlab --check tells more")\n"}
@@ -21,7 +28,7 @@ def ask($exits; lines; otherwise):
     foreach (inputs, null) as $line ({found: false, complaints: "", unheard: []};
         (if $line == null then {lines: .unheard} else $line | answer end) as $answer
         | .lines = $answer.lines
-        | .found = (.found or any(.lines[].line; . != nothing))
+        | .found = (.found or any(.lines[].line; startswith(nothing) | not))
         | .complaints += ($answer.complaint // "")
         | .answered = (.answered or .lines != [])
         | .unheard = if .answered then [] else .unheard + ($answer.otherwise // []) end;

@@ -1,4 +1,5 @@
-# Which ports are err-disabled, and by what? Those that "show port" gives a cause for.
+# Which ports are err-disabled, and by what? Those that "show port" gives a cause for: in leaf mode what blocks them
+# or what they wait for. An err-disable code that has no name, and an empty column there, is told as its number.
 #
 #     tarnask errors [FILE...]
 #
@@ -9,5 +10,5 @@ include "asking" {search: "./"};
 
 ask({found: 1, nothing: 0};
     (.card.leaf_mode? | flag) as $leaf
-    | shown_ports | error_cause($leaf) as $cause | select($cause) | "\(title): \($cause | text)";
+    | shown_ports | (if $leaf then leaf_cause else error_cause($leaf) end) as $cause | select($cause) | "\(title): \($cause | text)";
     nothing)

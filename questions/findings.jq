@@ -37,7 +37,7 @@ def with_forwarding($leaf; $by_vlan):
     | . + {$forwards, $blocked, does_forward: ($forwards != [] or ($blocked == [] and .forwarding))};
 
 def indexed:
-    (.card.leaf_mode? | flag) as $leaf
+    (.card.leaf_mode | flag) as $leaf
     | [bridge_domains | select(.known) | .has_member = (.members | set)] as $domains
     # No segment that VXLAN carries: "show port vlans" does not look at it either.
     | (reduce ($domains[] | select(.kind != "segment" or .native)) as $domain
@@ -53,17 +53,20 @@ def indexed:
             ({}; .[$domain.segment | tostring] //= $domain)),
         by_index: (reduce $domains[] as $domain ({}; .[$domain.index | tostring] = $domain)),
         ports: (reduce $ports[] as $port ({}; .[$port.ltl | tostring] = $port)),
-        members: (reduce (.port_channels[]? | .ltl |= number) as $channel
-            ({}; .[$channel.ltl | tostring] = [$channel.members[]?.ltl | number])),
+        # As "show pc" lists them; where that was not asked for, as the ports say.
+        members: (reduce (if is_known("port_channels") then .port_channels[]? | {channel: .ltl, ltl: .members[]?.ltl}
+                          else $ports[] | select(.port_channel != 0) | {channel: .port_channel, ltl} end) as $member
+            ({}; .[$member.channel | number | tostring] += [$member.ltl | number])),
         lacp: (if .port_channel_mode | . == "lacp-active" or . == "lacp-passive" then .lacp else null end),
         pinned: (reduce ($ports[] | select(.known) | pinned_to($leaf) | select(. != null)) as $group
             ({}; .[$group | tostring] += 1)),
         # Of each port, [{mac, drop, domain}].
-        addresses: (reduce (.l2?.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | .domain = $domain) as $entry
+        addresses: (reduce (.l2.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | .domain = $domain) as $entry
             ({}; .[$entry.ltl | number | tostring] += [$entry | {mac, drop, domain}])),
         drops: (reduce drops as $drops ({}; .[$drops.ltl | tostring] = $drops.stages)),
         traffic: (reduce traffic_of($ports[]) as $traffic ({}; .[$traffic.ltl | tostring] = $traffic))
       }
+    | .member_of = (reduce (.members | to_entries[] | {key, ltl: .value[]}) as $member ({}; .[$member.ltl | tostring] = $member.key))
     # What a port can go out through.
     | . as $host
     | [$ports[] | select(.known and (is_empty | not) and (is_uplink or (is_port_channel and ($host.members[.ltl | tostring] // []) != [])))
@@ -90,12 +93,18 @@ def finding($word; $text; $command): finding($word; $text; null; $command);
 # Why "show port" says BLK; null where it says something else or gives no cause.
 def error_cause($leaf): if .forwarding or .vlan_mode or $leaf or .error == "none" then null else .error end;
 
-def leaf_findings:
-    if .leaf_block == "bpdu" then finding("leaf-blocked"; "is blocked, since a BPDU came in"; "show port")
-    elif .leaf_block == "zero-mac" then finding("leaf-blocked"; "is blocked, since its MAC address is zero"; "show port")
-    elif .leaf_wait == "ack" then finding("leaf-wait"; "waits for an acknowledgement"; "show port")
-    elif .leaf_wait == "policy" then finding("leaf-wait"; "waits for the policy of its endpoint group"; "show port")
-    else finding("not-forwarding"; "does not forward"; "show port") end;
+# The same of a port in leaf mode.
+def leaf_cause:
+    if .forwarding or .vlan_mode then null
+    elif .leaf_block == "bpdu" or .leaf_block == "zero-mac" then .leaf_block
+    elif .leaf_wait == "ack" or .leaf_wait == "policy" then .leaf_wait
+    else null end;
+
+# And in the words of an operator.
+def leaf_state:
+    {bpdu: ["leaf-blocked", "is blocked, since a BPDU came in"], "zero-mac": ["leaf-blocked", "is blocked, since its MAC address is zero"],
+     ack: ["leaf-wait", "waits for an acknowledgement"], policy: ["leaf-wait", "waits for the policy of its endpoint group"]}[leaf_cause // "none"]
+    // ["not-forwarding", "does not forward"];
 
 # Whether it works at all: the first obstacle alone, since the others follow from it. $usable are those of its
 # VLANs that the host has bridge domains for.
@@ -112,7 +121,7 @@ def state_findings($h; $usable):
     elif .vlan_mode then
         if .vlans != [] and $usable == [] then empty # told as what its VLANs lack
         else finding("not-forwarding"; "forwards on no VLAN\(if .error == "none" then "" else " (its record says: \(.error))" end)"; "show port vlans") end
-    elif $h.leaf then leaf_findings
+    elif $h.leaf then leaf_state as [$word, $text] | finding($word; $text; "show port")
     elif .vlans != [] and $usable == [] then empty
     else finding("not-forwarding"; "does not forward"; "show port") end;
 
@@ -166,7 +175,7 @@ def lacp_findings($h):
 
 def address_findings($h):
     $h.addresses[.ltl | tostring] as $addresses
-    | (if $addresses == null and $h.knows_addresses and is_up and .port_channel == 0
+    | (if $addresses == null and $h.knows_addresses and is_up and .port_channel == 0 and $h.member_of[.ltl | tostring] == null
            and (.forwards != [] or .segment != 0 and .forwarding)
        then ([$h.by_vlan[.forwards[0] | tostring], $h.by_segment[.segment | tostring] | select(.)][0]
             | if . then address_command else "show l2 all" end) as $command
@@ -198,31 +207,31 @@ def krt_findings:
         | (map(if . == "admin" or . == "link" then "\(.) \($krt[.])" else sub("_"; " ") end) | join(", ")) as $keys
         | $port | finding("krt-differs"; "differs in the KRT's view: \($keys)"; "show port krt") end;
 
-# The way out of a virtual port. Beside the rest of a finding, `group` and `vlans` are what `health` folds
-# those of all ports by.
+# The way out of a virtual port: the uplinks of the sub-group that it is pinned to, else all uplinks and port channels
+# that have one of its VLANs. Beside the rest of a finding, `group` and `vlans` are what `health` folds those of all
+# ports by; without a group it is told of an uplink already.
 def way_findings($h; $usable):
     def works: is_up and (is_uplink or any($h.members[.ltl | tostring][] | port_of($h; .); is_up));
     def titles: map(title) | join(", ");
     def with($group; $vlans): . + {group: $group, vlans: $vlans};
     pinned_to($h.leaf) as $pinned
-    | [$h.ways[] | select(if $pinned != null then .mode == "uplink" and .sub_group_a == $pinned
-                          else .port_channel == 0 end)] as $ways
+    | [$h.ways[] | select(if $pinned != null then .mode == "uplink" and .sub_group_a == $pinned else .port_channel == 0 end)] as $all
+    | [$all[] | select($pinned != null or (.has_vlan as $vlans | any($usable[]; $vlans[tostring])))] as $fit
+    | (if $fit == [] then $all else $fit end) as $ways
     | [$ways[] | select(works)] as $up
-    | [$usable[] | tostring | select(. as $vlan | any($up[]; .has_vlan[$vlan]) | not) | tonumber] as $absent
-    | ($absent | set) as $is_absent
-    | [$usable[] | tostring | select(. as $vlan | $is_absent[$vlan] or any($up[]; .forwards_vlan[$vlan]) | not) | tonumber] as $blocked
-    | "\(if $pinned != null then "is pinned to" else "goes out through" end) \((if $up == [] then $ways else $up end) | titles)" as $goes
-    | if $ways == [] then
+    | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) | not)] as $absent
+    | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) and (any($up[]; .forwards_vlan[$vlan]) | not))] as $blocked
+    | def goes: "\(if $pinned != null then "is pinned to" else "goes out through" end) \(if $up == [] then $ways else $up end | titles)";
+      if $ways == [] then
         (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $text
-        | finding("uplink-missing"; if $pinned == null then "has no way out: \($text)" else "is pinned to nothing: \($text)" end; "show port")
-        | with($text; [])
-      elif $up == [] then finding("uplink-down"; "\($goes), which \(if $ways | length == 1 then "is" else "are all" end) down"; "show port")
-        | with("no port channel and no uplink is up"; [])
+        | finding("uplink-missing"; "has no way out: \($text)"; "show port") | with($text; [])
+      elif $up == [] then finding("uplink-down"; "\(goes), which \(if $ways | length == 1 then "is" else "are all" end) down"; "show port")
+        | with(null; [])
       else
         (if $absent == [] then empty
-         else finding("vlan-not-on-uplink"; "\($goes), without \($absent | vlans_text)"; "show port vlans") | with("\($up | titles) without"; $absent) end),
+         else finding("vlan-not-on-uplink"; "\(goes), without \($absent | vlans_text)"; "show port vlans") | with(if $pinned == null then "no uplink has" else "\($up | titles) without" end; $absent) end),
         (if $blocked == [] then empty
-         else finding("vlan-not-on-uplink"; "\($goes), blocked there on \($blocked | vlans_text)"; "show port vlans") | with("\($up | titles) blocked on"; $blocked) end)
+         else finding("vlan-not-on-uplink"; "\(goes), blocked there on \($blocked | vlans_text)"; "show port vlans") | with(if $pinned == null then "no uplink forwards on" else "\($up | titles) blocked on" end; $blocked) end)
       end,
       ([$ways[] | if is_port_channel then .ltl else .port_channel end | select(. != 0)] | unique[]
         | port_of($h; .) | channel_findings($h)),
@@ -283,13 +292,13 @@ def memory_findings($least):
 
 # Each L2 table by the entries that it holds of those that it may.
 def table_findings($h; $least):
-    (.l2?.tables[]?
+    (.l2.tables[]?
      | (if has("limit") then .limit else 1024 end) as $limit
      | (.entries | length) as $count
      | select($limit != null and ($limit | number) > 0 and $count * 100 >= ($limit | number) * $least.full)
      | ($h.by_index[.bridge_domain | number | tostring] // {index: .bridge_domain, vlan: 0})
      | host_finding("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit)"; address_command)),
-    (.l2?.rejected | number | select(. >= $least.rejected)
+    (.l2.rejected | number | select(. >= $least.rejected)
      | host_finding("table-full"; "addresses found no room in the L2 tables"; .; "show l2-num-entries"));
 
 # An address that two ports have, as their own or behind them: two virtual ports, or one and an uplink.

@@ -22,7 +22,8 @@ include "asking" {search: "./"};
 | (($only + $without - words)[0] | select(.) | "tarnask: health knows no word \(text)\n" | halt_error(2)),
 ask({found: 1, nothing: 0};
     if has("ports") or has("card") or .capture != null then
-        [host_findings($least) | select(.word | IN($only[]) and (IN($without[]) | not))]
-        | if . == [] then nothing else .[] | finding_line end
+        asked_text as $asked
+        | [host_findings($least) | select(.word | IN($only[]) and (IN($without[]) | not))]
+        | if . == [] then nothing + $asked else .[] | finding_line end
     else cannot_answer("has neither ports nor a card") end;
     empty)

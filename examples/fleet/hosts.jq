@@ -25,6 +25,7 @@ def healed:
     | (.bridge_domains[] | select(.vlan == 30)).members += ",68"
     | (.ports[] | select(.ltl >= 18 and .name != null)) |= (.admin = "up" | .link = "up" | .forwarding = true
         | if .vlans then .forwards_on = .vlans else . end)
+    | (.ports[] | select(.ltl >= 50 and .sub_group_b == null and .ltl < 1040)).sub_group_b = 0
     | reduce (.ports[] | select(.name | IN("vmk1", "web-4.eth0", "router.eth0", "firewall.eth0", "red-2.eth0", "template.eth0")))
         as $port (.; learn($port));
 
