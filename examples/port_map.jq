@@ -4,8 +4,8 @@
 #
 #     tarncap | jq -rf examples/port_map.jq | dot -Tsvg >host.svg
 
-include "tarn" {search: "../questions"};
-include "findings" {search: "../questions"};
+include "tarn" {search: ["../questions", "../../../tarnlab/questions"]};
+include "findings" {search: ["../questions", "../../../tarnlab/questions"]};
 
 def ink: "#1f2933";       # text
 def faint: "#7b8794";     # secondary text, ports that are down
