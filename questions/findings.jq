@@ -60,9 +60,9 @@ def indexed:
         lacp: (if .port_channel_mode | . == "lacp-active" or . == "lacp-passive" then .lacp else null end),
         pinned: (reduce ($ports[] | select(.known) | pinned_to($leaf) | select(. != null)) as $group
             ({}; .[$group | tostring] += 1)),
-        # Of each port, [{mac, drop, domain}].
-        addresses: (reduce (.l2.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | .domain = $domain) as $entry
-            ({}; .[$entry.ltl | number | tostring] += [$entry | {mac, drop, domain}])),
+        # Of each port, [{ltl, mac, drop, domain}].
+        addresses: ([.l2.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | {ltl: (.ltl | number), mac, drop, $domain}]
+            | group_by(.ltl) | map({(.[0].ltl | tostring): .}) | add // {}),
         drops: (reduce drops as $drops ({}; .[$drops.ltl | tostring] = $drops.stages)),
         traffic: (reduce traffic_of($ports[]) as $traffic ({}; .[$traffic.ltl | tostring] = $traffic))
       }
@@ -127,8 +127,8 @@ def state_findings($h; $usable):
 
 def vlan_findings($h; $usable):
     (if $h.knows_vlans then .vlans | without($h.vlans) else [] end) as $missing
-    | (($missing + $usable) | set) as $told
-    | (.vlans | without($told)) as $alone
+    | (if ($missing + $usable | length) == (.vlans | length) then []
+       else (if $missing == [] then .vlans else .vlans | only($h.vlans) end) | without($h.by_vlan) end) as $alone
     | ($usable | set) as $usable
     | (if .does_forward then .blocked | only($usable) else [] end) as $blocked
     | (.ltl | tostring) as $ltl
@@ -303,17 +303,17 @@ def table_findings($h; $least):
 
 # An address that two ports have, as their own or behind them: two virtual ports, or one and an uplink.
 def address_on_two_findings($h):
-    (reduce (($h.ports[] | select(.known and .ltl >= 18 and (is_port_channel | not) and (.mac // "00:00:00:00:00:00") != "00:00:00:00:00:00")
-              | {mac, ltl, own: true}),
-             ($h.addresses | to_entries[] | (.key | tonumber) as $ltl | .value[] | {mac, $ltl, own: false})) as $place
-        ({}; .[$place.mac | tostring] |= (.ltls[$place.ltl | tostring] = true | .own = (.own or $place.own))))
-    | to_entries[]
-    | (.value.ltls | keys | map(tonumber) | sort) as $ltls
+    [($h.ports[] | select(.known and .ltl >= 18 and (is_port_channel | not) and (.mac // "00:00:00:00:00:00") != "00:00:00:00:00:00")
+      | {mac, ltl, own: true}),
+     ($h.addresses[][] | {mac, ltl})]
+    | group_by(.mac)[] | select(length > 1)
+    | .[0].mac as $mac | any(.[]; .own) as $own
+    | (map(.ltl) | unique) as $ltls
     | select($ltls | length > 1)
     | [$ltls[] | port_of($h; .)] as $ports
     | [$ports[] | select(is_virtual)] as $virtual
-    | select(($virtual | length) > 1 or (($virtual | length) == 1 and .value.own))
-    | host_finding("mac-on-two-ports"; "\(.key | text) is on \($ports | map(title) | join(" and "))"; null; "show l2 all") + {ltl: $virtual[0].ltl};
+    | select(($virtual | length) > 1 or (($virtual | length) == 1 and $own))
+    | host_finding("mac-on-two-ports"; "\($mac | text) is on \($ports | map(title) | join(" and "))"; null; "show l2 all") + {ltl: $virtual[0].ltl};
 
 # Of all ports, what they lack in uplinks: once for the uplinks, however many ports there are.
 def folded_way_findings:

@@ -9,15 +9,15 @@ include "tarn" {search: "./"};
 include "findings" {search: "./"};
 include "asking" {search: "./"};
 
-def label_text: text | gsub("\\\\"; "\\\\") | gsub("\""; "\\\"");
-def label_list: to_entries | map("\(.key)=\"\(.value | tostring | label_text)\"") | join(",");
+# Labels as a text. They escape three characters, of which `text` leaves two.
+def labels: to_entries | map("\(.key)=\"\(.value | text | split("\\") | join("\\\\") | split("\"") | join("\\\""))\"") | join(",");
 def one: if flag then 1 else 0 end;
 
 # The samples {labels, value} of a metric below its head; nothing where there are none. A counter's get "_total".
 # Labels that a driver makes equal are told once: a file with the same sample twice is refused as a whole.
 def metric($name; $type; $unit; $help; samples):
-    [samples | select(.value != null) | .labels |= label_list]
-    | to_entries | unique_by(.value.labels) | sort_by(.key) | map(.value)
+    [samples | select(.value != null)]
+    | if length < 2 then . else to_entries | unique_by(.value.labels) | sort_by(.key) | map(.value) end
     | if . == [] then empty else
         "# TYPE tarn_\($name) \($type)",
         (if $unit == "" then empty else "# UNIT tarn_\($name) \($unit)" end),
@@ -29,27 +29,32 @@ def gauge($name; $unit; $help; samples): metric($name; "gauge"; $unit; $help; sa
 
 ask({found: 0, nothing: 0};
     . as $file
-    | {host: (if $ARGS.named.host != "-" then $ARGS.named.host else .card.name? // "-" end)} as $host
+    | {host: (if $ARGS.named.host != "-" then $ARGS.named.host else .card.name // "-" end)} as $host
+    | ($host | labels) as $host_label
     | indexed as $h
-    | def port_labels: $host + {ltl, interface, name};
+    | ($h.ports | map_values($host + {ltl, interface, name} | labels)) as $port_labels
+    | def with_host($name; $value): {($name): $value} | "\($host_label),\(labels)";
+      def port_labels: $port_labels[.ltl | tostring] // (port_of($h; .ltl) | $host + {ltl, interface, name} | labels);
+      def of_host(f): {labels: $host_label, value: f};
       def of_ports(f): $h.ports[] | select(.known and (is_empty | not)) | {labels: port_labels, value: f};
-      def of_traffic($key): $h.traffic[] | {labels: (.port | port_labels), value: .[$key]};
+      def of_traffic($key): $h.traffic[] | {labels: port_labels, value: .[$key]};
+      def of_channels(f): $h.members | to_entries[] | {ltl: (.key | tonumber), members: .value} | {labels: port_labels, value: f};
       # What the driver refuses, null, is left out.
       def of_card($key; f): select(is_known("card")) | .card // {} | select((has($key) | not) or .[$key] != null)
-        | {labels: $host, value: (.[$key] | f)};
-      def of_list($list; $by; $key): .[$list][]? | {labels: ($host + {($by): .name}), value: (.[$key] | number)};
+        | of_host(.[$key] | f);
+      def of_list($list; $by; $key): .[$list][]? | {labels: with_host($by; .name), value: (.[$key] | number)};
       def domain_labels($index): ($h.by_index[$index | tostring] // {index: $index, vlan: 0, name: ""})
-        | $host + {bridge_domain: .index, network: network, name};
-      def of_tables(f): .l2?.tables[]? | {labels: domain_labels(.bridge_domain | number), value: f};
-      def of_acls($key): .acls[]? | {labels: ($host + {id, name: (.name // "")}), value: (.[$key] | number)};
+        | $host + {bridge_domain: .index, network: network, name} | labels;
+      def of_tables(f): .l2.tables[]? | {labels: domain_labels(.bridge_domain | number), value: f};
+      def of_acls($key): .acls[]? | {labels: ($host + {id, name: (.name // "")} | labels), value: (.[$key] | number)};
 
-      gauge("capture_timestamp_seconds"; "seconds"; "When the capture began."; {labels: $host, value: capture_time}),
+      gauge("capture_timestamp_seconds"; "seconds"; "When the capture began."; of_host(capture_time)),
       gauge("card_info"; ""; "The card and its versions; always 1."; of_card("versions"; 1)
-        | .labels += ($file.card // {} | {card: (.name // ""), hmx: (.versions.hmx? // ""), krt: (.versions.krt? // "")})),
+        | .labels += "," + ($file.card // {} | {card: (.name // ""), hmx: (.versions.hmx? // ""), krt: (.versions.krt? // "")} | labels)),
       gauge("card_heartbeat"; ""; "1 with a heartbeat from the KRT."; of_card("heartbeat"; number)),
       gauge("card_agent_up"; ""; "1 when the user-space agent is up."; of_card("dpa_up"; one)),
       gauge("card_krt_uptime_seconds"; "seconds"; "Since the KRT started."; of_card("krt_uptime"; number)),
-      counter("asserts"; ""; "Asserts that failed in the DPA."; select(is_known("asserts") and (has("asserts") | not) or .asserts != null) | {labels: $host, value: (.asserts | number)}),
+      counter("asserts"; ""; "Asserts that failed in the DPA."; select(is_known("asserts") and (has("asserts") | not) or .asserts != null) | of_host(.asserts | number)),
 
       gauge("port_admin_up"; ""; "1 when the port is enabled."; of_ports(.admin == "up" | one)),
       gauge("port_link_up"; ""; "1 when the port has a link."; of_ports(.link == "up" | one)),
@@ -65,17 +70,17 @@ ask({found: 0, nothing: 0};
       counter("port_receive_drop_packets"; "packets"; "Packets received and dropped."; of_traffic("receive_drops")),
       counter("port_transmit_drop_packets"; "packets"; "Packets dropped instead of sent."; of_traffic("transmit_drops")),
       counter("port_stage_drop_packets"; "packets"; "Packets of the port dropped at a stage; stages without are left out.";
-        $h.drops | to_entries[] | $h.ports[.key] as $port | select($port) | .value[] | select(.count != 0)
-        | {labels: (($port | port_labels) + {stage: .name}), value: .count}),
+        $h.drops | to_entries[] | $port_labels[.key] as $port | select($port) | .value[] | select(.count != 0)
+        | {labels: "\($port),\({stage: .name} | labels)", value: .count}),
 
-      gauge("port_channel_members"; ""; "Members of the port channel."; $h.members | to_entries[] | {labels: (port_of($h; .key | tonumber) | port_labels), value: (.value | length)}),
-      gauge("port_channel_members_up"; ""; "Members of the port channel that are up."; $h.members | to_entries[]
-        | {labels: (port_of($h; .key | tonumber) | port_labels), value: ([.value[] | port_of($h; .) | select(is_up)] | length)}),
+      gauge("port_channel_members"; ""; "Members of the port channel."; of_channels(.members | length)),
+      gauge("port_channel_members_up"; ""; "Members of the port channel that are up.";
+        of_channels([.members[] | port_of($h; .) | select(is_up)] | length)),
 
       gauge("l2_table_addresses"; ""; "Addresses in the L2 table of a bridge domain."; of_tables(.entries | length)),
       gauge("l2_table_limit"; ""; "Most addresses of that table."; of_tables(if has("limit") then .limit else 1024 end)),
-      counter("l2_aged_addresses"; ""; "Addresses that were forgotten."; select(is_known("l2")) | {labels: $host, value: (.l2.aged | number)}),
-      counter("l2_rejected_addresses"; ""; "Addresses that found no room."; select(is_known("l2")) | {labels: $host, value: (.l2.rejected | number)}),
+      counter("l2_aged_addresses"; ""; "Addresses that were forgotten."; select(is_known("l2")) | of_host(.l2.aged | number)),
+      counter("l2_rejected_addresses"; ""; "Addresses that found no room."; select(is_known("l2")) | of_host(.l2.rejected | number)),
 
       gauge("heap_objects"; ""; "Objects allocated from the heap."; of_list("heaps"; "heap"; "objects")),
       gauge("heap_bytes"; "bytes"; "Bytes allocated from the heap."; of_list("heaps"; "heap"; "bytes")),
@@ -91,6 +96,6 @@ ask({found: 0, nothing: 0};
 
       gauge("health_findings"; ""; "What tarnask health finds, by word.";
         [host_findings(usual_thresholds) | .word] | group_by(.)[]
-        | {labels: ($host + {word: .[0]}), value: length}),
+        | {labels: with_host("word"; .[0]), value: length}),
       "# EOF";
     empty)

@@ -49,7 +49,8 @@ def rounded: pair | .[0] * 1000000000 + .[1];
 # list, null, it is empty: so the displays take it.
 def numbers:
     if . == null then []
-    elif type == "array" then map(number) | unique
+    elif type == "array" then
+        unique | if all(.[0], .[-1]; . == null or type == "number") then . else map(number) | unique end
     else [split(",")[] | split("-") | map(number)
           | if length > 2 or .[-1] - .[0] > 65536 then error("no range") else range(.[0]; .[-1] + 1) end]
          | unique end;
