@@ -7,6 +7,8 @@ def nothing: "Nothing found";
 # Ends a question about a capture that cannot answer it.
 def cannot_answer($why): error({complaint: $why});
 
+def needs($key): if is_known($key) then . else cannot_answer("it has no \($key); was it asked for them?") end;
+
 # Whether a JSON value can be a host file at all; what its lists hold shows when it is used.
 def is_host:
     type == "object"
@@ -22,8 +24,10 @@ def ask($exits; lines; otherwise):
     def answer: split("\t") | .[0] as $name | .[1:]
         | try ([.[] | fromjson | if . == null or is_host then . else error("no host file") end]
                | if length == 1 then .[0] else . end
-               | {lines: [lines], otherwise: [otherwise]})
-          catch {complaint: "tarnask: \($name | text): \(.complaint? // "is no host file; tarnlab --check tells more")\n"}
+               # What came from standard input is called as its card is.
+               | {name: (if $name == "-" then .card.name? // $name else $name end), lines: [lines], otherwise: [otherwise]})
+          catch {$name, complaint: "tarnask: \($name | text): \(.complaint? // "no host file; tarnlab --check tells more")\n"}
+        | .name as $name
         | {complaint, lines: [.lines[]? | {$name, line: .}], otherwise: [.otherwise[]? | {$name, line: .}]};
     foreach (inputs, null) as $line ({found: false, complaints: "", unheard: []};
         (if $line == null then {lines: .unheard} else $line | answer end) as $answer

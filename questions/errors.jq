@@ -9,6 +9,7 @@ include "findings" {search: "./"};
 include "asking" {search: "./"};
 
 ask({found: 1, nothing: 0};
-    (.card.leaf_mode? | flag) as $leaf
+    needs("ports")
+    | (.card.leaf_mode | flag) as $leaf
     | shown_ports | (if $leaf then leaf_cause else error_cause($leaf) end) as $cause | select($cause) | "\(title): \($cause | text)";
     nothing)

@@ -111,16 +111,17 @@ def leaf_state:
 def state_findings($h; $usable):
     if .known | not then finding("unknown"; "has no record in the HMX"; "show port")
     elif is_up | not then
-        ($h.pinned[.sub_group_a | tostring] | if . then "\(.) ports are pinned to it" else null end) as $pinned
+        (if is_uplink and .mode == "uplink" and $h.pinned[.sub_group_a | tostring] then
+            $h.pinned[.sub_group_a | tostring] | "\(.) port\(if . == 1 then " is" else "s are" end) pinned to it" else null end) as $pinned
         | (if is_port_channel then "port-channel-down"
            elif is_uplink and (.admin == "up" or .port_channel != 0 or $pinned) then "uplink-down"
            elif .admin != "up" then "admin-down" else "link-down" end) as $word
         | finding($word; if .admin != "up" then "is disabled" else "has no link" end; $pinned; "show port")
     elif .does_forward then empty
-    elif error_cause($h.leaf) then finding("err-disabled"; "is err-disabled by \(.error)"; "show port")
+    elif error_cause($h.leaf) then finding("err-disabled"; "is err-disabled by \(.error | text)"; "show port")
     elif .vlan_mode then
         if .vlans != [] and $usable == [] then empty # told as what its VLANs lack
-        else finding("not-forwarding"; "forwards on no VLAN\(if .error == "none" then "" else " (its record says: \(.error))" end)"; "show port vlans") end
+        else finding("not-forwarding"; "forwards on no VLAN\(if .error == "none" then "" else " (its record says: \(.error | text))" end)"; "show port vlans") end
     elif $h.leaf then leaf_state as [$word, $text] | finding($word; $text; "show port")
     elif .vlans != [] and $usable == [] then empty
     else finding("not-forwarding"; "does not forward"; "show port") end;
@@ -168,7 +169,7 @@ def lacp_findings($h):
     . as $port
     | $h.lacp.uplinks[]? | select((.ltl | number) == $port.ltl)
     | if $h.lacp.offload == true then
-        ((.state // "initialized") | select(. != "channeling") | "is \(.) in LACP")
+        ((.state // "initialized") | select(. != "channeling") | "is \(text) in LACP")
       else .pdus.krt_actor | select(. != null) | .state | number | select((. / 8 | floor) % 8 != 7)
         | "is not in sync, collecting and distributing in LACP" end
     | . as $text | $port | finding("lacp-down"; $text; "show lacp \(.ltl)");
@@ -264,7 +265,7 @@ def card_findings:
     def is($key; $default): if has($key) then .[$key] else $default end;
     (if is("version_mismatch"; false) | flag
      then host_finding("version-mismatch"; "the HMX refuses tools of this version"; null; "show version") else empty end),
-    (.versions | select(type == "object" and (.hmx // "") != "" and (.krt // "") != "" and .hmx != .krt)
+    (select(.leaf_mode | flag | not) | .versions | select(type == "object" and (.hmx // "") != "" and (.krt // "") != "" and .hmx != .krt)
      | host_finding("version-mismatch"; "the HMX has version \(.hmx | text), the KRT \(.krt | text)"; null; "show version")),
     (if is("datapath_initialized"; false) == false
      then host_finding("datapath-down"; "the data path is not initialized"; null; "show card") else empty end),
@@ -284,11 +285,11 @@ def memory_findings($least):
         | select(. != 0) | host_finding("heap-pointers"; "\($heap) was given bad pointers"; .; "show heap")),
        (.denied | number | select(many($least.denied)) | host_finding("heap-denied"; "\($heap) denied allocations"; .; "show heap")),
        (select(is_full(.bytes | number; .maximum | number))
-        | host_finding("heap-nearly-full"; "\($heap) is nearly full"; "\(.bytes | number) of \(.maximum) bytes"; "show heap"))),
+        | host_finding("heap-nearly-full"; "\($heap) is nearly full"; "\(.bytes | number) of \(.maximum | number) bytes"; "show heap"))),
     (.memory_pools[]?
      | ((.total | number | rounded) - (.available | number | rounded)) as $used
      | select(is_full($used; .maximum | number))
-     | host_finding("pool-nearly-full"; "memory pool \(.name | text) is nearly full"; "\($used) of \(.maximum) objects"; "show mempool"));
+     | host_finding("pool-nearly-full"; "memory pool \(.name | text) is nearly full"; "\($used) of \(.maximum | number) objects"; "show mempool"));
 
 # Each L2 table by the entries that it holds of those that it may.
 def table_findings($h; $least):
@@ -297,7 +298,7 @@ def table_findings($h; $least):
      | (.entries | length) as $count
      | select($limit != null and ($limit | number) > 0 and $count * 100 >= ($limit | number) * $least.full)
      | ($h.by_index[.bridge_domain | number | tostring] // {index: .bridge_domain, vlan: 0})
-     | host_finding("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit)"; address_command)),
+     | host_finding("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit | number)"; address_command)),
     (.l2.rejected | number | select(. >= $least.rejected)
      | host_finding("table-full"; "addresses found no room in the L2 tables"; .; "show l2-num-entries"));
 

@@ -25,5 +25,5 @@ ask({found: 1, nothing: 0};
         asked_text as $asked
         | [host_findings($least) | select(.word | IN($only[]) and (IN($without[]) | not))]
         | if . == [] then nothing + $asked else .[] | finding_line end
-    else cannot_answer("has neither ports nor a card") end;
+    else cannot_answer("it has neither ports nor a card") end;
     empty)

@@ -29,7 +29,7 @@ def a_second($seconds):
         | $rate * $precision | round / $precision | tostring end;
 
 def seconds($old; $new):
-    if $ARGS.named.seconds then $ARGS.named.seconds | number | if . > 0 then . else cannot_answer("--seconds wants at least 1") end
+    if $ARGS.named.seconds then $ARGS.named.seconds | number
     elif ($old | capture_time) and ($new | capture_time) then
         ($new | capture_time) - ($old | capture_time)
         | if . > 0 then . else cannot_answer("NEW is not later than OLD") end
@@ -55,7 +55,7 @@ def all_drops:
 
 ask({found: 0, nothing: 0};
     . as [$old, $new]
-    | (if any(.[]; is_known("traffic") | not) then cannot_answer("a capture has no traffic")
+    | (if any(.[]; is_known("traffic") | not) then cannot_answer("a capture has no traffic; was it asked for it?")
        elif [.[].card.uuid? // "" | select(. != "")] | unique | length > 1 then cannot_answer("these are two hosts")
        else seconds($old; $new) end) as $seconds
     | def shown: if $ARGS.named.total then tostring else a_second($seconds) end;

@@ -135,7 +135,7 @@ def shown_ports: ports | select(.known and .ltl >= 18 and (is_port_channel or (i
 def port($which):
     (try ($which | number) catch null) as $ltl
     | ports
-    | select(.ltl == $ltl or .name == $which or (.name != "" and (.name | text) == $which)
+    | select(.ltl == $ltl or (.name != "" and (.name == $which or (.name | text) == $which))
         or (.interface != "" and (.interface | ascii_downcase) == ($which | tostring | ascii_downcase)));
 
 # How a port is called in an answer: "web-5.eth0 (LTL 64)", and shorter.

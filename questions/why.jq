@@ -13,11 +13,10 @@ def like($wanted): [shown_ports | select((.name, .interface) | ascii_downcase | 
 
 $ARGS.named.port as $wanted
 | ask({found: 1, nothing: 0};
-    if is_known("ports") | not then cannot_answer("has no ports; capture them, too") else
-        [port($wanted).ltl | tostring] as $ltls
-        | select($ltls != [])
-        | indexed as $h
-        | [$h.ports[$ltls[]] | port_findings($h; 1)]
-        | if . == [] then nothing else .[] | finding_line end
-    end;
+    needs("ports")
+    | [port($wanted).ltl | tostring] as $ltls
+    | select($ltls != [])
+    | indexed as $h
+    | [$h.ports[$ltls[]] | port_findings($h; 1)]
+    | if . == [] then nothing else .[] | finding_line end;
     "unknown: no port is called \($wanted | text)\(like($wanted)) (tarncmd show port)")
