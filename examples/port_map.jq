@@ -19,7 +19,8 @@ def list_text($most):
         ($text[:$most] | sub(",[^,]*$"; "")) + ",… (\(length))" end;
 
 # How a port looks by what is found of it.
-def is_stopped: is_up and any(.words[]; IN("err-disabled", "leaf-blocked", "leaf-wait", "not-forwarding", "port-channel-down"));
+def is_stopped:
+    is_up and any(.words[]; IN("err-disabled", "leaf-blocked", "leaf-wait", "not-forwarding", "port-channel-down"));
 def state_text: .error as $error
     | .words | if . == [] then "" else
         "\(.[0])\(if .[0] == "err-disabled" then ": \($error | text)" else "" end)"
@@ -72,7 +73,8 @@ def uplink_label:
     . as $port
     | "<table border=\"0\" cellspacing=\"0\" cellpadding=\"2\">"
     + "<tr><td><font color=\"\(dot_color)\">●</font> <b>\(name | colored($port | text_color))</b></td></tr>"
-    + ([[if .name == "" then "" else interface_text end, "LTL \(.ltl)"], [.device | text], [network_text(24)], [state_text]]
+    + ([[if .name == "" then "" else interface_text end, "LTL \(.ltl)"],
+        [.device | text], [network_text(24)], [state_text]]
        | map(map(select(. != "")) | unique | join(" · ") | select(. != ""))
        | map("<tr><td>\(colored($port | text_color) | small)</td></tr>") | join(""))
     + "</table>";
@@ -83,7 +85,8 @@ def destinations($h):
     | pinned_to($h.leaf) as $group
     | if is_stopped or (is_up | not) then []
       elif $group != null then [$h.uplinks[] | select(.sub_group_a == $group and is_up) | .ltl]
-      else [$h.ways[] | select(.port_channel == 0 and is_up and (.forwards_vlan as $vlans | any($port.forwards[]; $vlans[tostring]))) | .ltl] end;
+      else [$h.ways[] | select(.port_channel == 0 and is_up
+            and (.forwards_vlan as $vlans | any($port.forwards[]; $vlans[tostring]))) | .ltl] end;
 
 . as $host
 | indexed as $h
@@ -96,7 +99,8 @@ def destinations($h):
 # What is not about a port, below the title.
 | [$findings[] | select(.ltl == null) | "\(.word): \(.text)"] as $of_host
 # How many ports are pinned to a member of a port channel, as "show pc" has it.
-| (reduce ($host.port_channels[]?.members[]? | select(.pinned != null)) as $member ({}; .[$member.ltl | number | tostring] //= $member.pinned)) as $pinned
+| (reduce ($host.port_channels[]?.members[]? | select(.pinned != null)) as $member ({};
+    .[$member.ltl | number | tostring] //= ($member.pinned | number))) as $pinned
 | def title($to):
     if $to == [] then "not forwarded"
     else (if .sub_group_b != null then "pinned to " else "forwarded by " end)
@@ -106,7 +110,8 @@ def destinations($h):
 "  graph [rankdir=LR, nodesep=0.35, ranksep=1.1, pad=0.3, bgcolor=\"white\", labelloc=t,",
 "         fontname=\"DejaVu Sans,Verdana,sans-serif\", fontsize=14, fontcolor=\"\(ink)\",",
 "         label=<\([.card.name, .card.switch_name | select(. != null and . != "") | text] | join(" · ") | @html)\(
-    $of_host | if length > 8 then .[:8] + ["…"] else . end | map("<br/>" + (colored(error_ink) | small)) | join(""))>];",
+    $of_host | if length > 8 then .[:8] + ["…"] else . end
+    | map("<br/>" + (colored(error_ink) | small)) | join(""))>];",
 "  node [shape=box, margin=0.06, fillcolor=\"white\",",
 "        fontname=\"DejaVu Sans,Verdana,sans-serif\", fontsize=10, fontcolor=\"\(ink)\"];",
 "  edge [color=\"\(line)\", arrowsize=0.6, penwidth=1.4,",
@@ -116,7 +121,8 @@ def destinations($h):
  | to_entries[]
  | .key as $number | .value as $members | .value[0].to as $to
  | "  group\($number) [color=\"\(line)\", style=filled, label=<\($members | group_label($members[0] | title($to)))>];",
-   ($to[] | "  group\($number) -> port\(.) [label=\"\($pinned[tostring] | if . then "\(.) pinned" else "\($members | length) ports" end)\"];")),
+   ($to[] | ($pinned[tostring] | if . then "\(.) pinned" else "\($members | length) ports" end) as $count
+    | "  group\($number) -> port\(.) [label=\"\($count)\"];")),
 "",
 ($uplinks[] | "  port\(.ltl) [\(border), label=<\(uplink_label)>];"),
 "  {rank=same; \([$uplinks[] | "port\(.ltl)"] | join("; "))}",

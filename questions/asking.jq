@@ -25,8 +25,10 @@ def ask($exits; lines; otherwise):
         | try ([.[] | fromjson | if . == null or is_host then . else error("no host file") end]
                | if length == 1 then .[0] else . end
                # What came from standard input is called as its card is.
-               | {name: (if $name == "-" then .card.name? // $name else $name end), lines: [lines], otherwise: [otherwise]})
-          catch {$name, complaint: "tarnask: \($name | text): \(.complaint? // "no host file; tarnlab --check tells more")\n"}
+               | {name: (if $name != "-" then $name else (try .card.name catch null) // $name end),
+                  lines: [lines], otherwise: [otherwise]})
+          catch {$name, complaint: "tarnask: \($name | text): \(
+              .complaint? // "no host file; tarnlab --check tells more")\n"}
         | .name as $name
         | {complaint, lines: [.lines[]? | {$name, line: .}], otherwise: [.otherwise[]? | {$name, line: .}]};
     foreach (inputs, null) as $line ({found: false, complaints: "", unheard: []};

@@ -11,5 +11,5 @@ include "asking" {search: "./"};
 ask({found: 1, nothing: 0};
     needs("ports")
     | (.card.leaf_mode | flag) as $leaf
-    | shown_ports | (if $leaf then leaf_cause else error_cause($leaf) end) as $cause | select($cause) | "\(title): \($cause | text)";
+    | shown_ports | cause($leaf) as $cause | select($cause) | "\(title): \($cause | text)";
     nothing)

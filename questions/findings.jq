@@ -57,27 +57,29 @@ def indexed:
         members: (reduce (if is_known("port_channels") then .port_channels[]? | {channel: .ltl, ltl: .members[]?.ltl}
                           else $ports[] | select(.port_channel != 0) | {channel: .port_channel, ltl} end) as $member
             ({}; .[$member.channel | number | tostring] += [$member.ltl | number])),
-        lacp: (if .port_channel_mode | . == "lacp-active" or . == "lacp-passive" then .lacp else null end),
+        lacp: (if .port_channel_mode | IN("lacp-active", "lacp-passive") then .lacp else null end),
         pinned: (reduce ($ports[] | select(.known) | pinned_to($leaf) | select(. != null)) as $group
             ({}; .[$group | tostring] += 1)),
         # Of each port, [{ltl, mac, drop, domain}].
-        addresses: ([.l2.tables[]? | (.bridge_domain | number) as $domain | .entries[]? | {ltl: (.ltl | number), mac, drop, $domain}]
+        addresses: ([.l2.tables[]? | (.bridge_domain | number) as $domain | .entries[]?
+                     | {ltl: (.ltl | number), mac, drop, $domain}]
             | group_by(.ltl) | map({(.[0].ltl | tostring): .}) | add // {}),
         drops: (reduce drops as $drops ({}; .[$drops.ltl | tostring] = $drops.stages)),
         traffic: (reduce traffic_of($ports[]) as $traffic ({}; .[$traffic.ltl | tostring] = $traffic))
       }
-    | .member_of = (reduce (.members | to_entries[] | {key, ltl: .value[]}) as $member ({}; .[$member.ltl | tostring] = $member.key))
+    | .is_member = (.members | map(.[]) | set)
     # What a port can go out through.
-    | . as $host
-    | [$ports[] | select(.known and (is_empty | not) and (is_uplink or (is_port_channel and ($host.members[.ltl | tostring] // []) != [])))
-        | .has_vlan = (.vlans | set) | .forwards_vlan = (.forwards | set)] as $ways
-    | .ways = $ways | .uplinks = [$ways[] | select(is_uplink)];
+    | .members as $members
+    | .ways = [$ports[]
+        | select(.known and (is_empty | not) and (is_uplink or is_port_channel and $members[.ltl | tostring]))
+        | . + {has_vlan: (.vlans | set), forwards_vlan: (.forwards | set)}]
+    | .uplinks = [.ways[] | select(is_uplink)];
 
 def port_of($h; $ltl): $h.ports[$ltl | tostring] // {ltl: $ltl, name: "", interface: "", known: false, vlans: []};
 
 # The command that shows the addresses of a bridge domain.
 def address_command: if .kind == "segment" then "show l2 segment \(.segment)"
-    elif .vlan != 0 then "show l2 \(.vlan)" else "show l2 all" end;
+    elif (.vlan // 0) != 0 then "show l2 \(.vlan)" else "show l2 all" end;
 
 # "VLAN 10", "VLANs 10,20-29", at most so many characters of them.
 def vlans_text:
@@ -85,128 +87,131 @@ def vlans_text:
     | "VLAN\(if length == 1 then "" else "s" end) "
     + if ($text | length) <= 60 then $text else ($text[:60] | sub(",[^,]*$"; "")) + ",... (\(length))" end;
 
-def finding($word; $text; $count; $command): {word: $word, ltl, text: "\(title) \($text)", count: $count, command: $command};
-def finding($word; $text; $command): finding($word; $text; null; $command);
+# What is found of a port, the input.
+def found($word; $text; $count; $command): {$word, ltl, text: "\(title) \($text)", $count, $command};
+def found($word; $text; $command): found($word; $text; null; $command);
 
 # --- One port ---
 
-# Why "show port" says BLK; null where it says something else or gives no cause.
-def error_cause($leaf): if .forwarding or .vlan_mode or $leaf or .error == "none" then null else .error end;
-
-# The same of a port in leaf mode.
-def leaf_cause:
+# What "show port" says BLK for; null where it says something else or gives no cause.
+def cause($leaf):
     if .forwarding or .vlan_mode then null
-    elif .leaf_block == "bpdu" or .leaf_block == "zero-mac" then .leaf_block
-    elif .leaf_wait == "ack" or .leaf_wait == "policy" then .leaf_wait
-    else null end;
+    elif $leaf then first((.leaf_block, .leaf_wait) | select(IN("bpdu", "zero-mac", "ack", "policy"))) // null
+    elif .error == "none" then null else .error end;
 
-# And in the words of an operator.
-def leaf_state:
-    {bpdu: ["leaf-blocked", "is blocked, since a BPDU came in"], "zero-mac": ["leaf-blocked", "is blocked, since its MAC address is zero"],
-     ack: ["leaf-wait", "waits for an acknowledgement"], policy: ["leaf-wait", "waits for the policy of its endpoint group"]}[leaf_cause // "none"]
-    // ["not-forwarding", "does not forward"];
-
-# Whether it works at all: the first obstacle alone, since the others follow from it. $usable are those of its
-# VLANs that the host has bridge domains for.
+# Whether it works at all: the first obstacle alone, since the others follow from it. $usable are those of its VLANs
+# that the host has, with a bridge domain.
 def state_findings($h; $usable):
-    if .known | not then finding("unknown"; "has no record in the HMX"; "show port")
+    if .known | not then found("unknown"; "has no record in the HMX"; "show port")
     elif is_up | not then
-        (if is_uplink and .mode == "uplink" and $h.pinned[.sub_group_a | tostring] then
-            $h.pinned[.sub_group_a | tostring] | "\(.) port\(if . == 1 then " is" else "s are" end) pinned to it" else null end) as $pinned
-        | (if is_port_channel then "port-channel-down"
-           elif is_uplink and (.admin == "up" or .port_channel != 0 or $pinned) then "uplink-down"
-           elif .admin != "up" then "admin-down" else "link-down" end) as $word
-        | finding($word; if .admin != "up" then "is disabled" else "has no link" end; $pinned; "show port")
+        (if is_uplink and .mode == "uplink" then $h.pinned[.sub_group_a | tostring] else null end) as $pinned
+        | found(
+            if is_port_channel then "port-channel-down"
+            elif is_uplink and (.admin == "up" or .port_channel != 0 or $pinned) then "uplink-down"
+            elif .admin != "up" then "admin-down" else "link-down" end;
+            if .admin != "up" then "is disabled" else "has no link" end;
+            if $pinned then "\($pinned) port\(if $pinned == 1 then " is" else "s are" end) pinned to it" else null end;
+            "show port")
     elif .does_forward then empty
-    elif error_cause($h.leaf) then finding("err-disabled"; "is err-disabled by \(.error | text)"; "show port")
+    elif cause($h.leaf) then
+        cause($h.leaf) as $cause
+        | found(
+            if $h.leaf | not then "err-disabled"
+            elif $cause == "bpdu" or $cause == "zero-mac" then "leaf-blocked" else "leaf-wait" end;
+            if $h.leaf | not then "is err-disabled by \($cause | text)"
+            else {bpdu: "is blocked, since a BPDU came in", "zero-mac": "is blocked, since its MAC address is zero",
+                  ack: "waits for an acknowledgement", policy: "waits for the policy of its group"}[$cause] end;
+            "show port")
+    elif .vlans != [] and $usable == [] and ($h.leaf and (.vlan_mode | not) | not) then empty # told of its VLANs
     elif .vlan_mode then
-        if .vlans != [] and $usable == [] then empty # told as what its VLANs lack
-        else finding("not-forwarding"; "forwards on no VLAN\(if .error == "none" then "" else " (its record says: \(.error | text))" end)"; "show port vlans") end
-    elif $h.leaf then leaf_state as [$word, $text] | finding($word; $text; "show port")
-    elif .vlans != [] and $usable == [] then empty
-    else finding("not-forwarding"; "does not forward"; "show port") end;
+        found("not-forwarding";
+            "forwards on no VLAN\(if .error == "none" then "" else " (its record says: \(.error | text))" end)";
+            "show port vlans")
+    else found("not-forwarding"; "does not forward"; "show port") end;
 
 def vlan_findings($h; $usable):
-    (if $h.knows_vlans then .vlans | without($h.vlans) else [] end) as $missing
-    | (if ($missing + $usable | length) == (.vlans | length) then []
-       else (if $missing == [] then .vlans else .vlans | only($h.vlans) end) | without($h.by_vlan) end) as $alone
-    | ($usable | set) as $usable
-    | (if .does_forward then .blocked | only($usable) else [] end) as $blocked
-    | (.ltl | tostring) as $ltl
-    | [.forwards | only($usable)[] | $h.by_vlan[tostring] | select(.has_members and (.has_member[$ltl] | not)) | .vlan] as $outside
-    | (if $missing == [] then empty else finding("vlan-missing"; "has \($missing | vlans_text), which the host does not have"; "show vlan") end),
-      (if $alone == [] then empty else finding("no-bridge-domain"; "has \($alone | vlans_text) without a bridge domain"; "show bd") end),
-      (if .segment == 0 or ($h.knows_domains | not) or $h.by_segment[.segment | tostring] then empty
-       else finding("no-bridge-domain"; "has segment \(.segment) without a bridge domain"; "show segment") end),
-      (if .vlans == [] and .has_vlans and .segment == 0 and ($h.leaf | not)
-       then finding("no-vlan"; "has neither a VLAN nor a segment"; "show port vlans") else empty end),
-      (if $blocked == [] then empty else finding("vlan-blocked"; "is blocked on \($blocked | vlans_text)"; "show port vlans") end),
-      (if $outside == [] then empty
-       else finding("not-member"; "is not among the ports of \($outside | vlans_text)"; "show vlan \($outside[0])") end);
+    . as $port
+    | def of_port($word; $text; $command): . as $vlans | $port | found($word; $text; $command);
+      (if $h.knows_vlans then .vlans | without($h.vlans) else [] end) as $missing
+    | ($usable | set) as $is_usable
+    | ((.ltl | tostring) as $ltl | [.forwards | only($is_usable)[] | $h.by_vlan[tostring]
+        | select(.has_members and (.has_member[$ltl] | not)) | .vlan]) as $outside
+    | ($missing | select(. != [])
+        | of_port("vlan-missing"; "has \(vlans_text), which the host does not have"; "show vlan")),
+      (if ($missing + $usable | length) == (.vlans | length) then []
+       else .vlans | (if $missing == [] then . else only($h.vlans) end) | without($h.by_vlan) end
+       | select(. != []) | of_port("no-bridge-domain"; "has \(vlans_text) without a bridge domain"; "show bd")),
+      (select(.segment != 0 and $h.knows_domains and ($h.by_segment[.segment | tostring] | not))
+        | found("no-bridge-domain"; "has segment \(.segment) without a bridge domain"; "show segment")),
+      (select(.vlans == [] and .has_vlans and .segment == 0 and ($h.leaf | not))
+        | found("no-vlan"; "has neither a VLAN nor a segment"; "show port vlans")),
+      (select(.does_forward) | .blocked | only($is_usable) | select(. != [])
+        | of_port("vlan-blocked"; "is blocked on \(vlans_text)"; "show port vlans")),
+      ($outside | select(. != [])
+        | of_port("not-member"; "is not among the ports of \(vlans_text)"; "show vlan \(.[0])"));
 
 # A port channel without a member that is up.
 def channel_findings($h):
     [$h.members[.ltl | tostring][]? | port_of($h; .)] as $members
-    | if any($members[]; is_up) or ($members == [] and (.known and is_up | not)) then empty
-      else finding("port-channel-down"; "has no member that is up"; "show pc") end;
+    | select(any($members[]; is_up) or $members == [] and (.known and is_up | not) | not)
+    | found("port-channel-down"; "has no member that is up"; "show pc");
 
 # How a member of a port channel differs from what the channel is.
 def member_findings($h; $channel):
-    if .known | not then finding("member-differs"; "is a member of \($channel | title), but no port"; "show pc")
+    if .known | not then found("member-differs"; "is a member of \($channel | title), but no port"; "show pc")
     elif .port_channel != $channel.ltl then
-        finding("member-differs"; "is a member of \($channel | title), but not by its own record"; "show pc")
-    elif ($channel.known | not) or .vlans == $channel.vlans then empty
-    else
+        found("member-differs"; "is a member of \($channel | title), but not by its own record"; "show pc")
+    elif $channel.known and .vlans != $channel.vlans then
         (.vlans | set) as $here | ($channel.vlans | set) as $there
-        | ([(.vlans | without($there) | select(. != []) | "besides has \(vlans_text)"),
-            ($channel.vlans | without($here) | select(. != []) | "lacks \(vlans_text)")] | join(" and ")) as $difference
-        | finding("member-differs"; "\($difference), unlike \($channel | title)"; "show port vlans")
-    end;
+        | [(.vlans | without($there) | select(. != []) | "has \(vlans_text)"),
+           ($channel.vlans | without($here) | select(. != []) | "lacks \(vlans_text)")] as $differences
+        | found("member-differs"; "\($differences | join(" and ")), unlike \($channel | title)"; "show port vlans")
+    else empty end;
 
-# A member that LACP has not brought up. Collecting and distributing are the bits 0x10 and 0x20 of a state, in
-# sync is 0x08.
+# A member that LACP has not brought up. In the state of a PDU 0x08 is in sync, 0x10 collecting, 0x20 distributing.
 def lacp_findings($h):
     . as $port
-    | $h.lacp.uplinks[]? | select((.ltl | number) == $port.ltl)
-    | if $h.lacp.offload == true then
-        ((.state // "initialized") | select(. != "channeling") | "is \(text) in LACP")
-      else .pdus.krt_actor | select(. != null) | .state | number | select((. / 8 | floor) % 8 != 7)
-        | "is not in sync, collecting and distributing in LACP" end
-    | . as $text | $port | finding("lacp-down"; $text; "show lacp \(.ltl)");
+    | ($h.lacp.uplinks[]? | select((.ltl | number) == $port.ltl)
+       | if $h.lacp.offload == true then .state // "initialized" | select(. != "channeling") | "is \(text) in LACP"
+         else .pdus.krt_actor | select(. != null) | .state | number | select((. / 8 | floor) % 8 != 7)
+            | "is not in sync, collecting and distributing in LACP" end) as $text
+    | found("lacp-down"; $text; "show lacp \(.ltl)");
 
 def address_findings($h):
-    $h.addresses[.ltl | tostring] as $addresses
-    | (if $addresses == null and $h.knows_addresses and is_up and .port_channel == 0 and $h.member_of[.ltl | tostring] == null
-           and (.forwards != [] or .segment != 0 and .forwarding)
-       then ([$h.by_vlan[.forwards[0] | tostring], $h.by_segment[.segment | tostring] | select(.)][0]
-            | if . then address_command else "show l2 all" end) as $command
-            | finding("no-address"; "has no address behind it"; $command)
-       else empty end),
-      (. as $port | [$addresses[]? | select(.drop == true)]
-       | if . == [] then empty
-         else ($h.by_index[.[0].domain | tostring] | if . then address_command else "show l2 all" end) as $command
-            | (map(.mac | text) | join(", ")) as $macs | $port | finding("address-dropped"; "sends from \($macs), which is dropped"; $command) end);
+    ($h.addresses[.ltl | tostring] // []) as $addresses
+    | (select($addresses == [] and $h.knows_addresses and is_up
+            and .port_channel == 0 and ($h.is_member[.ltl | tostring] | not)
+            and (.forwards != [] or .segment != 0 and .forwarding))
+       | ($h.by_vlan[.forwards[0] | tostring] // $h.by_segment[.segment | tostring]) as $domain
+       | found("no-address"; "has no address behind it"; $domain | address_command)),
+      ([$addresses[] | select(.drop == true)] as $dropped
+       | select($dropped != [])
+       | found("address-dropped"; "sends from \([$dropped[].mac | text] | join(", ")), which is dropped";
+           $h.by_index[$dropped[0].domain | tostring] | address_command));
 
 def drop_findings($h; $least):
+    def many: . != 0 and (is_below($least) | not);
     ($h.drops[.ltl | tostring] // []) as $stages
-    | ($h.traffic[.ltl | tostring] // {receive_drops: 0, transmit_drops: 0}) as $traffic
-    | def many: is_below($least) | not;
-      ($stages[] as $stage | select($stage.count | many)
-        | finding("drops"; "drops packets at \($stage.name | text)"; $stage.count; "show port-drops ltl \(.ltl)")),
-      (if all($stages[]; .count == 0) then
-        (select($traffic.receive_drops | many) | finding("drops"; "drops packets that it receives"; $traffic.receive_drops; "show stats")),
-        (select($traffic.transmit_drops | many) | finding("drops"; "drops packets instead of sending them"; $traffic.transmit_drops; "show stats"))
-       else empty end);
+    | ($stages[] as $stage | select($stage.count | many)
+        | found("drops"; "drops packets at \($stage.name | text)"; $stage.count; "show port-drops ltl \(.ltl)")),
+      # Where no stage says where, "show stats" says in which direction.
+      (select(all($stages[]; .count == 0))
+       | $h.traffic[.ltl | tostring] as $traffic | select($traffic)
+       | (select($traffic.receive_drops | many)
+            | found("drops"; "drops packets that it receives"; $traffic.receive_drops; "show stats")),
+         (select($traffic.transmit_drops | many)
+            | found("drops"; "drops packets instead of sending them"; $traffic.transmit_drops; "show stats")));
 
 # What of the KRT's view is not so in the HMX.
 def krt_findings:
-    . as $port
-    | select(.krt != null) | ($port + .krt | view) as $krt
-    | if $krt.known | not then finding("krt-differs"; "has no record in the KRT"; "show port krt")
-      else ["admin", "link", "forwarding", "vlan_mode", "vlans", "forwards_on", "port_channel"]
-        | map(select($port[.] != $krt[.])) | select(. != [])
-        | (map(if . == "admin" or . == "link" then "\(.) \($krt[.])" else sub("_"; " ") end) | join(", ")) as $keys
-        | $port | finding("krt-differs"; "differs in the KRT's view: \($keys)"; "show port krt") end;
+    select(.krt != null)
+    | . as $port | ($port + .krt | view) as $krt
+    | if $krt.known | not then found("krt-differs"; "has no record in the KRT"; "show port krt")
+      else [("admin", "link" | select($port[.] != $krt[.]) | "\(.) \($krt[.])"),
+            ("forwarding", "vlan_mode", "vlans", "forwards_on", "port_channel"
+                | select($port[.] != $krt[.]) | gsub("_"; " "))] as $keys
+        | select($keys != [])
+        | found("krt-differs"; "differs in the KRT's view: \($keys | join(", "))"; "show port krt") end;
 
 # The way out of a virtual port: the uplinks of the sub-group that it is pinned to, else all uplinks and port channels
 # that have one of its VLANs. Beside the rest of a finding, `group` and `vlans` are what `health` folds those of all
@@ -214,130 +219,139 @@ def krt_findings:
 def way_findings($h; $usable):
     def works: is_up and (is_uplink or any($h.members[.ltl | tostring][] | port_of($h; .); is_up));
     def titles: map(title) | join(", ");
-    def with($group; $vlans): . + {group: $group, vlans: $vlans};
+    def way($word; $text; $command; $group; $vlans): found($word; $text; $command) + {$group, $vlans};
     pinned_to($h.leaf) as $pinned
-    | [$h.ways[] | select(if $pinned != null then .mode == "uplink" and .sub_group_a == $pinned else .port_channel == 0 end)] as $all
-    | [$all[] | select($pinned != null or (.has_vlan as $vlans | any($usable[]; $vlans[tostring])))] as $fit
+    | [$h.ways[] | select(if $pinned != null then .mode == "uplink" and .sub_group_a == $pinned
+                          else .port_channel == 0 end)] as $all
+    | [$all[] | select($pinned != null or (.has_vlan as $has | any($usable[]; $has[tostring])))] as $fit
     | (if $fit == [] then $all else $fit end) as $ways
     | [$ways[] | select(works)] as $up
     | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) | not)] as $absent
-    | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) and (any($up[]; .forwards_vlan[$vlan]) | not))] as $blocked
-    | def goes: "\(if $pinned != null then "is pinned to" else "goes out through" end) \(if $up == [] then $ways else $up end | titles)";
-      if $ways == [] then
-        (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $text
-        | finding("uplink-missing"; "has no way out: \($text)"; "show port") | with($text; [])
-      elif $up == [] then finding("uplink-down"; "\(goes), which \(if $ways | length == 1 then "is" else "are all" end) down"; "show port")
-        | with(null; [])
-      else
-        (if $absent == [] then empty
-         else finding("vlan-not-on-uplink"; "\(goes), without \($absent | vlans_text)"; "show port vlans") | with(if $pinned == null then "no uplink has" else "\($up | titles) without" end; $absent) end),
-        (if $blocked == [] then empty
-         else finding("vlan-not-on-uplink"; "\(goes), blocked there on \($blocked | vlans_text)"; "show port vlans") | with(if $pinned == null then "no uplink forwards on" else "\($up | titles) blocked on" end; $blocked) end)
-      end,
+    | [$usable[] | select(tostring as $vlan
+        | any($up[]; .has_vlan[$vlan]) and (any($up[]; .forwards_vlan[$vlan]) | not))] as $blocked
+    | def goes: if $pinned != null then "is pinned to \(titles)" else "goes out through \(titles)" end;
+      (if $ways == [] then
+         (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $why
+         | way("uplink-missing"; "has no way out: \($why)"; "show port"; $why; [])
+       elif $up == [] then
+         way("uplink-down"; "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
+             "show port"; null; [])
+       else
+         (select($absent != [])
+            | way("vlan-not-on-uplink"; "\($up | goes), without \($absent | vlans_text)"; "show port vlans";
+                if $pinned == null then "no uplink has" else "\($up | titles) without" end; $absent)),
+         (select($blocked != [])
+            | way("vlan-not-on-uplink"; "\($up | goes), blocked there on \($blocked | vlans_text)"; "show port vlans";
+                if $pinned == null then "no uplink forwards on" else "\($up | titles) blocked on" end; $blocked))
+       end),
       ([$ways[] | if is_port_channel then .ltl else .port_channel end | select(. != 0)] | unique[]
         | port_of($h; .) | channel_findings($h)),
-      (if .segment != 0 and ($h.by_segment[.segment | tostring] | . != null and (.native | not))
-            and (any($h.ports[]; .known and .vxlan and is_up) | not)
-       then finding("vtep-down"; "is in segment \(.segment), and no VXLAN port is up"; "show port") | with("segments are carried in VXLAN, and no VXLAN port is up"; [])
-       else empty end);
+      (select(.segment != 0 and ($h.by_segment[.segment | tostring] | . != null and (.native | not))
+            and (any($h.ports[]; .known and .vxlan and is_up) | not))
+       | way("vtep-down"; "is in segment \(.segment), and no VXLAN port is up"; "show port";
+            "segments are carried in VXLAN, and no VXLAN port is up"; []));
 
 # All about a port, from itself outwards. $drops is the least number of drops that is told.
 def port_findings($h; $drops):
-    (if $h.knows_domains then .vlans | only($h.by_vlan) else .vlans end
-     | if $h.knows_vlans then only($h.vlans) else . end) as $usable
+    (.vlans | (if $h.knows_domains then only($h.by_vlan) else . end)
+     | (if $h.knows_vlans then only($h.vlans) else . end)) as $usable
     | state_findings($h; $usable),
-      (if .known and (is_uplink or is_port_channel or .ltl < 18 | not) then
-        vlan_findings($h; $usable), way_findings($h; $usable) else empty end),
-      (if is_port_channel and .known then channel_findings($h),
-        (. as $channel | $h.members[.ltl | tostring][]? | port_of($h; .) | member_findings($h; $channel), lacp_findings($h))
-       elif .port_channel == 0 or (.known | not) then empty
-       else port_of($h; .port_channel) as $channel | ($channel | channel_findings($h)), member_findings($h; $channel), lacp_findings($h) end),
-      (if .known and .ltl >= 18 then address_findings($h) else empty end),
+      (select(.known and .ltl >= 18 and (is_uplink or is_port_channel | not))
+        | vlan_findings($h; $usable), way_findings($h; $usable)),
+      (select(.known and is_port_channel) | . as $channel
+        | channel_findings($h),
+          ($h.members[.ltl | tostring][]? | port_of($h; .) | member_findings($h; $channel), lacp_findings($h))),
+      (select(.known and .port_channel != 0) | port_of($h; .port_channel) as $channel
+        | ($channel | channel_findings($h)), member_findings($h; $channel), lacp_findings($h)),
+      (select(.known and .ltl >= 18) | address_findings($h)),
       drop_findings($h; $drops),
-      (if .known then krt_findings else empty end);
+      (select(.known) | krt_findings);
 
 # --- The host ---
 
-def host_finding($word; $text; $count; $command): {word: $word, ltl: null, text: $text, count: $count, command: $command};
+def host_found($word; $text; $count; $command): {$word, ltl: null, $text, $count, $command};
+def host_found($word; $text; $command): host_found($word; $text; null; $command);
 
 def card_findings:
     # null is what the driver refused: then nothing is known.
     def is($key; $default): if has($key) then .[$key] else $default end;
-    (if is("version_mismatch"; false) | flag
-     then host_finding("version-mismatch"; "the HMX refuses tools of this version"; null; "show version") else empty end),
-    (select(.leaf_mode | flag | not) | .versions | select(type == "object" and (.hmx // "") != "" and (.krt // "") != "" and .hmx != .krt)
-     | host_finding("version-mismatch"; "the HMX has version \(.hmx | text), the KRT \(.krt | text)"; null; "show version")),
-    (if is("datapath_initialized"; false) == false
-     then host_finding("datapath-down"; "the data path is not initialized"; null; "show card") else empty end),
-    (if is("dpa_up"; false) | . == false or . == 0
-     then host_finding("agent-down"; "the user-space agent is down"; null; "show card") else empty end),
-    (if is("heartbeat"; 0) | . != null and number != 1
-     then host_finding("no-heartbeat"; "the KRT sends no heartbeat"; null; "show card") else empty end),
-    (if .upgrade == "aborted" then host_finding("upgrade-aborted"; "an upgrade was aborted"; null; "show card") else empty end);
+    (select(is("version_mismatch"; false) | flag)
+        | host_found("version-mismatch"; "the HMX refuses tools of this version"; "show version")),
+    (select(.leaf_mode | flag | not) # where the KRT has no version
+        | .versions // {} | select((.hmx // "") != "" and (.krt // "") != "" and .hmx != .krt)
+        | host_found("version-mismatch"; "the HMX has version \(.hmx | text), the KRT \(.krt | text)"; "show version")),
+    (select(is("datapath_initialized"; false) == false)
+        | host_found("datapath-down"; "the data path is not initialized"; "show card")),
+    (select(is("dpa_up"; false) == false) | host_found("agent-down"; "the user-space agent is down"; "show card")),
+    (select(is("heartbeat"; 0) | . != null and number != 1)
+        | host_found("no-heartbeat"; "the KRT sends no heartbeat"; "show card")),
+    (select(.upgrade == "aborted") | host_found("upgrade-aborted"; "an upgrade was aborted"; "show card"));
+
+def is_full($room; $percent): $room != 0 and rounded * 100 >= ($room | rounded) * $percent;
 
 def memory_findings($least):
-    def is_full($used; $room): ($room | rounded) > 0 and ($used | rounded) * 100 >= ($room | rounded) * $least.full;
-    def many($threshold): is_below($threshold) | not;
-    (.asserts | number | select(many($least.asserts)) | host_finding("asserts"; "asserts failed in the DPA"; .; "show assert")),
-    (.heaps[]?
-     | "heap \(.name | text)" as $heap
+    def many($threshold): number | . != 0 and (is_below($threshold) | not);
+    (.asserts | select(many($least.asserts))
+        | host_found("asserts"; "asserts failed in the DPA"; number; "show assert")),
+    (.heaps[]? | "heap \(.name | text)" as $heap
      | (reduce (.null_pointers, .bad_magics, .bad_redzones, .wrong_heaps) as $count (0; plus($count | number))
-        | select(. != 0) | host_finding("heap-pointers"; "\($heap) was given bad pointers"; .; "show heap")),
-       (.denied | number | select(many($least.denied)) | host_finding("heap-denied"; "\($heap) denied allocations"; .; "show heap")),
-       (select(is_full(.bytes | number; .maximum | number))
-        | host_finding("heap-nearly-full"; "\($heap) is nearly full"; "\(.bytes | number) of \(.maximum | number) bytes"; "show heap"))),
-    (.memory_pools[]?
-     | ((.total | number | rounded) - (.available | number | rounded)) as $used
-     | select(is_full($used; .maximum | number))
-     | host_finding("pool-nearly-full"; "memory pool \(.name | text) is nearly full"; "\($used) of \(.maximum | number) objects"; "show mempool"));
+        | select(. != 0) | host_found("heap-pointers"; "\($heap) was given bad pointers"; .; "show heap")),
+       (.denied | select(many($least.denied))
+        | host_found("heap-denied"; "\($heap) denied allocations"; number; "show heap")),
+       ((.bytes | number) as $used | (.maximum | number) as $room
+        | select($used | is_full($room; $least.full))
+        | host_found("heap-nearly-full"; "\($heap) is nearly full"; "\($used) of \($room) bytes"; "show heap"))),
+    (.memory_pools[]? | ((.total | number | rounded) - (.available | number | rounded)) as $used
+     | (.maximum | number) as $room
+     | select($used | is_full($room; $least.full))
+     | host_found("pool-nearly-full"; "memory pool \(.name | text) is nearly full"; "\($used) of \($room) objects";
+         "show mempool")),
+    (.l2.rejected | select(many($least.rejected))
+     | host_found("table-full"; "addresses found no room in the L2 tables"; number; "show l2-num-entries"));
 
 # Each L2 table by the entries that it holds of those that it may.
 def table_findings($h; $least):
-    (.l2.tables[]?
-     | (if has("limit") then .limit else 1024 end) as $limit
-     | (.entries | length) as $count
-     | select($limit != null and ($limit | number) > 0 and $count * 100 >= ($limit | number) * $least.full)
-     | ($h.by_index[.bridge_domain | number | tostring] // {index: .bridge_domain, vlan: 0})
-     | host_finding("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit | number)"; address_command)),
-    (.l2.rejected | number | select(. >= $least.rejected)
-     | host_finding("table-full"; "addresses found no room in the L2 tables"; .; "show l2-num-entries"));
+    .l2.tables[]?
+    | (if has("limit") then .limit else 1024 end | select(. != null) | number) as $limit
+    | (.entries | length) as $count
+    | select($count | is_full($limit; $least.full))
+    | ($h.by_index[.bridge_domain | number | tostring] // {index: (.bridge_domain | number), vlan: 0})
+    | host_found("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit)";
+        address_command);
 
 # An address that two ports have, as their own or behind them: two virtual ports, or one and an uplink.
 def address_on_two_findings($h):
-    [($h.ports[] | select(.known and .ltl >= 18 and (is_port_channel | not) and (.mac // "00:00:00:00:00:00") != "00:00:00:00:00:00")
-      | {mac, ltl, own: true}),
+    [($h.ports[] | select(.known and .ltl >= 18 and (is_port_channel | not))
+      | {mac, ltl, own: true} | select(.mac | . != null and . != "00:00:00:00:00:00")),
      ($h.addresses[][] | {mac, ltl})]
     | group_by(.mac)[] | select(length > 1)
     | .[0].mac as $mac | any(.[]; .own) as $own
-    | (map(.ltl) | unique) as $ltls
-    | select($ltls | length > 1)
-    | [$ltls[] | port_of($h; .)] as $ports
-    | [$ports[] | select(is_virtual)] as $virtual
-    | select(($virtual | length) > 1 or (($virtual | length) == 1 and $own))
-    | host_finding("mac-on-two-ports"; "\($mac | text) is on \($ports | map(title) | join(" and "))"; null; "show l2 all") + {ltl: $virtual[0].ltl};
+    | [map(.ltl) | unique[] | port_of($h; .)]
+    | select(length > 1)
+    | map(select(is_virtual)) as $virtual
+    | select($virtual | length > 1 or length == 1 and $own)
+    | host_found("mac-on-two-ports"; "\($mac | text) is on \(map(title) | join(" and "))"; "show l2 all")
+    | .ltl = $virtual[0].ltl;
 
-# Of all ports, what they lack in uplinks: once for the uplinks, however many ports there are.
+# What ports lack in uplinks, once for the uplinks, however many ports there are.
 def folded_way_findings:
     map(select(.group != null)) | group_by([.word, .group])[]
-    | (map(.vlans[]) | unique) as $vlans
-    | .[0] + {ltl: null, count: "\(length) port\(if length == 1 then "" else "s" end)",
-        text: "\(.[0].group)\(if $vlans == [] then "" else " \($vlans | vlans_text)" end)"};
+    | (map(.vlans[]) | unique | if . == [] then "" else " \(vlans_text)" end) as $vlans
+    | .[0] + {ltl: null, text: "\(.[0].group)\($vlans)", count: "\(length) port\(if length == 1 then "" else "s" end)"};
 
 # The least numbers that are told, and the percents from which something is nearly full.
 def usual_thresholds: {drops: 100, full: 90, asserts: 1, denied: 1, rejected: 1};
 
 # All about a host, worst first.
 def host_findings($least):
-    . as $host
-    | indexed as $h
-    | [(.capture | select(. != null and .whole == false)
-          | host_finding("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null; null)),
-       (if is_known("card") then .card | select(. != null) | card_findings else empty end),
-       memory_findings($least), table_findings($h; $least),
-       address_on_two_findings($h)] as $of_host
+    indexed as $h
     | [$h.ports[] | select(.known and .ltl >= 18 and (is_empty | not)) | port_findings($h; $least.drops)] as $of_ports
-    | ($of_host + [$of_ports[] | select(has("group") | not)] + [$of_ports | folded_way_findings]
-       + [$h.members | keys[] | port_of($h; tonumber) | channel_findings($h)])
+    | [(.capture | select(. != null and .whole == false)
+          | host_found("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null)),
+       (select(is_known("card")) | .card | select(. != null) | card_findings),
+       memory_findings($least), table_findings($h; $least), address_on_two_findings($h),
+       ($of_ports[] | select(has("group") | not)), ($of_ports | folded_way_findings),
+       ($h.members | keys[] | port_of($h; tonumber) | channel_findings($h))]
     | unique_by([.word, .ltl, .text])
     | (words | to_entries | map({(.value): .key}) | add) as $rank
     | sort_by([$rank[.word], .ltl // -1, .text])[];

@@ -69,7 +69,8 @@ ask({found: 0, nothing: 0};
     | (reduce $rows[] as $row ({}; .[$row.ltl | tostring] = $row.reset)) as $is_reset
     | [$new | all_drops | (.ltl | tostring) as $ltl
        | select(($ports[$ltl] or ($ltl | test("^[MF]"))) and ($is_reset[$ltl] | not))
-       | {ltl, name: ($ports[$ltl] | if . then .name | text else "" end)} + compared($drops_before[$ltl].counts // {}; .counts)] as $drops
+       | {ltl, name: ($ports[$ltl] | if . then .name | text else "" end)}
+         + compared($drops_before[$ltl].counts // {}; .counts)] as $drops
     | [$drops[] | select(.difference) | . as $row | .difference | to_entries[] | select(.value != 0)
        | {count: .value, ltl: $row.ltl, stage: .key, name: $row.name}] as $drops_by_stage
     | if $ARGS.named.total then "In all\(if $seconds then ", in \($seconds) seconds" else "" end):"
@@ -83,7 +84,9 @@ ask({found: 0, nothing: 0};
        | map(.[1] as $width | .[0] | tostring | left($width)) | join(" ") + "  \($row.port.name | text)"),
       if $drops_by_stage == [] then empty else "", "  LTL     Drops  Stage                 Name" end,
       ($drops_by_stage | sort_by(-(.count | rounded))[]
-       | "\(.ltl | tostring | left(5)) \(.count | shown | left(9))  \(.stage | text | right(21)) \(.name)" | sub(" +$"; "")),
+       | "\(.ltl | tostring | left(5)) \(.count | shown | left(9))  \(.stage | text | right(21)) \(.name)"
+       | sub(" +$"; "")),
       (($rows, $drops)[] | select(.reset)
-       | "\(if .port then .port | title elif .name != "" then "\(.name) (LTL \(.ltl))" else .ltl | tostring end): \(.reset | text)");
+       | (if .port then .port elif .ltl | type == "number" then $ports[.ltl | tostring] else null end) as $port
+       | "\(if $port then $port | title else .ltl end): \(.reset | text)");
     empty)

@@ -68,7 +68,8 @@ def text:
     def hex($digits): [range($digits) as $i | . / pow(16; $digits - 1 - $i) | floor % 16]
         | map("0123456789abcdef"[.:. + 1]) | add;
     tostring
-    | if test("[\\x00-\\x1f\\x7f-\\x{9f}\\x{ad}\\x{61c}\\x{200b}-\\x{200f}\\x{2028}-\\x{202e}\\x{2060}-\\x{2069}\\x{ef80}-\\x{efff}\\x{feff}]") | not
+    | if test("[\\x00-\\x1f\\x7f-\\x{9f}\\x{ad}\\x{61c}\\x{200b}-\\x{200f}\\x{2028}-\\x{202e}\\x{2060}-\\x{2069}"
+        + "\\x{ef80}-\\x{efff}\\x{feff}]") | not
       then .
       else [explode[]
             | if . < 32 or (. >= 127 and . < 160) then "\\x\(hex(2))"
@@ -148,7 +149,8 @@ def bridge_domain_record:
     . + {
         index: (.index | number), known: (.known != false), name: (.name // ""), vlan: (.vlan | number),
         segment: (if .segment == null then null else .segment | number end),
-        kind: (.kind // if .segment != null then "segment" else "vlan" end), native: (.native == null or (.native | flag)),
+        kind: (.kind // if .segment != null then "segment" else "vlan" end),
+        native: (.native == null or (.native | flag)),
         has_members: (.members != null or (has("members") | not)), members: (.members | numbers)
     };
 

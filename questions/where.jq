@@ -10,12 +10,14 @@ include "asking" {search: "./"};
 | ask({found: 0, nothing: 1};
     (reduce ports as $port ({}; .[$port.ltl | tostring] = $port)) as $ports
     | (reduce bridge_domains as $domain ({}; .[$domain.index | tostring] = $domain)) as $domains
-    | (.card.macs? // {} | to_entries[] | select(.value == $mac) | "is the card's \(.key | text | gsub("_"; " ")) address"),
+    | (.card.macs // {} | to_entries[] | select(.value == $mac)
+       | "is the card's \(.key | text | gsub("_"; " ")) address"),
       ($ports[] | select(.mac == $mac) | "is \(title)"),
       (.l2?.tables[]?
        | (.bridge_domain | number) as $index
        | .entries[]? | select(.mac == $mac) | (.ltl | number) as $ltl
-       | "\(if .static == true then "set" else "learnt" end) in \($domains[$index | tostring] // {index: $index, vlan: 0} | network) on "
+       | "\(if .static == true then "set" else "learnt" end) in "
+         + ($domains[$index | tostring] // {index: $index, vlan: 0} | network) + " on "
          + ($ports[$ltl | tostring] // {ltl: $ltl, name: "", interface: ""} | title)
          + if .remote_ip then ", from \(.remote_ip | text)" else "" end);
     nothing)

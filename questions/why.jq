@@ -8,7 +8,8 @@ include "tarn" {search: "./"};
 include "findings" {search: "./"};
 include "asking" {search: "./"};
 
-def like($wanted): [shown_ports | select((.name, .interface) | ascii_downcase | contains($wanted | ascii_downcase)) | name]
+def like($wanted):
+    [shown_ports | select((.name, .interface) | ascii_downcase | contains($wanted | ascii_downcase)) | name]
     | unique | if . == [] then "" else "; there is \(.[:5] | join(", "))" end;
 
 $ARGS.named.port as $wanted

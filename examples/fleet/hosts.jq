@@ -19,14 +19,16 @@ def learn($port):
 # Everything works, and nothing has been dropped, denied or forgotten.
 def healed:
     del(.agent) # there is room for one on a machine
-    | del(.ports[].error, .ports[].krt, .drops, .multicast_drops, .flood_drops, .l2.rejected, .l2.tables[].entries[].drop,
-        .heaps[].denied, .heaps[].bad_redzones, .traffic[].receive_drops, .traffic[].transmit_drops)
+    | del(.ports[].error, .ports[].krt, .drops, .multicast_drops, .flood_drops,
+        .l2.rejected, .l2.tables[].entries[].drop, .heaps[].denied, .heaps[].bad_redzones,
+        .traffic[].receive_drops, .traffic[].transmit_drops)
     | port("firewall.eth0").vlans = "10,20,30"
     | (.bridge_domains[] | select(.vlan == 30)).members += ",68"
     | (.ports[] | select(.ltl >= 18 and .name != null)) |= (.admin = "up" | .link = "up" | .forwarding = true
         | if .vlans then .forwards_on = .vlans else . end)
     | (.ports[] | select(.ltl >= 50 and .sub_group_b == null and .ltl < 1040)).sub_group_b = 0
-    | reduce (.ports[] | select(.name | IN("vmk1", "web-4.eth0", "router.eth0", "firewall.eth0", "red-2.eth0", "template.eth0")))
+    | reduce (.ports[] | select(.name | IN("vmk1", "web-4.eth0", "router.eth0", "firewall.eth0", "red-2.eth0",
+                                           "template.eth0")))
         as $port (.; learn($port));
 
 # The machines of this host, apart from those of the others.
