@@ -111,7 +111,9 @@ def view:
         known: (.known != false),
         interface: (.interface_name // .interface // "" | tostring), name: (.name // ""), device: (.device // ""),
         admin: (.admin | up_or_down), link: (.link | up_or_down), forwarding: (.forwarding | flag),
-        mode: (.mode // "none"), vlan_mode: (.vlan_mode == true), error: (.error // "none"),
+        # A VLAN mode beyond true is none, but makes an entry that is not empty.
+        may_be_empty: (.may_be_empty == true and (.vlan_mode | flag | not)), vlan_mode: (.vlan_mode == true),
+        mode: (.mode // "none"), error: (.error // "none"),
         has_vlans: (.vlans != null or (has("vlans") | not)),
         vlans: (.vlans | numbers), forwards_on: (.forwards_on | numbers),
         port_channel: (.port_channel | number), segment: (.segment | number),
@@ -126,7 +128,7 @@ def view:
 def ports: [.ports[]? | . + {ltl: (.ltl | number)}] | sort_by(.ltl)[] | view;
 
 # An entry that nothing was ever configured on, which the displays leave out.
-def is_empty: .may_be_empty == true and (.vlan_mode or .mode != "virtual" or .admin == "up" or .link == "up"
+def is_empty: .may_be_empty and (.mode != "virtual" or .admin == "up" or .link == "up"
     or .port_channel != 0 or .forwarding or .name != "" | not);
 
 # The ports that "show port" has a row for.
