@@ -158,9 +158,12 @@ def channel_findings($h):
 
 # How a member of a port channel differs from what the channel is.
 def member_findings($h; $channel):
-    if .known | not then found("member-differs"; "is a member of \($channel | title), but no port"; "show pc")
+    .ltl as $ltl
+    | if .known | not then found("member-differs"; "is a member of \($channel | title), but no port"; "show pc")
     elif .port_channel != $channel.ltl then
         found("member-differs"; "is a member of \($channel | title), but not by its own record"; "show pc")
+    elif $h.members[$channel.ltl | tostring] // [] | index($ltl) == null then
+        found("member-differs"; "is a member of \($channel | title) by its own record only"; "show pc")
     elif $channel.known and .vlans != $channel.vlans then
         (.vlans | set) as $here | ($channel.vlans | set) as $there
         | [(.vlans | without($there) | select(. != []) | "has \(vlans_text)"),
