@@ -60,9 +60,12 @@ ask({found: 0, nothing: 0};
        else seconds($old; $new) end) as $seconds
     | def shown: if $ARGS.named.total then tostring else a_second($seconds) end;
       ($old | by_ltl(traffic)) as $before
+    | ($old | by_ltl(ports)) as $ports_before
     | ($old | by_ltl(all_drops)) as $drops_before
     | ($new | by_ltl(ports)) as $ports
+    # A port that is new has counted from 0; of one whose counters were refused before nothing can be said.
     | [$new | traffic
+       | select($before[.ltl | tostring] or ($ports_before[.ltl | tostring] | not))
        | ($before[.ltl | tostring] // {port}) as $earlier
        | {ltl, port} + if ($earlier.port | title) == (.port | title) then compared($earlier; counters)
                        else {reset: "another port before, \($earlier.port | title)"} end] as $rows
