@@ -148,32 +148,55 @@ std::string mdoc_words(const std::string &text) {
     return safe;
 }
 
+using command_rows = std::vector<const command_row *>;
+
+// What is typed of each row, once, as a sentence.
+void write_typed(const char *lead, const command_rows &rows) {
+    words typed;
+    for (const command_row *row : rows) {
+        typed.push_back(joined(row->keywords, 0, row->typed));
+    }
+    typed.erase(std::unique(typed.begin(), typed.end()), typed.end());
+    std::printf(".Pp\n%s\n", lead);
+    for (const std::string &each : typed) {
+        std::printf(".Cm %s%s\n", mdoc_words(each).c_str(), &each == &typed.back() ? " ." : " ,");
+    }
+}
+
 void write_mdoc() {
-    for (const command_section &section : read_table()) {
+    const std::vector<command_section> sections = read_table();
+    for (const command_section &section : sections) {
         std::printf(".Ss %s\n.Bl -tag -width Ds -compact\n", section.title);
-        words unbuilt;
+        command_rows unbuilt;
         std::string before;
         for (const command_row &row : section.rows) {
-            const std::string typed = joined(row.keywords, 0, row.typed);
             const bool repeated = before == joined(row.keywords);
             before = joined(row.keywords);
             if (!row.built) {
-                unbuilt.push_back(typed);
+                unbuilt.push_back(&row);
             } else if (!repeated && !row.help.empty()) {
                 std::string arguments = joined(row.keywords, row.typed);
                 arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
-                std::printf(".It Cm %s%s%s\n%s.\n", mdoc_words(typed).c_str(),
+                std::printf(".It Cm %s%s%s\n%s.\n",
+                            mdoc_words(joined(row.keywords, 0, row.typed)).c_str(),
                             arguments.empty() ? "" : " Ar ", mdoc_words(arguments).c_str(),
                             row.help.c_str());
             }
         }
-        std::printf(".El\n.Pp\nNot built in this version:\n");
-        unbuilt.erase(std::unique(unbuilt.begin(), unbuilt.end()), unbuilt.end());
-        for (const std::string &typed : unbuilt) {
-            std::printf(".Cm %s%s\n", mdoc_words(typed).c_str(),
-                        &typed == &unbuilt.back() ? " ." : " ,");
+        std::printf(".El\n");
+        write_typed("Not built in this version:", unbuilt);
+    }
+
+    command_rows doing;
+    command_rows unbuilt_doing;
+    for (const command_row &row : sections.front().rows) {
+        if (row.keywords.front() != "show") {
+            (row.built ? doing : unbuilt_doing).push_back(&row);
         }
     }
+    std::printf(".Ss Which commands change something\nAll set commands that are built do, at once.\n");
+    write_typed("Among the display commands these do more than show something:", doing);
+    write_typed("And these would, but are not built in this version:", unbuilt_doing);
 }
 
 // --- words ---
