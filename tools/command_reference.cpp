@@ -194,14 +194,15 @@ void write_mdoc() {
             (row.built ? doing : unbuilt_doing).push_back(&row);
         }
     }
-    std::printf(".Ss Which commands change something\nAll set commands that are built do, at once.\n");
+    std::printf(
+        ".Ss Which commands change something\nAll set commands that are built do, at once.\n");
     write_typed("Among the display commands these do more than show something:", doing);
     write_typed("And these would, but are not built in this version:", unbuilt_doing);
 }
 
 // --- words ---
 
-// One thing to type: its choices, or none when it is a value.
+// One thing to type: its choices, or the kind of a value alone; none for a value of some kind.
 using choices = words;
 using sequence = std::vector<choices>;
 
@@ -211,6 +212,20 @@ bool is_word(std::string_view text) {
            std::all_of(text.begin(), text.end(), [](unsigned char byte) {
                return std::isalnum(byte) != 0 || byte == '-' || byte == '_';
            });
+}
+
+// "*vlan" for "<vlan-id>" and "[vlan]", "*" for a value that no display lists.
+std::string value_kind(const std::string &notation) {
+    static const std::pair<const char *, const char *> KINDS[] = {
+        {"ltl", "*ltl"},         {"vlan", "*vlan"},      {"bd-name", "*bd-name"},
+        {"segment", "*segment"}, {"seg-id", "*segment"}, {"hwbd", "*hwbd"},
+    };
+    for (const auto &[name, kind] : KINDS) {
+        if (notation.find(name) != std::string::npos) {
+            return kind;
+        }
+    }
+    return "*";
 }
 
 // Cut at bars; "<eid>" among the pieces is a value, as "num" is.
@@ -268,7 +283,8 @@ private:
         if (text_[at_] == '<' || text_[at_] == '{') {
             const char end = text_[at_++] == '<' ? '>' : '}';
             const std::string inside = take_until(end);
-            return {{inside.find('|') == std::string::npos ? choices{} : split_choices(inside)}};
+            return {{inside.find('|') == std::string::npos ? choices{value_kind(inside)}
+                                                           : split_choices(inside)}};
         }
         return {{split_choices(take_until(' '))}};
     }
@@ -279,7 +295,7 @@ private:
         static const words VALUES = {"vlan", "hwbd", "ltl"};
         std::vector<sequence> ways = {{}};
         if (std::find(VALUES.begin(), VALUES.end(), inside) != VALUES.end()) {
-            ways.push_back({{}});
+            ways.push_back({{value_kind(inside)}});
         } else if (inside.find('|') != std::string::npos) {
             ways.push_back({split_choices(inside)});
             if (inside.find('<') != std::string::npos || inside.starts_with("num")) {
@@ -295,23 +311,27 @@ private:
 
 std::string line_of(const sequence &way) {
     std::string line;
+    std::string before;
     for (const choices &each : way) {
         std::string word = each.empty() ? "*" : "";
         for (const std::string &choice : each) {
             word += (word.empty() ? "" : "|") + choice;
         }
-        line += (line.empty() ? "" : " ") + word;
+        word = word == "*" && before == "ltl" ? "*ltl" : word;
+        line += " " + word;
+        before = word;
     }
     return line;
 }
 
-// One line for each way to type a command: words, "a|b" for a choice, "*" for a value.
+// One line for each way to type a command: "+" for a row that is built or "-", words, "a|b" for a
+// choice, "*" for a value, "*ltl" for one of a kind.
 void write_words() {
-    words lines = {"help"};
+    words lines = {"+ help"};
     for (const command_section &section : read_table()) {
         for (const command_row &row : section.rows) {
             for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
-                lines.push_back(line_of(way));
+                lines.push_back((row.built ? "+" : "-") + line_of(way));
             }
         }
     }
