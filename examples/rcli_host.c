@@ -20,6 +20,7 @@
 
 /* Bytes of one command, its NUL included: the command layer runs no longer one. */
 #define COMMAND_SIZE 256
+#define MOST_PAGES 1048576L
 
 /* Join the words with blanks. Returns 0, or -1 when they do not fit. */
 static int join_words(char command[COMMAND_SIZE], int count, char *const words[]) {
@@ -52,15 +53,17 @@ static uint32_t print_page(const char *text, int *rows_lost) {
 }
 
 /*
- * Print page after page. A cookie that comes back unchanged would ask for the same page again.
+ * Print page after page. A cookie that comes back unchanged would ask for the same page again, and a
+ * driver that answers in circles has no last page.
  * Returns 0, or -1 when something is missing.
  */
 static int print_pages(const char *command) {
     char text[COMMAND_SIZE];
     int rows_lost = 0;
     uint32_t previous = 0;
+    long pages = 1;
     uint32_t cookie = print_page(command, &rows_lost);
-    while (cookie != 0 && cookie != previous) {
+    while (cookie != 0 && cookie != previous && pages++ < MOST_PAGES) {
         const int length = snprintf(text, sizeof text, "%s cookie %u", command, (unsigned)cookie);
         if (length < 0 || (size_t)length >= sizeof text) {
             fputs("rcli_host: no room for the cookie\n", stderr);

@@ -141,7 +141,7 @@ int kx_typed_keywords(const kestrel_cmd_row &row) {
 }
 
 void kx_explain_run(const kestrel_cmd_row &row, int matched, const char *command) {
-    const bool is_whole = matched == kx_typed_keywords(row);
+    const bool is_whole = matched >= kx_typed_keywords(row);
     auto length = static_cast<int>(strlen(command));
     while (length > 0 && kx_is_space(command[length - 1])) {
         --length;

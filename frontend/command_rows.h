@@ -15,7 +15,7 @@ int kx_typed_keywords(const kestrel_cmd_row &row);
 // - the row is the catch-all of unknown displays (with the nearest display that there is), or a
 //   command only begins like a row that is not built;
 // - the row is not built;
-// - a command that only begins like the row has set or cleared something;
+// - a command that only begins like the row was run as one that sets or clears;
 // - a display has printed nothing.
 // Prints nothing for any other run.
 void kx_explain_run(const kestrel_cmd_row &row, int matched, const char *command);

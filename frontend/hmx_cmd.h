@@ -17,7 +17,8 @@
  *     the page is the NUL-terminated text in hmx_rcli_buffer
  *     hmx_rcli_buffer_ptr is not where that text ends: the page did not fit, its end is lost
  *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" after it, N being
- *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does
+ *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does,
+ *         and so does page 1048576: a driver may answer in circles
  *     hmx_cmd_exit(), kx_dpa_api_exit()           once
  *
  * Nothing here resets the sink: what the host leaves in it, the next run finds. A command that

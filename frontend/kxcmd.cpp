@@ -195,6 +195,7 @@ int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int /*length
         return -1;
     }
     kx_has_printed = false;
+    kx_walked_requests = 0;
     const int result = row.handler(arg);
     if (kx_run_from_shell) {
         kx_explain_run(row, best.depth + 1, command);

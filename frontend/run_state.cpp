@@ -5,6 +5,7 @@
 
 bool kx_run_from_shell = false;
 bool kx_has_printed = false;
+uint32_t kx_walked_requests = 0;
 bool kx_has_unbuilt_groups = false;
 bool kx_run_broken = false;
 

@@ -1,12 +1,16 @@
 #ifndef FRONTEND_RUN_STATE_H
 #define FRONTEND_RUN_STATE_H
 
+#include <cstdint>
+
 // True in tarncmd itself, where an operator reads standard error. Only the tool's own main sets it,
 // and not the library, whatever its sink points at: in a host process standard error is the host's.
 extern bool kx_run_from_shell;
 
-// True once a handler has printed something since its command began.
+// What a handler has done since its command began: printed something, and the requests that its
+// walks have made.
 extern bool kx_has_printed;
+extern uint32_t kx_walked_requests;
 
 // True once a VLAN of this run had multicast groups, whose tables are not built.
 extern bool kx_has_unbuilt_groups;

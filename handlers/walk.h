@@ -2,15 +2,21 @@
 // refusal ends the walk.
 //
 // No answer keeps a walk going for ever, since that would be the end of a host process: a walk has
-// also ended when the answer is the very position that it was asked with, and after
-// KX_WALK_REQUESTS requests.
+// also ended when the answer is the very position that it was asked with, after KX_WALK_REQUESTS
+// requests, and, for walks within walks, when all walks of the command have made
+// KX_COMMAND_REQUESTS.
 #ifndef HANDLERS_WALK_H
 #define HANDLERS_WALK_H
+
+#include "frontend/run_state.h"
 
 #include <cstdint>
 
 // Many more than any table has entries.
 constexpr uint32_t KX_WALK_REQUESTS = 1U << 20;
+
+// More than a walk over all bridge domains for each port takes, 1,048 times 9,300.
+constexpr uint32_t KX_COMMAND_REQUESTS = 1U << 24;
 
 // A walk over what the driver numbers: LTLs, VLANs, bridge domains, multicast groups.
 struct kx_walk {
@@ -18,12 +24,13 @@ struct kx_walk {
     uint32_t requests = 0; // made so far
 };
 
-// Count one more request of a walk. False when it has made too many.
+// Count one more request of a walk. False when there were too many.
 inline bool kx_may_ask(uint32_t *requests) {
-    if (*requests == KX_WALK_REQUESTS) {
+    if (*requests == KX_WALK_REQUESTS || kx_walked_requests == KX_COMMAND_REQUESTS) {
         return false;
     }
     ++*requests;
+    ++kx_walked_requests;
     return true;
 }
 

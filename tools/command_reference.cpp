@@ -148,37 +148,61 @@ std::string mdoc_words(const std::string &text) {
     return safe;
 }
 
+using command_rows = std::vector<const command_row *>;
+
+// What is typed of each row, once, as a sentence.
+void write_typed(const char *lead, const command_rows &rows) {
+    words typed;
+    for (const command_row *row : rows) {
+        typed.push_back(joined(row->keywords, 0, row->typed));
+    }
+    typed.erase(std::unique(typed.begin(), typed.end()), typed.end());
+    std::printf(".Pp\n%s\n", lead);
+    for (const std::string &each : typed) {
+        std::printf(".Cm %s%s\n", mdoc_words(each).c_str(), &each == &typed.back() ? " ." : " ,");
+    }
+}
+
 void write_mdoc() {
-    for (const command_section &section : read_table()) {
+    const std::vector<command_section> sections = read_table();
+    for (const command_section &section : sections) {
         std::printf(".Ss %s\n.Bl -tag -width Ds -compact\n", section.title);
-        words unbuilt;
+        command_rows unbuilt;
         std::string before;
         for (const command_row &row : section.rows) {
-            const std::string typed = joined(row.keywords, 0, row.typed);
             const bool repeated = before == joined(row.keywords);
             before = joined(row.keywords);
             if (!row.built) {
-                unbuilt.push_back(typed);
+                unbuilt.push_back(&row);
             } else if (!repeated && !row.help.empty()) {
                 std::string arguments = joined(row.keywords, row.typed);
                 arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
-                std::printf(".It Cm %s%s%s\n%s.\n", mdoc_words(typed).c_str(),
+                std::printf(".It Cm %s%s%s\n%s.\n",
+                            mdoc_words(joined(row.keywords, 0, row.typed)).c_str(),
                             arguments.empty() ? "" : " Ar ", mdoc_words(arguments).c_str(),
                             row.help.c_str());
             }
         }
-        std::printf(".El\n.Pp\nNot built in this version:\n");
-        unbuilt.erase(std::unique(unbuilt.begin(), unbuilt.end()), unbuilt.end());
-        for (const std::string &typed : unbuilt) {
-            std::printf(".Cm %s%s\n", mdoc_words(typed).c_str(),
-                        &typed == &unbuilt.back() ? " ." : " ,");
+        std::printf(".El\n");
+        write_typed("Not built in this version:", unbuilt);
+    }
+
+    command_rows doing;
+    command_rows unbuilt_doing;
+    for (const command_row &row : sections.front().rows) {
+        if (row.keywords.front() != "show") {
+            (row.built ? doing : unbuilt_doing).push_back(&row);
         }
     }
+    std::printf(
+        ".Ss Which commands change something\nAll set commands that are built do, at once.\n");
+    write_typed("Among the display commands these do more than show something:", doing);
+    write_typed("And these would, but are not built in this version:", unbuilt_doing);
 }
 
 // --- words ---
 
-// One thing to type: its choices, or none when it is a value.
+// One thing to type: its choices, or the kind of a value alone; none for a value of some kind.
 using choices = words;
 using sequence = std::vector<choices>;
 
@@ -188,6 +212,20 @@ bool is_word(std::string_view text) {
            std::all_of(text.begin(), text.end(), [](unsigned char byte) {
                return std::isalnum(byte) != 0 || byte == '-' || byte == '_';
            });
+}
+
+// "*vlan" for "<vlan-id>" and "[vlan]", "*" for a value that no display lists.
+std::string value_kind(const std::string &notation) {
+    static const std::pair<const char *, const char *> KINDS[] = {
+        {"ltl", "*ltl"},         {"vlan", "*vlan"},      {"bd-name", "*bd-name"},
+        {"segment", "*segment"}, {"seg-id", "*segment"}, {"hwbd", "*hwbd"},
+    };
+    for (const auto &[name, kind] : KINDS) {
+        if (notation.find(name) != std::string::npos) {
+            return kind;
+        }
+    }
+    return "*";
 }
 
 // Cut at bars; "<eid>" among the pieces is a value, as "num" is.
@@ -245,7 +283,8 @@ private:
         if (text_[at_] == '<' || text_[at_] == '{') {
             const char end = text_[at_++] == '<' ? '>' : '}';
             const std::string inside = take_until(end);
-            return {{inside.find('|') == std::string::npos ? choices{} : split_choices(inside)}};
+            return {{inside.find('|') == std::string::npos ? choices{value_kind(inside)}
+                                                           : split_choices(inside)}};
         }
         return {{split_choices(take_until(' '))}};
     }
@@ -256,7 +295,7 @@ private:
         static const words VALUES = {"vlan", "hwbd", "ltl"};
         std::vector<sequence> ways = {{}};
         if (std::find(VALUES.begin(), VALUES.end(), inside) != VALUES.end()) {
-            ways.push_back({{}});
+            ways.push_back({{value_kind(inside)}});
         } else if (inside.find('|') != std::string::npos) {
             ways.push_back({split_choices(inside)});
             if (inside.find('<') != std::string::npos || inside.starts_with("num")) {
@@ -272,23 +311,27 @@ private:
 
 std::string line_of(const sequence &way) {
     std::string line;
+    std::string before;
     for (const choices &each : way) {
         std::string word = each.empty() ? "*" : "";
         for (const std::string &choice : each) {
             word += (word.empty() ? "" : "|") + choice;
         }
-        line += (line.empty() ? "" : " ") + word;
+        word = word == "*" && before == "ltl" ? "*ltl" : word;
+        line += " " + word;
+        before = word;
     }
     return line;
 }
 
-// One line for each way to type a command: words, "a|b" for a choice, "*" for a value.
+// One line for each way to type a command: "+" for a row that is built or "-", words, "a|b" for a
+// choice, "*" for a value, "*ltl" for one of a kind.
 void write_words() {
-    words lines = {"help"};
+    words lines = {"+ help"};
     for (const command_section &section : read_table()) {
         for (const command_row &row : section.rows) {
             for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
-                lines.push_back(line_of(way));
+                lines.push_back((row.built ? "+" : "-") + line_of(way));
             }
         }
     }

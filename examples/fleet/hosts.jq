@@ -5,17 +5,33 @@
 # They hold different virtual machines, on ports of the same names, and learn each other's addresses. Some
 # differ in what an operator would look for.
 
+include "tarn" {search: "../../questions"};
+
 def hex: [(. / 16 | floor), . % 16] | map("0123456789abcdef"[.:. + 1]) | add;
 
-def port($name): .ports[] | select(.name == $name);
+def named($name): .ports[] | select(.name == $name);
 
-# Everything that is enabled works.
+# The port's own address behind it, in the first of its networks.
+def learn($port):
+    (.bridge_domains[] | select(if $port.segment then .segment == $port.segment
+                                else .vlan == ($port.vlans | numbers[0]) end).index) as $domain
+    | .l2.tables |= if any(.[]; .bridge_domain == $domain) then . else . + [{bridge_domain: $domain, entries: []}] end
+    | (.l2.tables[] | select(.bridge_domain == $domain).entries) += [{mac: $port.mac, ltl: $port.ltl, static: true}];
+
+# Everything works, and nothing has been dropped, denied or forgotten.
 def healed:
     del(.agent) # there is room for one on a machine
-    | del(.ports[].error, .ports[].krt)
-    | port("firewall.eth0").vlans = "10,20,30"
-    | (.ports[] | select(.admin == "up")) |= (.link = "up" | .forwarding = true
-        | if .vlans then .forwards_on = .vlans else . end);
+    | del(.ports[].error, .ports[].krt, .drops, .multicast_drops, .flood_drops,
+        .l2.rejected, .l2.tables[].entries[].drop, .heaps[].denied, .heaps[].bad_redzones,
+        .traffic[].receive_drops, .traffic[].transmit_drops)
+    | named("firewall.eth0").vlans = [10, 20, 30]
+    | (.bridge_domains[] | select(.vlan == 30)).members |= numbers + [68]
+    | (.ports[] | select(.ltl >= 18 and .name != null)) |= (.admin = "up" | .link = "up" | .forwarding = true
+        | if .vlans then .forwards_on = .vlans else . end)
+    | (.ports[] | select(.ltl >= 50 and .sub_group_b == null and .ltl < 1040)).sub_group_b = 0
+    | reduce (.ports[] | select(.name | IN("vmk1", "web-4.eth0", "router.eth0", "firewall.eth0", "red-2.eth0",
+                                           "template.eth0")))
+        as $port (.; learn($port));
 
 # The machines of this host, apart from those of the others.
 def with_number($number):
@@ -31,9 +47,9 @@ def with_neighbour($number):
 
 def with_fault($number):
     if $number == 4 then .card.versions.hmx = "2.3.0" else . end
-    | if $number % 5 == 2 then port("vmnic2") |= (.link = "down" | .forwarding = false) else . end
-    | if $number % 8 == 3 then port("web-5.eth0") |= (.error = "bpdu" | .forwarding = false) else . end
-    | if $number % 8 == 1 then port("app-1.eth0") |= (.error = "storm" | .forwarding = false) else . end;
+    | if $number % 5 == 2 then named("vmnic2") |= (.link = "down" | .forwarding = false) else . end
+    | if $number % 8 == 3 then named("web-5.eth0") |= (.error = "bpdu" | .forwarding = false) else . end
+    | if $number % 8 == 1 then named("app-1.eth0") |= (.error = "storm" | .forwarding = false) else . end;
 
 healed as $healthy
 | range(1; $count + 1) as $number

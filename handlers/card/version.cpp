@@ -45,7 +45,8 @@ int kx_card_version(const char *) {
     if (kx_dpa_get(KXDPA_OP_GET_UPDATE_LEVEL, 0, &update_level) == KXDPA_STATUS_SUCCESS) {
         kx_print("ESX Version Update Level: %d\n", update_level);
     }
-    // The DPA gets its own 8 bytes back as they were read; zeros when they could not be.
+    // The DPA gets its own 8 bytes back as they were read. When they could not be, deliberately, it
+    // gets zeros, or what a refusing driver left.
     uint64_t version_word = 0;
     kx_dpa_get(KXDPA_OP_GET_VERSION_WORD, 0, &version_word);
     kx_dpa_set(KXDPA_OP_SET_VERSION_WORD, 0, &version_word);

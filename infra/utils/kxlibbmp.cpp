@@ -410,7 +410,10 @@ int bitset_next_free_range(const bitset *b, bitset_range *range) {
 }
 
 void bitset_to_bitarray(const bitset *b, uint8_t *array, uint32_t length) {
-    const uint32_t copied = exists(b, __func__) ? std::min(b->size, length) : 0;
+    if (!exists(b, __func__)) {
+        return;
+    }
+    const uint32_t copied = std::min(b->size, length);
     copy_reversed(array, bits_of(b), copied);
     if (copied < length) {
         memset(array + copied, 0, length - copied);

@@ -7,8 +7,8 @@
 // a 4-byte boundary, and of a set whose size is not a multiple of 4 they never see the last bytes.
 //
 // A failed precondition, a null record among them, is reported (kxassert.h) and the operation does
-// nothing: predicates and counts then return 0, searches and walks -1. Bit numbers are signed; -1
-// means that there is no such bit.
+// nothing: predicates and counts then return 0 (bmp4096_bitcount -1), searches and walks -1. Bit
+// numbers are signed; -1 means that there is no such bit.
 #ifndef INFRA_UTILS_KXLIBBMP_H
 #define INFRA_UTILS_KXLIBBMP_H
 

@@ -114,6 +114,13 @@ int read_mac_groups(uint8_t mac[6], const char *text, size_t group_bytes, char s
     return 0;
 }
 
+// A word that is read as 0 must be a 0: "08" and "0x" are slips.
+bool is_number(const char *word) {
+    char *end = nullptr;
+    const bool is_zero = strtoul(word, &end, 0) == 0;
+    return is_digit(word[word[0] == '+' ? 1 : 0]) && (!is_zero || *end == '\0');
+}
+
 struct scanned_ltl {
     int32_t ltl;
     bool typed; // it is the number of a word
@@ -128,9 +135,7 @@ scanned_ltl scan_ltl(const char *text) {
     scanned_ltl found = {-1, false};
     for (int i = 0; i < count; ++i) {
         if (found.ltl != 0) {
-            const bool is_signed = words[i][0] == '-' || words[i][0] == '+';
-            found = {static_cast<int32_t>(kx_parse_number(words[i])),
-                     is_digit(words[i][is_signed ? 1 : 0])};
+            found = {static_cast<int32_t>(kx_parse_number(words[i])), is_number(words[i])};
         }
         if (kx_begins_with(words[i], "ltl")) {
             found = {1, false};
