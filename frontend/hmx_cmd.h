@@ -16,15 +16,20 @@
  *     hmx_cmd_run(text, (int)strlen(text), 1);
  *     the page is the NUL-terminated text in hmx_rcli_buffer
  *     hmx_rcli_buffer_ptr is not where that text ends: the page did not fit, its end is lost
- *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" behind it, N being
+ *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" after it, N being
  *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does
  *     hmx_cmd_exit(), kx_dpa_api_exit()           once
  *
- * Nothing here resets the sink: what the host leaves in it, the next run finds. All state is one
- * set per process and is not locked: one command runs at a time. Lines about refused and unknown
- * commands, and trace lines, go to standard output, never into the buffer. Nothing here writes to
- * standard error, which is the host's own; the shell that "show card" asks for the management
- * address inherits it and may.
+ * Nothing here resets the sink: what the host leaves in it, the next run finds. A command that
+ * refuses its cookie leaves hmx_rcli_more_output alone, so a host that does not clear it takes the
+ * old word for a next page. A page that ends with LTL 0, which a driver may show, leaves the word
+ * 0: the table seems to end there.
+ *
+ * All state is one set per process and is not locked: one command runs at a time, and no two
+ * threads may be in here at once. Lines about refused and unknown commands, complaints of commands
+ * that set something, and trace lines go to standard output, never into the buffer. Nothing here
+ * writes to standard error, which is the host's own; the shell that "show card" asks for the
+ * management address inherits it and may.
  *
  * Everything is 32-bit x86 code. This header can be included from C and from C++.
  */
@@ -36,7 +41,7 @@
 #endif
 
 /* The version of this header and its libraries. */
-#define HMX_CMD_VERSION "1.2.0"
+#define HMX_CMD_VERSION "1.3.0"
 
 #include <stdint.h>
 
@@ -79,6 +84,12 @@ int hmx_cmd_run(const char *text, int length, int from_agent);
  * command table in place.
  */
 int hmx_cmd_help(char *buffer, unsigned int size);
+
+/*
+ * Clear the drop counters of all pipeline stages, which no command does. Returns the driver's
+ * status: 0, or why it refused. Needs the open request channel.
+ */
+uint32_t kx_port_drops_clear(void);
 
 /*
  * The remote-CLI output buffer. Every write ends with a NUL inside the buffer, so a cut text is

@@ -194,10 +194,12 @@ int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int /*length
         kx_print_stamped("Cmd not permitted from DPA %p\n", handler_address);
         return -1;
     }
+    kx_has_printed = false;
+    const int result = row.handler(arg);
     if (kx_run_from_shell) {
-        kx_explain_silence(row, best.depth + 1, command);
+        kx_explain_run(row, best.depth + 1, command);
     }
-    return row.handler(arg);
+    return result;
 }
 
 int kxcmd_snprintf_help(kestrel_cmd_row *table, char *buffer, int size) {

@@ -4,6 +4,7 @@
 #include "frontend/output_sink.h"
 #include "frontend/run_state.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -50,10 +51,26 @@ void print_help() {
     }
 }
 
+// What an operator can do without the driver. `error` is errno of the open, or 0.
+void explain_no_driver(int error) {
+    fflush(stdout);
+    fprintf(stderr,
+            "tarncmd: %s: %s; \"tarnlab tarncmd help\" shows the commands on a simulated host, "
+            "\"man tarncmd\" explains them\n",
+            KX_DEVICE_PATH,
+            error != 0 ? strerror(error) : "the HMX there is of another version than this tarncmd");
+}
+
+// The words by which a program is usually asked for its help, which no command has.
+bool asks_for_help(const char *word) {
+    return strcmp(word, "--help") == 0 || strcmp(word, "-h") == 0 || strcmp(word, "--version") == 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[]) {
     kx_run_from_shell = true;
+    kx_has_unbuilt_groups = false;
     const bool help = argc <= 1 || (argc == 2 && strcmp(argv[1], "help") == 0);
     if (!help && !join_arguments(argc - 1, argv + 1)) {
         fprintf(
@@ -64,13 +81,16 @@ int main(int argc, char *argv[]) {
         return -1;
     }
     if (kx_dpa_api_init() != 0) {
+        const int error = errno;
         puts("Error initializing kx_dpa_api_init()");
+        explain_no_driver(error);
         return -1;
     }
     const uint32_t status = check_version();
     if (status == KXDPA_STATUS_VERSION_MISMATCH) {
         puts("Cannot execute tarncmd: tarncmd utility version does not match the running HMX "
              "version.");
+        explain_no_driver(0);
         return -1;
     }
     if (status != KXDPA_STATUS_SUCCESS) {
@@ -81,6 +101,15 @@ int main(int argc, char *argv[]) {
         print_help();
     } else {
         hmx_cmd_run(cmdbuffer, static_cast<int>(strlen(cmdbuffer)), 0);
+    }
+    fflush(stdout);
+    if (kx_has_unbuilt_groups) {
+        fputs("tarncmd: there are multicast groups, whose tables are not built in this version\n",
+              stderr);
+    }
+    if (argc == 2 && asks_for_help(argv[1])) {
+        fputs("tarncmd: version " HMX_CMD_VERSION "; \"tarncmd help\" lists the commands\n",
+              stderr);
     }
     hmx_cmd_exit();
     return kx_run_broken ? -1 : 0;

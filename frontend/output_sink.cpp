@@ -1,5 +1,7 @@
 #include "frontend/output_sink.h"
 
+#include "frontend/run_state.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -77,6 +79,7 @@ uint32_t kx_debug_print_dpa_platform = DEBUG_WORD_AT_START;
 uint32_t kx_debug_print_dpa_main = DEBUG_WORD_AT_START;
 
 void kx_print(const char *format, ...) {
+    kx_has_printed = true;
     va_list arguments;
     va_start(arguments, format);
     if (hmx_rcli_buffer_ptr == nullptr) {
@@ -102,6 +105,7 @@ void kx_print(const char *format, ...) {
 }
 
 void kx_print_stamped(const char *format, ...) {
+    kx_has_printed = true;
     timeval now{};
     gettimeofday(&now, nullptr);
     const time_t seconds = now.tv_sec;

@@ -4,6 +4,8 @@
 #include "frontend/kxcmd.h"
 
 bool kx_run_from_shell = false;
+bool kx_has_printed = false;
+bool kx_has_unbuilt_groups = false;
 bool kx_run_broken = false;
 
 int kx_give_up() {

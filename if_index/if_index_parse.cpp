@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <strings.h>
 
 #include "if_index/if_index.h"
 #include "if_index/if_index_platform.h"
+#include "infra/utils/kxstrings.h"
 
 #define KEYWORD_TEXT(name, text, least, most) text,
 const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYWORD_COUNT] = {
@@ -57,9 +57,7 @@ int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbe
         if_index_phy_fc_port_cli_init(if_index, n[0], n[1], n[2]);
         return 1;
     case IF_KEYWORD_GIGABITETHERNET:
-        // Three numbers end in the sub-interface; only four have a third one before it.
-        if_index_phy_eth_port_cli_init(if_index, n[0], n[1], count == 4 ? n[2] : 0,
-                                       count == 4 ? n[3] : n[2]);
+        if_index_phy_eth_port_cli_init(if_index, n[0], n[1], 0, n[2]);
         return 1;
     case IF_KEYWORD_VSAN:
         if_index_vsan_port_cli_init(if_index, IF_VSAN_SLOT, 0, n[0]);
@@ -137,7 +135,7 @@ int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbe
         }
         return 1;
     case IF_KEYWORD_REMOTE_ETHERNET:
-        if_index_sat_phy_eth_port_cli_init(if_index, n[0], n[1], n[2], n[3]);
+        if_index_sat_phy_eth_port_cli_init(if_index, n[0], n[1], n[2], 0);
         return 1;
     case IF_KEYWORD_IOA:
         if_index_ioa_port_cli_init(if_index, n[0], n[1]);
@@ -182,7 +180,7 @@ static uint32_t find_keyword(const char *text) {
             continue;
         }
         const char *name = INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[keyword];
-        if (strncasecmp(text, name, strlen(name)) == 0) {
+        if (kx_strncasecmp(text, name, strlen(name)) == 0) {
             return keyword;
         }
     }
@@ -212,7 +210,7 @@ int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index) {
         return 0;
     }
     text += strspn(text, " ");
-    if (strcasecmp(text, "null0") == 0) {
+    if (kx_strncasecmp(text, "null0", sizeof "null0") == 0) {
         *if_index = if_index_get_null_interface();
         return 1;
     }

@@ -12,7 +12,7 @@
 #define IF_KEYWORDS(K) \
     K(UNKNOWN, "Unknown", -1, -1) \
     K(FC, "fc", 2, 3) \
-    K(GIGABITETHERNET, "gigabitethernet", 2, 4) \
+    K(GIGABITETHERNET, "gigabitethernet", 2, 3) \
     K(VSAN, "vsan", 1, 1) \
     K(ISCSI, "iscsi", 2, 2) \
     K(PORT_CHANNEL, "port-channel", 1, 2) \
@@ -39,7 +39,7 @@
     K(ISAPI, "isapi", -1, -1) \
     K(VETHERNET, "vethernet", 1, 2) \
     K(VFC, "vfc", 1, 3) \
-    K(REMOTE_ETHERNET, "remote-ethernet", 3, 4) \
+    K(REMOTE_ETHERNET, "remote-ethernet", 3, 3) \
     K(IOA, "ioa", 2, 2) \
     K(OVERLAY, "overlay", 1, 1) \
     K(LVETH, "lveth", 2, 3) \
@@ -94,9 +94,9 @@ extern const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYW
 // The most numbers that are read from a name.
 constexpr int IF_NAME_MAX_NUMBERS = 10;
 
-// Turn a name into an index: leading blanks, a keyword in any case, then its numbers with anything
-// but digits between them, up to a "," or "-" right before a number. Returns 1 when the keyword
-// builds an index and the count of numbers is right, else 0.
+// Turn a name into an index: leading blanks, a keyword in any case (ASCII, whatever the locale),
+// then its numbers with anything but digits between them, up to a "," or "-" right before a number.
+// Returns 1 when the keyword builds an index and the count of numbers is right, else 0.
 //
 // 1 does not say that the numbers are in range: when they are not, *if_index is left as it was, so
 // preset it.

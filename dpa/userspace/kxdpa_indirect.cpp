@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const char *DEVICE_PATH = "/vmfs/devices/char/vmkdriver/kestrel";
-
 // The driver has one request code; the opcode selects the operation.
 constexpr unsigned long REQUEST_CODE = 0;
 
@@ -46,7 +44,7 @@ int kx_dpa_call_fd = -1;
 
 int kx_platform_open() {
     kx_platform_close();
-    kx_dpa_call_fd = open(DEVICE_PATH, O_RDONLY | O_CLOEXEC);
+    kx_dpa_call_fd = open(KX_DEVICE_PATH, O_RDONLY | O_CLOEXEC);
     return kx_dpa_call_fd;
 }
 

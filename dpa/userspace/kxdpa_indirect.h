@@ -10,6 +10,8 @@
 #include "dpa/userspace/kxdpa_request.h"
 #include "frontend/hmx_cmd.h" // kx_dpa_api_init, kx_dpa_api_exit
 
+constexpr const char *KX_DEVICE_PATH = "/vmfs/devices/char/vmkdriver/kestrel";
+
 // Descriptor of the driver device, -1 while it is not open.
 extern int kx_dpa_call_fd;
 

@@ -31,10 +31,9 @@ void print_heap(const kx_heap_record &heap) {
 } // namespace
 
 int kx_show_heaps(const char *) {
-    kx_heap_record heap{};
     kx_print("      Heap Name   Objs  ObjBytes Denied  DenBytes      Min      Max   MaxObj\n");
-    while (kx_next_by_name(KXDPA_OP_NEXT_HEAP, &heap)) {
-        print_heap(heap);
+    for (kx_name_walk<kx_heap_record> walk; kx_next_by_name(KXDPA_OP_NEXT_HEAP, &walk);) {
+        print_heap(walk.at);
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 #define HANDLERS_CARD_MEMORY_RECORD_H
 
 #include "dpa/userspace/kxdpa_indirect.h"
+#include "handlers/walk.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -67,13 +68,22 @@ static_assert(offsetof(kx_memory_pool_record, low_water_mark) == 64);
 static_assert(offsetof(kx_memory_pool_record, high_water_mark) == 72);
 static_assert(offsetof(kx_memory_pool_record, name) == 80);
 
-// Step to the entry behind the one that `record` names; a zeroed record starts the walk. Nothing
-// but the name is sent. False at the end of the list, which is a failed request.
-template <typename Record> bool kx_next_by_name(kxdpa_opcode opcode, Record *record) {
+// A walk over heaps or pools: the one that it has come to, all zero to start.
+template <typename Record> struct kx_name_walk {
+    Record at{};
+    uint32_t requests = 0;
+};
+
+// Step to the next heap or pool. Nothing but the name is sent. False at the end of the walk.
+template <typename Record> bool kx_next_by_name(kxdpa_opcode opcode, kx_name_walk<Record> *walk) {
     Record next{};
-    memcpy(next.name, record->name, sizeof next.name);
-    *record = next;
-    return kx_dpa_exchange(opcode, 0, record) == KXDPA_STATUS_SUCCESS;
+    memcpy(next.name, walk->at.name, sizeof next.name);
+    if (!kx_may_ask(&walk->requests) || kx_dpa_exchange(opcode, 0, &next) != KXDPA_STATUS_SUCCESS ||
+        memcmp(next.name, walk->at.name, sizeof next.name) == 0) {
+        return false;
+    }
+    walk->at = next;
+    return true;
 }
 
 #endif

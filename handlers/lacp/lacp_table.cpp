@@ -42,17 +42,17 @@ void show_from_shell(const lacp_view &view, const char *arg) {
         }
         return;
     }
-    uint32_t ltl = LTL_BEFORE_FIRST;
-    while (kx_next_ltl(&ltl) && ltl <= KX_LACP_LAST_LTL) {
-        view.show_ltl(ltl);
+    for (kx_walk walk{LTL_BEFORE_FIRST}; kx_next_ltl(&walk) && walk.at <= KX_LACP_LAST_LTL;) {
+        view.show_ltl(walk.at);
     }
 }
 
 // A page is one uplink.
-void show_page(const lacp_view &view, uint32_t ltl) {
-    if (kx_next_ltl(&ltl) && ltl >= KX_LACP_FIRST_LTL && ltl <= KX_LACP_LAST_LTL) {
-        view.show_ltl(ltl);
-        kx_end_page(ltl);
+void show_page(const lacp_view &view, uint32_t cookie) {
+    kx_walk walk{cookie};
+    if (kx_next_ltl(&walk) && walk.at >= KX_LACP_FIRST_LTL && walk.at <= KX_LACP_LAST_LTL) {
+        view.show_ltl(walk.at);
+        kx_end_page(walk.at);
     } else {
         kx_end_table();
     }

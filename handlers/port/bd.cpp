@@ -4,6 +4,8 @@
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
+#include "frontend/run_state.h"
+#include "handlers/leaf_mode.h"
 #include "handlers/paging.h"
 #include "infra/utils/field_text.h"
 #include "infra/utils/kxstrings.h"
@@ -48,27 +50,36 @@ void print_vlan_heading(uint32_t index, const kx_bd_record &bd, int32_t port_cou
              port_count, kx_field_text(bd.name).text);
 }
 
-// Step `group` to the VLAN's next IPv4 multicast group; start from 0. False at the end.
-bool next_group(uint32_t vlan, uint32_t *group) {
-    if (kx_dpa_exchange(KXDPA_OP_NEXT_VLAN_GROUP, vlan, group) != KXDPA_STATUS_SUCCESS) {
+// Step to the VLAN's next IPv4 multicast group; start from 0. False at the end, which an answered
+// group of 0 is as well.
+bool next_group(uint32_t vlan, kx_walk *walk) {
+    uint32_t group = walk->at;
+    if (!kx_may_ask(walk) ||
+        kx_dpa_exchange(KXDPA_OP_NEXT_VLAN_GROUP, vlan, &group) != KXDPA_STATUS_SUCCESS) {
         return false;
     }
     kx_trace(kx_debug_print_kxdump, KX_DEBUG_TRACE, "dpa_kx_get_next_vlan_v4_group(%d) = 0x%08x)\n",
-             vlan, *group);
-    return *group != 0;
+             vlan, group);
+    return group != 0 && kx_go_to(walk, group);
 }
 
 // Walk the multicast groups of a VLAN. Their tables belong to the multicast display, which this
 // tool does not have: the groups are asked for and traced, and nothing is printed.
 void walk_groups(uint32_t vlan) {
-    uint32_t group = 0;
-    while (next_group(vlan, &group)) {
+    for (kx_walk walk{0}; next_group(vlan, &walk);) {
+        kx_has_unbuilt_groups = true;
     }
 }
 
 bool print_listed_bd(uint32_t index) {
     kx_bd_vlan_dump(index, KX_BD_BY_INDEX);
     return true;
+}
+
+// A leaf of the overlay policy controller lists its bridge domains through a printer of the overlay
+// displays, whose layout is not known: this one prints what every other host prints.
+bool print_listed_leaf_bd(uint32_t index) {
+    return print_listed_bd(index);
 }
 
 int print_given_bd(uint32_t index) {
@@ -119,7 +130,8 @@ int kx_bd_table_dump(const char *arg) {
     if (arg != nullptr) {
         return print_given_bd(kx_parse_number(arg));
     }
-    kx_print_bd_list(print_listed_bd);
+    kx_print_bd_count();
+    kx_print_bd_list(kx_hmx_is_leaf_mode() ? print_listed_leaf_bd : print_listed_bd);
     return 0;
 }
 

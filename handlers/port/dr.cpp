@@ -45,6 +45,7 @@ int kx_bd_table_dump_dr(const char *arg) {
     if (arg != nullptr) {
         return print_given_dr(kx_parse_number(arg));
     }
+    kx_print_bd_count();
     kx_print_bd_list(print_listed_dr);
     return 0;
 }

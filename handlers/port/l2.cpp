@@ -39,12 +39,26 @@ bool get_limits(uint32_t index, l2_limits *limits) {
            kx_dpa_get(KXDPA_OP_L2_AGING_TIME, index, &limits->aging_time) == KXDPA_STATUS_SUCCESS;
 }
 
-// The entry behind the MAC address `cursor`, all zero to start. False at the end of the table.
-bool next_entry(uint32_t index, uint8_t cursor[KX_MAC_SIZE], kx_l2_entry *entry) {
+// A walk over a table's entries by their MAC addresses.
+struct entry_walk {
+    uint8_t at[KX_MAC_SIZE] = {}; // all zero to start
+    uint32_t requests = 0;
+};
+
+// Step to the table's next entry. False at the end of the walk.
+bool next_entry(uint32_t index, entry_walk *walk, kx_l2_entry *entry) {
     *entry = {};
-    return kx_dpa_call_indirect2(
-               KXDPA_OP_NEXT_L2_ENTRY, index, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO,
-               cursor, KX_MAC_SIZE, nullptr, entry, sizeof *entry, nullptr) == KXDPA_STATUS_SUCCESS;
+    entry_walk asked = *walk; // the driver's to write to
+    if (!kx_may_ask(&walk->requests) ||
+        kx_dpa_call_indirect2(KXDPA_OP_NEXT_L2_ENTRY, index,
+                              KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO, asked.at,
+                              sizeof asked.at, nullptr, entry, sizeof *entry,
+                              nullptr) != KXDPA_STATUS_SUCCESS ||
+        memcmp(walk->at, entry->mac, sizeof walk->at) == 0) {
+        return false;
+    }
+    memcpy(walk->at, entry->mac, sizeof walk->at);
+    return true;
 }
 
 bool is_segment(const kx_bd_record &bd) {
@@ -115,18 +129,16 @@ void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_t
 }
 
 void print_entries(uint32_t index, const kx_bd_record &bd, int32_t aging_time) {
-    uint8_t cursor[KX_MAC_SIZE] = {};
     bool header_due = true;
     bool leaf_mode = false; // one answer for header and rows
     kx_l2_entry entry;
-    while (next_entry(index, cursor, &entry)) {
+    for (entry_walk walk; next_entry(index, &walk, &entry);) {
         if (header_due) {
             leaf_mode = kx_hmx_is_leaf_mode();
             print_header(bd, leaf_mode);
             header_due = false;
         }
         print_row(bd, entry, aging_time, leaf_mode);
-        memcpy(cursor, entry.mac, sizeof cursor);
     }
 }
 
@@ -139,10 +151,11 @@ int dump_page(uint32_t index) {
     if (!kx_check_bd_index(index)) {
         return 0;
     }
-    for (int dumped = 0; kx_next_bd(&index);) {
-        dump_bd(index);
+    kx_walk walk{index};
+    for (int dumped = 0; kx_next_bd(&walk);) {
+        dump_bd(walk.at);
         if (++dumped == BDS_OF_A_PAGE) {
-            kx_end_page(index);
+            kx_end_page(walk.at);
             return 0;
         }
     }
@@ -221,8 +234,8 @@ int kx_l2_table_dump_all(const char *arg) {
     if (kx_is_agent_driven()) {
         return dump_page(kx_parse_number(arg));
     }
-    for (uint32_t index = 0; kx_next_bd(&index);) {
-        dump_bd(index);
+    for (kx_walk walk{0}; kx_next_bd(&walk);) {
+        dump_bd(walk.at);
     }
     return 0;
 }

@@ -7,6 +7,7 @@
 #include "infra/utils/kxstrings.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -18,9 +19,28 @@ struct slot_bd {
     kx_bd_record record{};
 };
 
-// Step to the slot's next entry; a cleared step starts. False when the request fails.
-bool next_in_slot(uint32_t slot, kx_l2_slot_step *step) {
-    return kx_dpa_exchange(KXDPA_OP_L2_SLOTS, slot, step) == KXDPA_STATUS_SUCCESS;
+// The walk over all slots.
+struct slot_walk {
+    kx_l2_slot_step at{};  // cleared where a slot starts
+    uint32_t requests = 0; // of all slots together, which hold one table
+};
+
+bool is_same_entry(const kx_l2_slot_step &a, const kx_l2_slot_step &b) {
+    return a.bd_index == b.bd_index && memcmp(a.entry.mac, b.entry.mac, sizeof a.entry.mac) == 0;
+}
+
+// Step to the slot's next entry, whose bridge domain is 0 at the end of the slot. False at the end
+// of the walk.
+bool next_in_slot(uint32_t slot, slot_walk *walk) {
+    const kx_l2_slot_step asked = walk->at;
+    if (!kx_may_ask(&walk->requests) ||
+        kx_dpa_exchange(KXDPA_OP_L2_SLOTS, slot, &walk->at) != KXDPA_STATUS_SUCCESS) {
+        return false;
+    }
+    if (is_same_entry(walk->at, asked)) {
+        walk->at.bd_index = 0;
+    }
+    return true;
 }
 
 bool is_segment(const slot_bd &bd) {
@@ -52,17 +72,18 @@ void print_row(const slot_bd &bd, const kx_l2_entry &entry) {
              entry.ltl, age, kx_l2_flags(entry).text);
 }
 
-// Print the rows of a slot from the entry in `step` on, with a header wherever segments follow
-// VLANs or VLANs segments. False when the walk broke off.
-bool print_slot(uint32_t slot, kx_l2_slot_step *step) {
+// Print the rows of a slot from the entry that the walk has come to, with a header wherever
+// segments follow VLANs or VLANs segments. False at the end of the walk.
+bool print_slot(uint32_t slot, slot_walk *walk) {
+    const kx_l2_slot_step &step = walk->at;
     kx_print("\nL2 Table Slot::%d\n", slot);
     kx_print_l2_flags_legend();
     slot_bd bd;
     bool has_header = false;
     bool header_of_segments = false;
-    while (step->bd_index != 0) {
-        if (step->bd_index != bd.index) {
-            read_bd(step->bd_index, &bd);
+    while (step.bd_index != 0) {
+        if (step.bd_index != bd.index) {
+            read_bd(step.bd_index, &bd);
         }
         if (bd.known) {
             if (!has_header || header_of_segments != is_segment(bd)) {
@@ -70,9 +91,9 @@ bool print_slot(uint32_t slot, kx_l2_slot_step *step) {
                 header_of_segments = is_segment(bd);
                 print_header(header_of_segments);
             }
-            print_row(bd, step->entry);
+            print_row(bd, step.entry);
         }
-        if (!next_in_slot(slot, step)) {
+        if (!next_in_slot(slot, walk)) {
             return false;
         }
     }
@@ -83,15 +104,15 @@ bool print_slot(uint32_t slot, kx_l2_slot_step *step) {
 
 int kx_l2_table_dump_slotwise(const char * /*arg*/) {
     kx_trace(kx_debug_print_kxdump, KX_DEBUG_TRACE, "kx_l2_table_dump_slotwise:\n");
-    kx_l2_slot_step step{};
-    if (!next_in_slot(0, &step)) {
+    slot_walk walk;
+    if (!next_in_slot(0, &walk)) {
         return 0;
     }
-    const uint32_t slot_count = std::min(step.slot_count, KX_L2_SLOTS_LIMIT);
-    kx_print("Slot count:%d\n", step.slot_count);
+    const uint32_t slot_count = std::min(walk.at.slot_count, KX_L2_SLOTS_LIMIT);
+    kx_print("Slot count:%d\n", walk.at.slot_count);
     for (uint32_t slot = 0; slot < slot_count; ++slot) {
-        step = {};
-        if (!next_in_slot(slot, &step) || !print_slot(slot, &step)) {
+        walk.at = {};
+        if (!next_in_slot(slot, &walk) || !print_slot(slot, &walk)) {
             break;
         }
     }

@@ -80,7 +80,7 @@ bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &r
     const bool stop_at_first = record.forwarding == 0;
     bool forwards = vlan_count != 0 || record.forwarding != 0;
     kx_bd_record bd;
-    for (uint32_t index = 0; kx_next_vlan_bd(&index, &bd);) {
+    for (kx_walk bds{0}; kx_next_vlan_bd(&bds, &bd);) {
         forwards |= kx_port_forwards_on_vlan(ltl, view, bd.vlan);
         if (forwards && stop_at_first) {
             break;

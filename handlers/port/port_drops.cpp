@@ -107,9 +107,14 @@ void print_labelled_row(const char *label, kxdpa_opcode opcode, const direction 
 }
 
 // Print the internal LTLs from `*ltl` on. True when the page ends with one of them. Deliberate: an
-// LTL whose counters cannot be read is asked for again until they can.
+// LTL whose counters cannot be read is asked for again until they can, or until the walk over the
+// internal LTLs has made as many requests as any walk may; the ports follow then.
 bool print_internal_rows(uint32_t *ltl, const direction &shown) {
-    while (kx_is_internal_ltl(*ltl)) {
+    for (uint32_t requests = 0; kx_is_internal_ltl(*ltl);) {
+        if (!kx_may_ask(&requests)) {
+            *ltl = KX_LTL_FIRST_EXTERNAL;
+            break;
+        }
         kx_drop_counters counters;
         if (!get_drops(KXDPA_OP_DROP_COUNTERS, *ltl, &counters)) {
             continue;
@@ -125,7 +130,8 @@ bool print_internal_rows(uint32_t *ltl, const direction &shown) {
 
 // Print the ports behind `ltl`. True when the page ends with one of them; `*ltl` is then its LTL.
 bool print_port_rows(uint32_t *ltl, bool internal, const direction &shown) {
-    while (kx_next_ltl(ltl)) {
+    for (kx_walk walk{*ltl}; kx_next_ltl(&walk);) {
+        *ltl = walk.at;
         kx_port_record port;
         if (!kx_get_port(*ltl, KX_VIEW_HMX, &port) || kx_port_is_hidden(*ltl, port) ||
             (kx_is_internal_ltl(*ltl) && !internal)) {

@@ -12,7 +12,4 @@ constexpr size_t KX_DROPS_TEXT_SIZE = 512;
 void kx_port_ingress_drops_to_str(char *text, size_t size, const kx_drop_counters *counters);
 void kx_port_egress_drops_to_str(char *text, size_t size, const kx_drop_counters *counters);
 
-// Clear the drop counters of all stages. No command runs it. Returns the request's status.
-uint32_t kx_port_drops_clear();
-
 #endif

@@ -66,7 +66,7 @@ void print_promiscuous(const kx_port_pvlan &pvlan, const kx_port_pvlan &last) {
 void print_pvlans(uint32_t ltl, kx_port_view view) {
     kx_port_pvlan last{};
     kx_port_pvlan pvlan;
-    for (uint32_t bd_index = 0; kx_next_pvlan(ltl, view, &bd_index, &pvlan);) {
+    for (kx_walk bds{0}; kx_next_pvlan(ltl, view, &bds, &pvlan);) {
         switch (pvlan.role) {
         case KX_PVLAN_ISOLATED:
             kx_print("        pvlan isolated %d %d\n", pvlan.primary, pvlan.secondary);

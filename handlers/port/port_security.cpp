@@ -57,8 +57,8 @@ void print_legend() {
 void print_row(uint32_t ltl, const kx_port_record &record, kx_port_view view) {
     const char *secure = learns_securely(ltl) ? "ON" : "";
     kx_port_pvlan pvlan{};
-    uint32_t bd_index = 0;
-    bool more = kx_next_pvlan(ltl, view, &bd_index, &pvlan);
+    kx_walk bds{0};
+    const bool more = kx_next_pvlan(ltl, view, &bds, &pvlan);
     if (!more) {
         pvlan = {};
     }
@@ -66,7 +66,7 @@ void print_row(uint32_t ltl, const kx_port_record &record, kx_port_view view) {
              mode_mark(record, pvlan.role), secure, format_vlan(pvlan.primary).text,
              format_vlan(pvlan.secondary).text);
     // The other private VLANs of the port stand under the columns of the first.
-    while (more && kx_next_pvlan(ltl, view, &bd_index, &pvlan)) {
+    while (more && kx_next_pvlan(ltl, view, &bds, &pvlan)) {
         kx_print("%38s  %5s\n", format_vlan(pvlan.primary).text, format_vlan(pvlan.secondary).text);
     }
 }

@@ -29,7 +29,7 @@ void split_classic(uint32_t ltl, kx_port_view view, const kx_port_record &record
         return;
     }
     kx_bd_record bd;
-    for (uint32_t index = 0; kx_next_vlan_bd(&index, &bd);) {
+    for (kx_walk bds{0}; kx_next_vlan_bd(&bds, &bd);) {
         if (kx_port_forwards_on_vlan(ltl, view, bd.vlan) && bd.vlan < bitset_numbits(forwarding)) {
             bitset_set_bit(forwarding, bd.vlan);
         }

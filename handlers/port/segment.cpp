@@ -40,6 +40,7 @@ int kx_segment_table_dump(const char *arg) {
     if (arg != nullptr) {
         return print_given_segment(kx_parse_number(arg));
     }
+    kx_print_bd_count();
     kx_print_bd_list(print_listed_segment);
     return 0;
 }

@@ -39,26 +39,26 @@ void print_row(uint32_t ltl, const kx_port_statistics &counters) {
 
 int kx_porttable_print_stats(const char *arg) {
     const bool continued = kx_is_agent_driven() && arg != nullptr;
-    uint32_t ltl = continued ? kx_parse_number(arg) : 0;
+    kx_walk walk{continued ? kx_parse_number(arg) : 0};
     if (!continued) {
         kx_print("  LTL  Received        Bytes      Sent        Bytes   Txflood    Rxdrop    "
                  "Txdrop  Name\n");
     }
     int counted = 0;
-    while (kx_next_ltl(&ltl)) {
+    while (kx_next_ltl(&walk)) {
         kx_port_statistics counters{};
         const bool answered =
-            kx_dpa_get(KXDPA_OP_PORT_STATISTICS, ltl, &counters) == KXDPA_STATUS_SUCCESS;
+            kx_dpa_get(KXDPA_OP_PORT_STATISTICS, walk.at, &counters) == KXDPA_STATUS_SUCCESS;
         if (answered && has_no_traffic(counters)) {
             continue;
         }
         if (answered) {
-            print_row(ltl, counters);
+            print_row(walk.at, counters);
         }
         // An LTL whose counters cannot be read has no row but takes its place on the page.
         ++counted;
         if (kx_is_agent_driven() && counted == LTLS_PER_PAGE) {
-            kx_end_page(ltl);
+            kx_end_page(walk.at);
             return 0;
         }
     }
@@ -75,8 +75,8 @@ int kx_porttable_clear_stats(const char *arg) {
         }
         return 0;
     }
-    const uint32_t ltl = kx_parse_number(arg);
-    if (ltl >= CLEARABLE_LTLS) {
+    uint32_t ltl = 0;
+    if (!kx_get_typed_ltl(arg, &ltl) || ltl >= CLEARABLE_LTLS) {
         kx_print("Invalid ltl\n");
         return 0;
     }

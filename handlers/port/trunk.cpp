@@ -21,7 +21,7 @@ int kx_trunk_table_dump(const char *arg) {
         kx_print("Trunk port %d native_vlan %d CBL %d\n", static_cast<int>(ltl),
                  NATIVE_VLAN_UNKNOWN, record.forwarding);
         kx_bd_record bd;
-        for (uint32_t index = 0; kx_next_vlan_bd(&index, &bd);) {
+        for (kx_walk bds{0}; kx_next_vlan_bd(&bds, &bd);) {
             kx_print("vlan(%d) cbl %d, ", bd.vlan,
                      kx_port_forwards_on_vlan(ltl, shown.view, bd.vlan) ? 1 : 0);
         }

@@ -8,9 +8,13 @@
 
 namespace {
 
-// Step `vlan` to the next VLAN that exists; start from 0. False at the end.
-bool next_vlan(uint32_t *vlan) {
-    return kx_dpa_get(KXDPA_OP_NEXT_VLAN, *vlan, vlan) == KXDPA_STATUS_SUCCESS && *vlan != 0;
+// Step to the next VLAN that exists; start from 0. False at the end of the walk, which an answered
+// VLAN of 0 is as well.
+bool next_vlan(kx_walk *walk) {
+    uint32_t vlan = walk->at;
+    return kx_may_ask(walk) &&
+           kx_dpa_get(KXDPA_OP_NEXT_VLAN, vlan, &vlan) == KXDPA_STATUS_SUCCESS && vlan != 0 &&
+           kx_go_to(walk, vlan);
 }
 
 int print_given_vlan(uint32_t vlan) {
@@ -33,8 +37,8 @@ int kx_vlan_list_dump(const char *arg) {
     if (kx_dpa_get(KXDPA_OP_VLAN_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
         kx_print("Number of valid VLANs: %d\n", count);
     }
-    for (uint32_t vlan = 0; next_vlan(&vlan);) {
-        kx_bd_vlan_dump(vlan, KX_BD_BY_VLAN);
+    for (kx_walk walk{0}; next_vlan(&walk);) {
+        kx_bd_vlan_dump(walk.at, KX_BD_BY_VLAN);
     }
     return 0;
 }
@@ -48,15 +52,15 @@ int kx_vlan_fromdpa_list_dump(const char *arg) {
         kx_end_table();
         return print_given_vlan(page.number);
     }
-    uint32_t vlan = page.number;
-    if (!kx_check_vlan(vlan)) {
+    if (!kx_check_vlan(page.number)) {
         return 0;
     }
-    if (!next_vlan(&vlan)) {
+    kx_walk walk{page.number};
+    if (!next_vlan(&walk)) {
         kx_end_table();
         return 0;
     }
-    kx_bd_vlan_dump(vlan, KX_BD_BY_VLAN);
-    kx_end_page(vlan);
+    kx_bd_vlan_dump(walk.at, KX_BD_BY_VLAN);
+    kx_end_page(walk.at);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "infra/utils/kxassert.h"
 
+#include <algorithm>
 #include <bit>
 #include <climits>
 #include <cstdio>
@@ -39,14 +40,18 @@ uint32_t word_at(const bitset *b, uint32_t index) {
 
 // Preconditions that several operations share; `function` is the operation's name.
 
+bool exists(const bitset *b, const char *function) {
+    return kx_assert(b != nullptr, function, "b");
+}
+
 bool is_aligned(const bitset *b, const char *function) {
     const auto address = reinterpret_cast<uintptr_t>(b + 1);
     return kx_assert((address & 3) == 0, function, "!((uint32_t)bp & 0x3)");
 }
 
 bool is_bit_of(const bitset *b, int32_t bNo, const char *function) {
-    return kx_assert(bNo >= 0 && bNo < bitset_numbits(b), function,
-                     "bNo >= 0 && bNo < bitset_numbits( b )");
+    return exists(b, function) && kx_assert(bNo >= 0 && bNo < bitset_numbits(b), function,
+                                            "bNo >= 0 && bNo < bitset_numbits( b )");
 }
 
 bool are_alike(const bitset *b, const bitset *b1, const char *function) {
@@ -63,7 +68,8 @@ bool are_alike(const bitset *b, const bitset *b1, const bitset *mask, const char
 
 // The lowest bit from bNo on in the words of the set, each combined with `flip` by exclusive or.
 int32_t search(const bitset *b, int32_t bNo, uint32_t flip, const char *function) {
-    if (!kx_assert(bNo >= 0, function, "bNo >= 0") || !is_aligned(b, function)) {
+    if (!exists(b, function) || !kx_assert(bNo >= 0, function, "bNo >= 0") ||
+        !is_aligned(b, function)) {
         return NO_BIT;
     }
     const uint32_t words = b->size / sizeof(uint32_t);
@@ -139,37 +145,41 @@ void copy_reversed(uint8_t *to, const uint8_t *from, uint32_t count) {
 } // namespace
 
 void bmp4096_init(bmp4096 *b) {
+    if (!exists(b, __func__)) {
+        return;
+    }
     b->size = sizeof b->bits;
     bitset_clear(b);
 }
 
 int32_t bmp4096_bitcount(const bmp4096 *b) {
-    if (!kx_assert(b->size == sizeof b->bits, __func__, "b->size == BITBYTES(BITSIZE)")) {
+    if (!exists(b, __func__) ||
+        !kx_assert(b->size == sizeof b->bits, __func__, "b->size == BITBYTES(BITSIZE)")) {
         return -1;
     }
     return bitset_bitcount(b);
 }
 
 int32_t bitset_numbits(const bitset *b) {
-    return static_cast<int32_t>(b->size * CHAR_BIT);
+    return exists(b, __func__) ? static_cast<int32_t>(b->size * CHAR_BIT) : 0;
 }
 
 uint32_t bitset_size(const bitset *b) {
-    if (!kx_assert(b != nullptr, __func__, "b")) {
+    if (!exists(b, __func__)) {
         return 0;
     }
     return b->size + static_cast<uint32_t>(sizeof *b);
 }
 
 void bitset_clear(bitset *b) {
-    if (!kx_assert(b != nullptr, __func__, "b")) {
+    if (!exists(b, __func__)) {
         return;
     }
     memset(bits_of(b), 0, b->size);
 }
 
 void bitset_fill(bitset *b) {
-    if (!kx_assert(b != nullptr, __func__, "b")) {
+    if (!exists(b, __func__)) {
         return;
     }
     memset(bits_of(b), 0xff, b->size);
@@ -198,7 +208,7 @@ void bitset_clear_bit(bitset *b, int32_t bNo) {
 }
 
 int bitset_is_bit_set(const bitset *b, int32_t bNo) {
-    if (!kx_assert(b != nullptr, __func__, "b") || !is_bit_of(b, bNo, __func__)) {
+    if (!is_bit_of(b, bNo, __func__)) {
         return 0;
     }
     return (bits_of(b)[bNo / CHAR_BIT] & bit_mask(bNo)) != 0 ? 1 : 0;
@@ -208,7 +218,8 @@ void bitset_set_range_value(bitset *b, int32_t bNo, int32_t len, int value) {
     if (len < 1) {
         return;
     }
-    if (!kx_assert(bNo >= 0 && int64_t{bNo} + len <= bitset_numbits(b), __func__,
+    if (!exists(b, __func__) ||
+        !kx_assert(bNo >= 0 && int64_t{bNo} + len <= bitset_numbits(b), __func__,
                    "bNo >= 0 && bNo+len <= bitset_numbits( b )")) {
         return;
     }
@@ -256,7 +267,8 @@ int32_t bitset_next_free_bit(const bitset *b, int32_t bNo) {
 }
 
 int32_t bitset_find_prev_bit(const bitset *b, int32_t bNo) {
-    if (!kx_assert(bNo >= 0, __func__, "bNo >= 0") || !is_aligned(b, __func__) ||
+    if (!exists(b, __func__) || !kx_assert(bNo >= 0, __func__, "bNo >= 0") ||
+        !is_aligned(b, __func__) ||
         !kx_assert(bNo < bitset_numbits(b), __func__, "bNo < (b->size * 8)")) {
         return NO_BIT;
     }
@@ -291,6 +303,9 @@ int32_t bitset_nth_free_bit(const bitset *b, int32_t index) {
 }
 
 int32_t bitset_bitcount(const bitset *b) {
+    if (!exists(b, __func__)) {
+        return 0;
+    }
     const uint8_t *const bits = bits_of(b);
     int32_t count = 0;
     uint32_t i = 0;
@@ -376,7 +391,8 @@ int bitset_maskequal(const bitset *b, const bitset *b1, const bitset *mask) {
 }
 
 int bitset_is_range_free(const bitset *b, const bitset_range *range) {
-    if (!kx_assert(range->lower <= range->upper, __func__, "range->lower <= range->upper") ||
+    if (!exists(b, __func__) ||
+        !kx_assert(range->lower <= range->upper, __func__, "range->lower <= range->upper") ||
         !kx_assert(range->lower >= 0 && range->upper < bitset_numbits(b), __func__,
                    "range->lower >= 0 && range->upper < bitset_numbits( b )")) {
         return 0;
@@ -394,7 +410,7 @@ int bitset_next_free_range(const bitset *b, bitset_range *range) {
 }
 
 void bitset_to_bitarray(const bitset *b, uint8_t *array, uint32_t length) {
-    const uint32_t copied = b->size < length ? b->size : length;
+    const uint32_t copied = exists(b, __func__) ? std::min(b->size, length) : 0;
     copy_reversed(array, bits_of(b), copied);
     if (copied < length) {
         memset(array + copied, 0, length - copied);
@@ -402,35 +418,38 @@ void bitset_to_bitarray(const bitset *b, uint8_t *array, uint32_t length) {
 }
 
 void bitset_from_bitarray(bitset *b, const uint8_t *array, uint32_t length) {
+    if (!exists(b, __func__)) {
+        return;
+    }
     bitset_clear(b);
-    copy_reversed(bits_of(b), array, b->size < length ? b->size : length);
+    copy_reversed(bits_of(b), array, std::min(b->size, length));
 }
 
 int bitset_snprintf(char *buffer, size_t size, const bitset *b, int first, int *done) {
     *done = 0;
-    if (size == 0) {
-        return 0;
-    }
     int32_t lower = first != 0 ? bitset_first_bit(b) : bitset_next_bit(b, list_cursor);
     if (first != 0) {
         list_cursor = 0;
     }
-    buffer[0] = '\0';
     size_t used = 0;
     while (lower != NO_BIT) {
         const int32_t upper = run_end(b, lower);
         const int length =
             format_item(buffer + used, size - used, used == 0 ? "" : ",", lower, upper);
         if (length < 0 || static_cast<size_t>(length) >= size - used) {
-            buffer[used] = '\0';
-            return static_cast<int>(used);
+            break;
         }
         used += static_cast<size_t>(length);
         list_cursor = upper;
         lower = bitset_next_bit(b, upper);
     }
-    *done = 1;
-    list_cursor = 0;
+    if (size > 0) {
+        buffer[used] = '\0'; // also where an item did not fit
+    }
+    if (lower == NO_BIT) {
+        *done = 1;
+        list_cursor = 0;
+    }
     return static_cast<int>(used);
 }
 

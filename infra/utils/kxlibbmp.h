@@ -6,8 +6,9 @@
 // The searches, and with them the walks and lists, read whole 32-bit words: the record must lie on
 // a 4-byte boundary, and of a set whose size is not a multiple of 4 they never see the last bytes.
 //
-// A failed precondition is reported (kxassert.h) and the operation does nothing: predicates then
-// return 0, searches and walks -1. Bit numbers are signed; -1 means that there is no such bit.
+// A failed precondition, a null record among them, is reported (kxassert.h) and the operation does
+// nothing: predicates and counts then return 0, searches and walks -1. Bit numbers are signed; -1
+// means that there is no such bit.
 #ifndef INFRA_UTILS_KXLIBBMP_H
 #define INFRA_UTILS_KXLIBBMP_H
 

@@ -66,6 +66,10 @@ int kx_parse_mac_address(uint8_t mac[6], const char *text);
 // alone, 0 when the last word that counts is no number.
 int32_t kx_get_ltl_from_args(const char *text);
 
+// The same for a command that must not take a word for an LTL: false unless the result is a number
+// that stands in the text.
+bool kx_get_typed_ltl(const char *text, uint32_t *ltl);
+
 // The paging cookie of an argument list: the number of the last word behind a word that begins with
 // "cookie". -1 when there is none.
 int32_t kx_get_ltl_cookie_frm_args(const char *text);

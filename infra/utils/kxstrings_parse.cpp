@@ -114,6 +114,31 @@ int read_mac_groups(uint8_t mac[6], const char *text, size_t group_bytes, char s
     return 0;
 }
 
+struct scanned_ltl {
+    int32_t ltl;
+    bool typed; // it is the number of a word
+};
+
+// The result is also the flag that lets the next word count, deliberately: "ltl 12 extra" gives 0,
+// since a word that is no number makes the result 0 and no later word is read.
+scanned_ltl scan_ltl(const char *text) {
+    char work[SCAN_BUFFER_SIZE];
+    char *words[SCAN_MAX_WORDS];
+    const int count = kx_split_words(work, sizeof work, text, words, SCAN_MAX_WORDS);
+    scanned_ltl found = {-1, false};
+    for (int i = 0; i < count; ++i) {
+        if (found.ltl != 0) {
+            const bool is_signed = words[i][0] == '-' || words[i][0] == '+';
+            found = {static_cast<int32_t>(kx_parse_number(words[i])),
+                     is_digit(words[i][is_signed ? 1 : 0])};
+        }
+        if (kx_begins_with(words[i], "ltl")) {
+            found = {1, false};
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 uint32_t kx_parse_number(const char *text) {
@@ -218,22 +243,14 @@ int kx_parse_mac_address(uint8_t mac[6], const char *text) {
     return -1;
 }
 
-// The result is also the flag that lets the next word count, deliberately: "ltl 12 extra" gives 0,
-// since a word that is no number makes the result 0 and no later word is read.
 int32_t kx_get_ltl_from_args(const char *text) {
-    char work[SCAN_BUFFER_SIZE];
-    char *words[SCAN_MAX_WORDS];
-    const int count = kx_split_words(work, sizeof work, text, words, SCAN_MAX_WORDS);
-    int32_t ltl = -1;
-    for (int i = 0; i < count; ++i) {
-        if (ltl != 0) {
-            ltl = static_cast<int32_t>(kx_parse_number(words[i]));
-        }
-        if (strncmp(words[i], "ltl", strlen("ltl")) == 0) {
-            ltl = 1;
-        }
-    }
-    return ltl;
+    return scan_ltl(text).ltl;
+}
+
+bool kx_get_typed_ltl(const char *text, uint32_t *ltl) {
+    const scanned_ltl found = scan_ltl(text);
+    *ltl = static_cast<uint32_t>(found.ltl);
+    return found.typed;
 }
 
 int32_t kx_get_ltl_cookie_frm_args(const char *text) {

@@ -292,9 +292,12 @@ TEST_F(DpaCommand, SendsExactlyTheseMessages) {
         EXPECT_EQ(found.st_mode & 07777, 0700U);
         std::set<int> opened = open_descriptors();
         std::erase_if(opened, [&](int descriptor) { return open_before.contains(descriptor); });
-        EXPECT_EQ(opened.size(), 2U);
-        for (const int descriptor : opened)
+        std::set<int> flags;
+        for (const int descriptor : opened) {
             EXPECT_EQ(fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+            flags.insert(fcntl(descriptor, F_GETFL) & (O_ACCMODE | O_NOFOLLOW));
+        }
+        EXPECT_EQ(flags, (std::set<int>{O_RDONLY | O_NOFOLLOW, O_WRONLY | O_NOFOLLOW}));
     };
     for (const auto &row : rows) {
         EXPECT_EQ(run(row.command.c_str(), look), row.printed);

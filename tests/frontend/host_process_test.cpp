@@ -266,7 +266,8 @@ TEST_F(HostProcess, IsNotToldAboutSilentRows) {
         point_sink_at(nullptr);
         hmx_rcli_fromdpa = agent_driven;
         testing::internal::CaptureStderr();
-        const run seen = execute("show;show prot;show vxlan threads", agent_driven);
+        const run seen =
+            execute("show;show prot;show vxlan threads;flush foo;show l2", agent_driven);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
         EXPECT_EQ(seen.console, "");
     }

@@ -43,6 +43,23 @@ TEST_F(Main, NeedsTheDevice) {
     interpose_model(nullptr);
     EXPECT_EQ(run({"show", "port"}), "Error initializing kx_dpa_api_init()\n");
     EXPECT_EQ(exit_value, -1);
+    EXPECT_EQ(errors, "tarncmd: /vmfs/devices/char/vmkdriver/kestrel: No such file or directory; "
+                      "\"tarnlab tarncmd help\" shows the commands on a simulated host, \"man "
+                      "tarncmd\" explains them\n");
+}
+
+TEST_F(Main, NamesTheHelpWhereItIsAskedForInTheUsualWords) {
+    model driver;
+    interpose_model(&driver);
+    const std::string line =
+        "tarncmd: version " HMX_CMD_VERSION "; \"tarncmd help\" lists the commands\n";
+    for (const std::string word : {"--help", "-h", "--version"}) {
+        EXPECT_EQ(run({word}), "No match found for " + word + "\n");
+        EXPECT_EQ(errors, line);
+        EXPECT_EQ(exit_value, 0);
+        run({word, "x"});
+        EXPECT_EQ(errors, "");
+    }
 }
 
 TEST_F(Main, RunsNothingOfALineThatDoesNotFit) {
@@ -92,6 +109,7 @@ TEST_F(Main, PrintsHelpThatDoesNotFitBetweenTwoWarnings) {
     }
     std::copy(rows.begin(), rows.end(), kestrel_cmd_list);
     EXPECT_EQ(run({"help"}), golden_text("help.txt")) << "it fits";
+    EXPECT_EQ(errors, "");
     std::copy(rows.begin(), rows.end(), kestrel_cmd_list); // help sorts the table in place
 }
 

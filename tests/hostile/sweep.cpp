@@ -10,6 +10,7 @@
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "frontend/run_state.h"
+#include "tests/hostile/endless.h"
 #include "tests/hostile/hostile_driver.h"
 #include "tests/hostile/row_arguments.h"
 #include "tests/rows.h"
@@ -168,6 +169,10 @@ int ioctl(int /*descriptor*/, unsigned long code, ...) noexcept {
         errno = ENOTTY;
         return -1;
     }
+    if (is_endless()) {
+        endless_answer(record);
+        return 0;
+    }
     return hostile_driver_answer(record);
 }
 
@@ -200,6 +205,7 @@ int main(int argc, char *argv[]) {
         for (int i = 1; i < argc; i++)
             sweep_rows(strtoull(argv[i], nullptr, 0));
     } else {
+        require(endless_walks_end(), "a walk does not end where it has to");
         for (const uint64_t seed : FIXED_SEEDS)
             sweep_rows(seed);
     }

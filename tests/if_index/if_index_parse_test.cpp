@@ -1,8 +1,25 @@
 #include "if_index/if_index_parse.h"
 #include "tests/golden.h"
 
+#include <cctype>
 #include <cstdlib>
 #include <gtest/gtest.h>
+
+namespace {
+
+// Set where the C library is to compare as in a locale whose small "I" has no dot.
+bool is_turkish = false;
+
+} // namespace
+
+extern "C" int strncasecmp(const char *a, const char *b, size_t count) noexcept {
+    const auto lower = [](char c) { return c == 'I' && is_turkish ? 0xFD : tolower(c); };
+    for (size_t i = 0; i < count; i++) {
+        if (const int difference = lower(a[i]) - lower(b[i]); difference != 0 || a[i] == '\0')
+            return difference;
+    }
+    return 0;
+}
 
 namespace {
 
@@ -19,6 +36,15 @@ TEST(IfIndexParse, Names) {
     EXPECT_EQ(vsh_interface_name_to_ifindex(nullptr, &if_index), 0);
     EXPECT_EQ(vsh_interface_name_to_ifindex("null0", nullptr), 0);
     EXPECT_EQ(if_db_str2ifindex_wrapper("bay1", nullptr), 7);
+}
+
+TEST(IfIndexParse, KeywordsAreAsciiInEveryLocale) {
+    is_turkish = true;
+    for (const char *name : {"ISCSI1/1", "iscsi1/1", "MTI5", "GIGABITETHERNET1/1"}) {
+        uint32_t if_index = NOT_PARSED;
+        EXPECT_EQ(vsh_interface_name_to_ifindex(name, &if_index), 1) << name;
+    }
+    is_turkish = false;
 }
 
 TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {

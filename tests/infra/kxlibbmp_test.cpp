@@ -244,6 +244,10 @@ TEST(BitSetList, BufferTooSmallForAnyItem) {
     EXPECT_STREQ(text, "");
     EXPECT_EQ(done, 0);
     EXPECT_EQ(bitset_snprintf(text, 0, &set, 1, &done), 0);
+    EXPECT_EQ(done, 0);
+    const Set empty = set_of({});
+    EXPECT_EQ(bitset_snprintf(nullptr, 0, &empty, 1, &done), 0);
+    EXPECT_EQ(done, 1);
     text[0] = '#';
     EXPECT_EQ(bitset_snprintf(text, 1, &set, 1, &done), 0);
     EXPECT_STREQ(text, "");
@@ -331,6 +335,9 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     EXPECT_EQ(printed_by([&] { got = bmp4096_bitcount(&vlans); }),
               "ASSERT  bmp4096_bitcount:  b->size == BITBYTES(BITSIZE)\n");
     EXPECT_EQ(got, -1);
+    EXPECT_EQ(printed_by([&] { got = bmp4096_bitcount(nullptr); }),
+              "ASSERT  bmp4096_bitcount:  b\n");
+    EXPECT_EQ(printed_by([] { bmp4096_init(nullptr); }), "ASSERT  bmp4096_init:  b\n");
     const bitset_range lowest = {0, 2};
     EXPECT_EQ(printed_by([&] { got = bitset_is_range_free(&set, &lowest); }), "");
     EXPECT_EQ(got, 1);

@@ -20,9 +20,12 @@ uint32_t find_bd(kxdpa_opcode opcode, kx_bd_record *asked) {
     return kx_dpa_exchange(opcode, 0, asked) == KXDPA_STATUS_SUCCESS ? asked->index : 0;
 }
 
-// Step `ltl` to the bridge domain's next member; start from KX_LTL_BEFORE_FIRST.
-bool next_bd_port(uint32_t index, uint32_t *ltl) {
-    return kx_dpa_exchange(KXDPA_OP_BD_NEXT_PORT, index, ltl) == KXDPA_STATUS_SUCCESS;
+// Step to the bridge domain's next member; start from KX_LTL_BEFORE_FIRST.
+bool next_bd_port(uint32_t index, kx_walk *walk) {
+    uint32_t ltl = walk->at;
+    return kx_may_ask(walk) &&
+           kx_dpa_exchange(KXDPA_OP_BD_NEXT_PORT, index, &ltl) == KXDPA_STATUS_SUCCESS &&
+           kx_go_to(walk, ltl);
 }
 
 void print_bd_port(uint32_t ltl, const uint32_t *dr_ltl) {
@@ -56,8 +59,11 @@ bool kx_check_bd_index(uint32_t index) {
     return false;
 }
 
-bool kx_next_bd(uint32_t *index) {
-    return kx_dpa_get(KXDPA_OP_NEXT_BD, *index, index) == KXDPA_STATUS_SUCCESS && *index != 0;
+bool kx_next_bd(kx_walk *walk) {
+    uint32_t index = walk->at;
+    return kx_may_ask(walk) &&
+           kx_dpa_get(KXDPA_OP_NEXT_BD, index, &index) == KXDPA_STATUS_SUCCESS && index != 0 &&
+           kx_go_to(walk, index);
 }
 
 bool kx_get_bd(uint32_t index, kx_bd_record *record) {
@@ -69,9 +75,9 @@ bool kx_bd_is_vxlan_segment(const kx_bd_record &record) {
     return record.kind == KX_BD_KIND_SEGMENT && record.native_encap == 0;
 }
 
-bool kx_next_vlan_bd(uint32_t *index, kx_bd_record *record) {
-    while (kx_next_bd(index)) {
-        if (kx_get_bd(*index, record) && !kx_bd_is_vxlan_segment(*record)) {
+bool kx_next_vlan_bd(kx_walk *walk, kx_bd_record *record) {
+    while (kx_next_bd(walk)) {
+        if (kx_get_bd(walk->at, record) && !kx_bd_is_vxlan_segment(*record)) {
             return true;
         }
     }
@@ -121,8 +127,8 @@ int32_t kx_get_bd_port_count(uint32_t index) {
 
 void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl) {
     uint32_t printed = 0;
-    for (uint32_t ltl = KX_LTL_BEFORE_FIRST; next_bd_port(index, &ltl);) {
-        print_bd_port(ltl, dr_ltl);
+    for (kx_walk walk{KX_LTL_BEFORE_FIRST}; next_bd_port(index, &walk);) {
+        print_bd_port(walk.at, dr_ltl);
         if (++printed % PORTS_OF_A_GROUP == 0) {
             kx_print("\n");
         }
@@ -132,23 +138,23 @@ void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl) {
     }
 }
 
-void kx_print_bd_list(kx_print_listed_bd *print) {
+void kx_print_bd_count() {
     int32_t count = 0;
     if (kx_dpa_get(KXDPA_OP_BD_COUNT, 0, &count) == KXDPA_STATUS_SUCCESS) {
         kx_print("Number of valid BDS: %d\n", count);
     }
-    for (uint32_t index = 0; kx_next_bd(&index);) {
-        print(index);
+}
+
+void kx_print_bd_list(kx_print_listed_bd *print) {
+    for (kx_walk walk{0}; kx_next_bd(&walk);) {
+        print(walk.at);
     }
 }
 
 int kx_print_bd_page(const kx_list_page &page, kx_print_listed_bd *print) {
-    if (!kx_check_bd_index(page.number)) {
-        return 0;
-    }
-    for (uint32_t index = page.number; kx_next_bd(&index);) {
-        if (print(index)) {
-            kx_end_page(index);
+    for (kx_walk walk{page.number}; kx_next_bd(&walk);) {
+        if (print(walk.at)) {
+            kx_end_page(walk.at);
             return 0;
         }
     }

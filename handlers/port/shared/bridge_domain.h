@@ -6,6 +6,7 @@
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "handlers/list_page.h"
 #include "handlers/port/bridge_domain_record.h"
+#include "handlers/walk.h"
 
 // What the number means that a dump of one bridge domain is given.
 enum kx_bd_selector : uint8_t {
@@ -19,9 +20,9 @@ bool kx_check_vlan(uint32_t vlan);
 // False, with a complaint, for a bridge-domain index of 9300 or more.
 bool kx_check_bd_index(uint32_t index);
 
-// Step `index` to the next bridge domain of the DPA; start from 0. False when the request fails or
-// answers with index 0, which both end the walk.
-bool kx_next_bd(uint32_t *index);
+// Step to the index of the DPA's next bridge domain; start from 0. False at the end of the walk,
+// which an answered index of 0 is as well.
+bool kx_next_bd(kx_walk *walk);
 
 // Ask for a bridge domain's record, cleared before. False when the request fails.
 bool kx_get_bd(uint32_t index, kx_bd_record *record);
@@ -30,10 +31,10 @@ bool kx_get_bd(uint32_t index, kx_bd_record *record);
 // about the ports.
 bool kx_bd_is_vxlan_segment(const kx_bd_record &record);
 
-// Step `index` to the next bridge domain whose VLAN ports can carry, and ask for its record; start
-// from 0. Passes over a record that cannot be read and a segment carried in VXLAN. False at the end
-// of the walk.
-bool kx_next_vlan_bd(uint32_t *index, kx_bd_record *record);
+// Step to the next bridge domain whose VLAN ports can carry, and ask for its record; start from 0.
+// Passes over a record that cannot be read and a segment carried in VXLAN. False at the end of the
+// walk.
+bool kx_next_vlan_bd(kx_walk *walk, kx_bd_record *record);
 
 // The lookups return a bridge-domain index, 0 when there is none: a failed request or the index 0.
 // The VLAN and the L2 views each have their own opcode for a VLAN.
@@ -60,11 +61,15 @@ void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl);
 // Prints one bridge domain of a list; false when the list leaves it out.
 using kx_print_listed_bd = bool(uint32_t index);
 
-// Print how many bridge domains there are, where that can be asked, and then the list of them.
+// Print how many bridge domains there are, where that can be asked: the head of their list.
+void kx_print_bd_count();
+
+// Print the list of all bridge domains.
 void kx_print_bd_list(kx_print_listed_bd *print);
 
 // Print one page of that list, which holds one bridge domain, and leave the cookie of the next.
-// Pages do not carry the count. Returns the handler's result.
+// Pages do not carry the count. A cookie has no bound: it is an index that the driver's own walk
+// gave. Returns the handler's result.
 int kx_print_bd_page(const kx_list_page &page, kx_print_listed_bd *print);
 
 #endif

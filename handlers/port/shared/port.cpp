@@ -7,8 +7,10 @@
 
 #include <cstring>
 
-bool kx_next_ltl(uint32_t *ltl) {
-    return kx_dpa_get(KXDPA_OP_NEXT_LTL, *ltl, ltl) == KXDPA_STATUS_SUCCESS;
+bool kx_next_ltl(kx_walk *walk) {
+    uint32_t ltl = walk->at;
+    return kx_may_ask(walk) && kx_dpa_get(KXDPA_OP_NEXT_LTL, ltl, &ltl) == KXDPA_STATUS_SUCCESS &&
+           kx_go_to(walk, ltl);
 }
 
 bool kx_get_port(uint32_t ltl, kx_port_view view, kx_port_record *record) {

@@ -4,10 +4,11 @@
 #define HANDLERS_PORT_SHARED_PORT_H
 
 #include "handlers/port/port_record.h"
+#include "handlers/walk.h"
 
-// Step `ltl` to the next LTL that the DPA has; start from KX_LTL_BEFORE_FIRST. False at the end of
-// the walk, which is a failed request.
-bool kx_next_ltl(uint32_t *ltl);
+// Step to the next LTL that the DPA has; start from KX_LTL_BEFORE_FIRST. False at the end of the
+// walk.
+bool kx_next_ltl(kx_walk *walk);
 
 // Ask for a port's record, cleared before. False when the request fails.
 bool kx_get_port(uint32_t ltl, kx_port_view view, kx_port_record *record);

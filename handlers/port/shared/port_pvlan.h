@@ -3,6 +3,7 @@
 #define HANDLERS_PORT_SHARED_PORT_PVLAN_H
 
 #include "handlers/port/port_record.h"
+#include "handlers/walk.h"
 
 enum kx_pvlan_role : uint16_t {
     KX_PVLAN_NONE = 0,
@@ -28,8 +29,8 @@ static_assert(offsetof(kx_port_pvlan, role) == 2);
 static_assert(offsetof(kx_port_pvlan, primary) == 4);
 static_assert(offsetof(kx_port_pvlan, secondary) == 6);
 
-// Step `bd_index` to the next bridge domain on whose VLAN the port has a private-VLAN role; start
-// from 0. False at the end of the walk.
-bool kx_next_pvlan(uint32_t ltl, kx_port_view view, uint32_t *bd_index, kx_port_pvlan *pvlan);
+// Step to the next bridge domain on whose VLAN the port has a private-VLAN role; start from 0.
+// False at the end of the walk.
+bool kx_next_pvlan(uint32_t ltl, kx_port_view view, kx_walk *bds, kx_port_pvlan *pvlan);
 
 #endif

@@ -48,14 +48,14 @@ enum kx_port_walk {
 template <typename PrintRow>
 kx_port_walk kx_print_ports(uint32_t ltl, kx_port_view view, PrintRow print_row) {
     kx_port_record record;
-    while (kx_next_ltl(&ltl)) {
-        const bool known = kx_get_port(ltl, view, &record);
-        const kx_port_row row = known ? print_row(ltl, record) : KX_ROW_LEFT_OUT;
+    for (kx_walk walk{ltl}; kx_next_ltl(&walk);) {
+        const bool known = kx_get_port(walk.at, view, &record);
+        const kx_port_row row = known ? print_row(walk.at, record) : KX_ROW_LEFT_OUT;
         if (row == KX_ROW_BROKEN) {
             return KX_WALK_BROKEN;
         }
         if (kx_is_agent_driven() && (!known || row == KX_ROW_PRINTED)) {
-            kx_end_page(ltl);
+            kx_end_page(walk.at);
             return KX_WALK_PAGE_END;
         }
     }
