@@ -17,6 +17,7 @@
 #include "tests/transcript.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,10 +25,10 @@
 #include <fstream>
 #include <iomanip>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -62,25 +63,39 @@ struct scratch_folder {
     scratch_folder &operator=(const scratch_folder &) = delete;
 };
 
-// Every handler of the command table behind one that notes its result. The rows that have nothing
-// to answer keep their own: the command layer knows them by it.
+// A handler knows nothing but its argument, so each row has one of its own that tells which row it
+// is.
 kestrel_cmd_handler handlers[KESTREL_CMD_ROWS];
+int (*on_row)(size_t row, const char *arg);
+
+template <size_t ROW> int run_row(const char *arg) {
+    return on_row(ROW, arg);
+}
+
+template <size_t... ROW>
+constexpr std::array<kestrel_cmd_handler, KESTREL_CMD_ROWS>
+row_runners(std::index_sequence<ROW...>) {
+    return {run_row<ROW>...};
+}
+
+constexpr auto ROW_RUNNERS = row_runners(std::make_index_sequence<KESTREL_CMD_ROWS>());
+
 int noted_results = -1; // a file
 
-template <size_t ROW> int note_result(const char *arg) {
-    const int result = handlers[ROW](arg);
-    dprintf(noted_results, " %d", result);
-    return result;
-}
-
-template <size_t ROW> void note_results_of() {
-    handlers[ROW] = kestrel_cmd_list[ROW].handler;
-    if (handlers[ROW] != nullptr && handlers[ROW] != kx_show_empty && !kx_is_stub(handlers[ROW]))
-        kestrel_cmd_list[ROW].handler = note_result<ROW>;
-}
-
-template <size_t... ROW> void note_results(std::index_sequence<ROW...>) {
-    (note_results_of<ROW>(), ...);
+// Every handler notes its result. The rows that have nothing to answer keep their own: the command
+// layer knows them by it.
+void note_results() {
+    on_row = [](size_t row, const char *arg) {
+        const int result = handlers[row](arg);
+        dprintf(noted_results, " %d", result);
+        return result;
+    };
+    for (size_t row = 0; row < KESTREL_CMD_ROWS; row++) {
+        kestrel_cmd_handler &handler = kestrel_cmd_list[row].handler;
+        handlers[row] = handler;
+        if (handler != nullptr && handler != kx_show_empty && !kx_is_stub(handler))
+            handler = ROW_RUNNERS[row];
+    }
 }
 
 // The command as the agent runs it, page by page through the remote-CLI buffer.
@@ -128,7 +143,7 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     driver.trace = [trace](const std::string &line) { dprintf(trace, "%s\n", line.c_str()); };
     interpose_model(&driver);
     noted_results = open((folder / "results").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
-    note_results(std::make_index_sequence<KESTREL_CMD_ROWS>());
+    note_results();
     for (const auto &[word, value] : asked.debug_words)
         *word = value;
     if (asked.mode != "shell") {
@@ -150,11 +165,22 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     _exit(127);
 }
 
+// Every hexadecimal number after the word, which ends in its "0x", becomes ADDRESS.
+std::string replace_addresses(std::string text, std::string_view word) {
+    for (size_t at = 0; (at = text.find(word, at)) != std::string::npos;) {
+        at += word.size() - 2;
+        const size_t end = text.find_first_not_of("0123456789abcdef", at + 2);
+        text.replace(at, end - at, "ADDRESS");
+    }
+    return text;
+}
+
 // A stretch of output as result lines: a mark in front, "|" behind where a newline was.
 void show_output(text_lines &results, char mark, std::string text, bool mask_stamps) {
     if (mask_stamps) {
-        static const std::regex ADDRESS("(buffer|Calling|DPA) 0x[0-9a-f]+");
-        text = std::regex_replace(replace_stamps(text, "STAMP: "), ADDRESS, "$1 ADDRESS");
+        text = replace_stamps(text, "STAMP: ");
+        for (const char *word : {"buffer 0x", "Calling 0x", "DPA 0x"})
+            text = replace_addresses(text, word);
     }
     std::string line(1, mark);
     for (const char byte : text) {
@@ -291,22 +317,18 @@ INSTANTIATE_TEST_SUITE_P(Files, Transcript, testing::ValuesIn(transcript_files()
                              return name;
                          });
 
-// The rows that transcripts run, in a copy of the command table. One row stands there twice.
-std::set<std::string> marked;
-
-template <size_t ROW> int mark_row(const char * /*arg*/) {
-    marked.insert(all_keywords(kestrel_cmd_list[ROW]));
-    return 0;
-}
-
-template <size_t... ROW> void mark_rows(kestrel_cmd_row *table, std::index_sequence<ROW...>) {
-    ((table[ROW].handler = table[ROW].handler == nullptr ? nullptr : mark_row<ROW>), ...);
-}
+// The keywords of the rows that ran: one row stands in the table twice.
+std::set<std::string> rows_that_ran;
 
 TEST(Transcripts, RunEveryRowThatIsBuilt) {
     kestrel_cmd_row table[KESTREL_CMD_ROWS];
     std::copy(std::begin(kestrel_cmd_list), std::end(kestrel_cmd_list), table);
-    mark_rows(table, std::make_index_sequence<KESTREL_CMD_ROWS>());
+    for (size_t row = 0; row < KESTREL_CMD_ROWS; row++)
+        table[row].handler = table[row].handler == nullptr ? nullptr : ROW_RUNNERS[row];
+    on_row = [](size_t row, const char * /*arg*/) {
+        rows_that_ran.insert(all_keywords(kestrel_cmd_list[row]));
+        return 0;
+    };
     testing::internal::CaptureStdout(); // some cases run words that no row matches
     for (const fs::path &path : transcript_files()) {
         for (const transcript_case &one : read_transcript_file(path).cases) {
@@ -320,7 +342,7 @@ TEST(Transcripts, RunEveryRowThatIsBuilt) {
     testing::internal::GetCapturedStdout();
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
         const bool built = row.handler != nullptr && !kx_is_stub(row.handler);
-        EXPECT_TRUE(!built || marked.contains(all_keywords(row)))
+        EXPECT_TRUE(!built || rows_that_ran.contains(all_keywords(row)))
             << "no transcript runs \"" << all_keywords(row)
             << "\". Write a case into a file of tests/transcripts, run scripts/accept-transcripts,\n"
                "and read what it added:\n\n"
