@@ -285,7 +285,9 @@ void append_texts(std::string &text, const key &, const key_value &value) {
 
 // A text that has to fit a pattern.
 template <const auto &pattern> std::string pattern_schema(const key &) {
-    return std::string(R"({"type": "string", "pattern": ")") + pattern + "\"}";
+    std::string schema = R"({"type": "string", "pattern": ")";
+    schema += pattern;
+    return schema += "\"}";
 }
 
 std::string read_hex(const key &, const json_value &given, key_value &value) {
