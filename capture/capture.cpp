@@ -86,8 +86,10 @@ template <typename T> std::optional<std::vector<T>> unless_empty(std::vector<T> 
 
 } // namespace
 
-bool can_be_captured(const std::string &key) {
-    return key == OVERRIDES || key == MANAGEMENT_ADDRESS || has_display(key);
+std::set<std::string> captured_keys() {
+    std::set<std::string> keys = displayed_keys();
+    keys.insert({OVERRIDES, MANAGEMENT_ADDRESS});
+    return keys;
 }
 
 capture_outcome capture_host(const capture_request &asked, const std::string &version,
@@ -113,6 +115,9 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
         ask_whole_texts(memory, described);
     }
     kx_dpa_api_exit();
+    if (!memory.was_told_anything()) {
+        return capture_outcome::REFUSED;
+    }
     settle(memory, described);
     if (is_asked(OVERRIDES)) {
         described.overrides = differences(memory, described);
@@ -126,21 +131,22 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
     return capture_outcome::DONE;
 }
 
-std::vector<std::string> report_of(const capture_note &capture) {
+std::vector<std::string> report_of(const capture_note &capture, bool by_opcode) {
     std::vector<std::string> lines;
     for (const std::string &why : capture.cut.value_or(std::vector<std::string>())) {
         lines.push_back("not whole: " + why);
     }
     uint64_t sum = 0;
-    std::string by_opcode;
+    std::string opcodes;
     for (const auto &[opcode, count] : capture.refused.value_or(std::vector<refused_opcode>())) {
         sum += count;
-        by_opcode += (by_opcode.empty() ? "" : ", ") + std::to_string(count) + " of opcode " +
-                     std::to_string(opcode);
+        opcodes += (opcodes.empty() ? ": " : ", ") + std::to_string(count) + " of opcode " +
+                   std::to_string(opcode);
     }
     if (sum != 0) {
-        lines.push_back("the driver refused " + std::to_string(sum) +
-                        " requests, which are left out: " + by_opcode);
+        lines.push_back(std::to_string(sum) +
+                        (sum == 1 ? " thing asked about does" : " things asked about do") +
+                        " not exist, which is usual" + (by_opcode ? opcodes : ""));
     }
     return lines;
 }

@@ -19,18 +19,20 @@ enum class capture_outcome {
     DONE,          // whole or not, which the description says
     NO_DRIVER,     // the device cannot be opened
     WRONG_VERSION, // the driver refuses this tool's version
+    REFUSED,       // and everything else
 };
 
-// True for a top-level key of the host file that a capture can fill.
-bool can_be_captured(const std::string &key);
+// The top-level keys of the host file that a capture can fill.
+std::set<std::string> captured_keys();
 
 // Ask for what these keys are about, and for what no key can say when all are asked for or
 // "overrides" is. The description may hold more than was asked for. `version` is the program's.
 capture_outcome capture_host(const capture_request &asked, const std::string &version,
                              host &described);
 
-// The lines about it for standard error: what was cut, and the refused requests by opcode.
-std::vector<std::string> report_of(const capture_note &capture);
+// The lines about it for standard error: what was cut, and how much was refused, by opcode when
+// that is asked for.
+std::vector<std::string> report_of(const capture_note &capture, bool by_opcode);
 
 // The host's own management address, which no driver tells: what its program says, asked as the
 // tool asks it; none on a host without the program.

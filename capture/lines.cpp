@@ -73,7 +73,7 @@ constexpr line LINES[] = {
     {"show stats", "traffic"},
     {"show port-drops ingress internal", "stages drops"},
     {"show port-drops egress internal", "stages drops multicast_drops flood_drops"},
-    {"show port-drops ltl", "stages drops", typed::ltl},
+    {"show port-drops ltl", "stages drops drops_of_ports_alone", typed::ltl},
 };
 
 std::set<std::string> keys_of(const line &of) {
@@ -215,9 +215,12 @@ extern "C" FILE *__wrap_popen(const char *command, const char *mode) {
     return nullptr;
 }
 
-bool has_display(const std::string &key) {
-    return std::any_of(std::begin(LINES), std::end(LINES),
-                       [&](const line &known) { return keys_of(known).contains(key); });
+std::set<std::string> displayed_keys() {
+    std::set<std::string> keys;
+    for (const line &known : LINES) {
+        keys.merge(keys_of(known));
+    }
+    return keys;
 }
 
 uint32_t stranger_to(const host &learnt) {

@@ -9,8 +9,8 @@
 #include <set>
 #include <string>
 
-// True for a top-level key of the host file that a display is about.
-bool has_display(const std::string &key);
+// The top-level keys of the host file that the displays are about.
+std::set<std::string> displayed_keys();
 
 // An LTL that nothing names, which is asked about as well: as the driver answers for that, it
 // answers for others.

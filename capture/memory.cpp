@@ -390,6 +390,17 @@ std::vector<refused_opcode> driver_memory::refused() const {
     return counts;
 }
 
+bool driver_memory::was_told_anything() const {
+    bool told = false;
+    each_row([&](const remembered_row &asked) {
+        told = told ||
+               std::any_of(asked.steps.begin(), asked.steps.end(), [](const remembered_step &step) {
+                   return step.told().status == KXDPA_STATUS_SUCCESS;
+               });
+    });
+    return told;
+}
+
 void driver_memory::cut_off(const std::string &why) {
     constexpr size_t REASONS = 16;
     if (cut_.size() < REASONS && std::find(cut_.begin(), cut_.end(), why) == cut_.end()) {

@@ -86,6 +86,7 @@ public:
     // How often each status came that nothing was told with, of one opcode or of all.
     std::map<uint32_t, uint64_t> refusals(std::optional<uint16_t> opcode = {}) const;
     std::vector<refused_opcode> refused() const; // ends of walks aside
+    bool was_told_anything() const;              // the driver has not refused everything
     // Why questions were refused that the driver never saw; empty when none were.
     const std::vector<std::string> &cut() const {
         return cut_;

@@ -4,14 +4,17 @@
 #include "capture/recorder.h"
 #include "host/host_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <getopt.h>
@@ -30,7 +33,7 @@ constexpr const char *TOO_LARGE = "the host file would be larger than tarnlab ta
 static_assert(HOST_FILE_LIMIT == size_t{64} << 20);
 
 constexpr const char *HELP =
-    "Usage: tarncap [-o FILE] [--full] [KEY...]\n"
+    "Usage: tarncap [-o FILE] [--full] [--verbose] [KEY...]\n"
     "       tarncap --record FILE COMMAND [WORDS...]\n"
     "\n"
     "Asks the driver of this host what the display commands of tarncmd ask it, changes nothing, and\n"
@@ -39,6 +42,7 @@ constexpr const char *HELP =
     "  KEY                       only these keys of the host file, and only the requests for them\n"
     "  -o FILE, --output FILE    write FILE, whole or not at all, instead of standard output\n"
     "  --full                    write what is left out otherwise, too: keys with their defaults\n"
+    "  --verbose                 tell by opcode on standard error what was refused\n"
     "  --record FILE             run one tarncmd command line, whatever it does, and keep every\n"
     "                            request with its exact answer in FILE\n"
     "  --version                 print the version\n"
@@ -47,13 +51,16 @@ constexpr const char *HELP =
     "What the driver refuses is left out and counted on standard error. The exit value is 0, or 1\n"
     "when the driver cannot be asked or the output not be written, 2 when the arguments are wrong,\n"
     "and 3 when the capture is not whole, which the file says, too. With --record it is that of the\n"
-    "command.\n";
+    "command.\n"
+    "\n"
+    "The KEYs:\n";
 
 struct options {
     std::string output; // empty for standard output
     std::string record; // empty for a capture
     std::set<std::string> keys;
     bool full = false;        // defaults are written, too
+    bool verbose = false;     // refusals are told by opcode
     char **command = nullptr; // of a recording
 };
 
@@ -62,26 +69,69 @@ bool complain(const std::string &line) {
     return false;
 }
 
+void print_help() {
+    std::fputs(HELP, stdout);
+    constexpr size_t WIDTH = 96;
+    std::string line = " ";
+    for (const std::string &key : captured_keys()) {
+        if (line.size() + 1 + key.size() > WIDTH) {
+            std::puts(line.c_str());
+            line = " ";
+        }
+        line += " " + key;
+    }
+    std::puts(line.c_str());
+}
+
+// How many characters have to be put in, left out or replaced.
+size_t typing_errors(const std::string &typed, const std::string &meant) {
+    std::vector<size_t> row(meant.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (size_t i = 0; i < typed.size(); i++) {
+        size_t diagonal = std::exchange(row[0], i + 1);
+        for (size_t j = 0; j < meant.size(); j++) {
+            const size_t replaced = diagonal + (typed[i] == meant[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+bool complain_of_key(const std::string &typed) {
+    size_t least = 3; // so many errors make another word
+    std::string meant;
+    for (const std::string &key : captured_keys()) {
+        const size_t errors = typing_errors(typed, key);
+        if (errors < std::min(least, key.size())) {
+            least = errors;
+            meant = key;
+        }
+    }
+    const std::string hint = meant.empty() ? "" : "; did you mean \"" + meant + "\"?";
+    return complain("no key \"" + typed + "\" can be captured" + hint + (hint.empty() ? ";" : "") +
+                    " tarncap --help lists them");
+}
+
 // One argument that is no option: a key, or the first word of the command to record.
 bool read_word(char **word, options &into) {
     if (!into.record.empty()) {
         into.command = word;
         return true;
     }
-    if (!can_be_captured(*word)) {
-        return complain(std::string("no key \"") + *word +
-                        "\" can be captured; see tarncap --help");
-    }
     into.keys.insert(*word);
-    return true;
+    return captured_keys().contains(*word) || complain_of_key(*word);
 }
 
 // Returns false when the program is to end with `exit_value`.
 bool read_options(int argc, char **argv, options &into, int &exit_value) {
-    static const option known[] = {
-        {"output", required_argument, nullptr, 'o'}, {"record", required_argument, nullptr, 'r'},
-        {"full", no_argument, nullptr, 'f'},         {"version", no_argument, nullptr, 'v'},
-        {"help", no_argument, nullptr, 'h'},         {nullptr, 0, nullptr, 0}};
+    static const option known[] = {{"output", required_argument, nullptr, 'o'},
+                                   {"record", required_argument, nullptr, 'r'},
+                                   {"full", no_argument, nullptr, 'f'},
+                                   {"verbose", no_argument, nullptr, 'V'},
+                                   {"version", no_argument, nullptr, 'v'},
+                                   {"help", no_argument, nullptr, 'h'},
+                                   {nullptr, 0, nullptr, 0}};
     exit_value = EXIT_USAGE;
     opterr = 0;
     int letter = 0;
@@ -104,12 +154,15 @@ bool read_options(int argc, char **argv, options &into, int &exit_value) {
         case 'f':
             into.full = true;
             break;
+        case 'V':
+            into.verbose = true;
+            break;
         case 'v':
             std::puts("tarncap " TARN_VERSION);
             exit_value = 0;
             return false;
         case 'h':
-            std::fputs(HELP, stdout);
+            print_help();
             exit_value = 0;
             return false;
         case ':':
@@ -134,7 +187,7 @@ bool check_options(const options &given) {
     if (given.command == nullptr) {
         return complain("--record needs a command; see tarncap --help");
     }
-    if (!given.output.empty() || !given.keys.empty() || given.full) {
+    if (!given.output.empty() || !given.keys.empty() || given.full || given.verbose) {
         return complain("--record goes with no other option and no KEY; see tarncap --help");
     }
     return true;
@@ -238,6 +291,11 @@ int capture(const options &given) {
                    "HMX version.\n",
                    stderr);
         return EXIT_CANNOT;
+    case capture_outcome::REFUSED:
+        complain(
+            "nothing is written: the driver refuses everything; see with \"tarncmd show card\" "
+            "whether the HMX runs, and ask again");
+        return EXIT_CANNOT;
     case capture_outcome::DONE:
         break;
     }
@@ -252,7 +310,7 @@ int capture(const options &given) {
     } else {
         complain(std::string("not written: ") + TOO_LARGE + "; ask for some keys of it");
     }
-    for (const std::string &line : report_of(*described.capture)) {
+    for (const std::string &line : report_of(*described.capture, given.verbose)) {
         complain(line);
     }
     return !written ? EXIT_CANNOT : described.capture->whole ? 0 : EXIT_NOT_WHOLE;

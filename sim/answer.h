@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 constexpr uint32_t ANY_ARGUMENT = 0xFFFFFFFF;
 
@@ -37,6 +38,7 @@ struct answer {
     bool (*alike)(const exchange &one, const exchange &other) = nullptr;
     // A step of a walk that hands the whole reply back: the steps of an argument stand together.
     bool steps_by_reply = false;
+    const char *key = nullptr; // as in key_place(), where the opcode's family says another
 
     constexpr answer for_argument(uint32_t only) const {
         answer changed = *this;
@@ -46,6 +48,11 @@ struct answer {
     constexpr answer told_alike(bool (*when)(const exchange &, const exchange &)) const {
         answer changed = *this;
         changed.alike = when;
+        return changed;
+    }
+    constexpr answer from_key(const char *name) const {
+        answer changed = *this;
+        changed.key = name;
         return changed;
     }
 };
@@ -109,11 +116,15 @@ extern const family lacp_family;
 extern const family settings_family;
 
 // All of them, in families.cpp.
-std::span<const family *const> all_families();
+std::vector<const family *> all_families();
 
 // The answer to a request: the one of its form and argument, else any of the opcode, so that the
 // difference can be named; nullptr for an opcode that nobody answers.
 const answer *find_answer(const kxdpa_request &request);
+
+// The place of the top-level key of the host file that the opcode is answered from; none for an
+// opcode that no key is about.
+std::optional<size_t> key_place(const answer &known);
 
 // What is left to do once all answers of a driver are learnt: to take out what says nothing, or
 // twice the same. The drops of one LTL that is neither a port nor internal tell of the others.

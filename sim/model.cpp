@@ -233,6 +233,9 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
         return rule->error;
     }
+    if (known != nullptr && driver.asked) {
+        driver.asked(*known);
+    }
     const kxdpa_request asked = record;
     exchange talk{.request = asked, .input = input, .places = &driver.places};
     answer_request(driver.state, talk, known, rule);

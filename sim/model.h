@@ -47,6 +47,8 @@ struct model {
     std::function<void(const std::string &line)> trace;
     // Told the place of each override that a request is answered by.
     std::function<void(size_t place)> met;
+    // Told the form of each request that there is one of.
+    std::function<void(const answer &form)> asked;
     // One line for every malformed record; nullptr writes to standard error.
     std::function<void(const std::string &line)> complain;
 };

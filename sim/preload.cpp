@@ -4,6 +4,7 @@
 #include "sim/interpose.h"
 #include "sim/preload_channel.h"
 #include "sim/trace.h"
+#include "sim/use.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -64,15 +65,15 @@ void close_if_open(int descriptor) {
     }
 }
 
-// Mark the overrides that are met where tarnlab sees it.
-void mark_met(model &driver, int descriptor) {
-    const size_t size = driver.state.overrides.size();
-    if (descriptor == -1 || size == 0) {
+// Mark what the host is used for where tarnlab sees it.
+void mark_use(model &driver, int descriptor) {
+    if (descriptor == -1) {
         return;
     }
-    void *shared = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    void *shared =
+        mmap(nullptr, marks_of(driver.state), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
     if (shared != MAP_FAILED) {
-        driver.met = [marks = static_cast<uint8_t *>(shared)](size_t place) { marks[place] = 1; };
+        mark_use_of(driver, static_cast<uint8_t *>(shared));
     }
 }
 
@@ -89,7 +90,7 @@ __attribute__((constructor)) void start_simulation() {
         _exit(EXIT_BAD_HOST);
     }
     driver->take(std::move(described));
-    mark_met(*driver, channel.met);
+    mark_use(*driver, channel.met);
     if (channel.trace != -1) {
         fcntl(channel.trace, F_SETFD, FD_CLOEXEC);
         trace_into(*driver, channel.trace);

@@ -224,8 +224,8 @@ constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
     get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_port_count, learn_port_count),
     exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_next_port, learn_next_port),
     exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group),
-    get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_vlan_count, learn_vlan_count),
-    get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_next_vlan, learn_next_vlan),
+    get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_vlan_count, learn_vlan_count).from_key("vlans"),
+    get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_next_vlan, learn_next_vlan).from_key("vlans"),
 };
 
 } // namespace

@@ -54,9 +54,9 @@ void learn_asserts(host &state, const exchange &told) {
 }
 
 constexpr answer MEMORY_ANSWERS[] = {
-    walk<&memory_state::heaps>(KXDPA_OP_NEXT_HEAP),
-    walk<&memory_state::pools>(KXDPA_OP_NEXT_MEMORY_POOL),
-    get<uint32_t>(KXDPA_OP_ASSERT_COUNT, answer_asserts, learn_asserts),
+    walk<&memory_state::heaps>(KXDPA_OP_NEXT_HEAP).from_key("heaps"),
+    walk<&memory_state::pools>(KXDPA_OP_NEXT_MEMORY_POOL).from_key("memory_pools"),
+    get<uint32_t>(KXDPA_OP_ASSERT_COUNT, answer_asserts, learn_asserts).from_key("asserts"),
 };
 
 } // namespace

@@ -105,13 +105,15 @@ template <auto member> constexpr answer common(kxdpa_opcode opcode) {
 }
 
 constexpr answer COUNTER_ANSWERS[] = {
-    get<kx_port_statistics>(KXDPA_OP_PORT_STATISTICS, answer_traffic, learn_traffic),
+    get<kx_port_statistics>(KXDPA_OP_PORT_STATISTICS, answer_traffic, learn_traffic)
+        .from_key("traffic"),
     set<uint32_t>(KXDPA_OP_CLEAR_PORT_STATISTICS, clear_traffic),
     command(KXDPA_OP_CLEAR_ALL_PORT_STATISTICS, clear_all_traffic),
-    get<kx_stage_descriptor>(KXDPA_OP_STAGE_DESCRIPTOR, answer_stage, learn_stage),
+    get<kx_stage_descriptor>(KXDPA_OP_STAGE_DESCRIPTOR, answer_stage, learn_stage)
+        .from_key("stages"),
     get<kx_drop_counters>(KXDPA_OP_DROP_COUNTERS, answer_drops, learn_drops),
-    common<&counter_table::multicast_drops>(KXDPA_OP_MULTICAST_DROPS),
-    common<&counter_table::flood_drops>(KXDPA_OP_FLOOD_DROPS),
+    common<&counter_table::multicast_drops>(KXDPA_OP_MULTICAST_DROPS).from_key("multicast_drops"),
+    common<&counter_table::flood_drops>(KXDPA_OP_FLOOD_DROPS).from_key("flood_drops"),
 };
 
 } // namespace

@@ -61,7 +61,7 @@ void learn_pinned(host &state, const exchange &told) {
 }
 
 constexpr answer PORT_CHANNEL_ANSWERS[] = {
-    get<uint32_t>(KXDPA_OP_PINNING_MODE, answer_mode, learn_mode),
+    get<uint32_t>(KXDPA_OP_PINNING_MODE, answer_mode, learn_mode).from_key("port_channel_mode"),
     get<kx_port_channel_record>(KXDPA_OP_PORT_CHANNEL_RECORD, answer_port_channel,
                                 learn_port_channel),
     get<uint32_t>(KXDPA_OP_PINNED_PORTS, answer_pinned, learn_pinned),
