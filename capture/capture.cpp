@@ -59,17 +59,24 @@ bool is_always_refused(const driver_memory &memory, kxdpa_opcode opcode) {
     return refused && !told;
 }
 
-// What is refused throughout is told as that, and not thing by thing.
-void settle(const driver_memory &memory, host &described) {
-    const std::map<uint32_t, uint64_t> refusals = memory.refusals();
-    uint64_t most =
-        refusals.contains(HOST_STATUS_NOT_FOUND) ? refusals.at(HOST_STATUS_NOT_FOUND) : 0;
-    for (const auto &[status, count] : refusals) {
-        if (count > most) {
-            most = count;
-            described.refusal_status = status;
+// The status that most opcodes refuse most with. An opcode that refuses all its many questions with
+// another one takes a single rule.
+uint32_t usual_refusal(const driver_memory &memory) {
+    const auto less = [](const auto &one, const auto &other) { return one.second < other.second; };
+    std::map<uint32_t, uint64_t> opcodes = {{HOST_STATUS_NOT_FOUND, 0}};
+    for (const refused_opcode &refused : memory.refused(true)) {
+        const std::map<uint32_t, uint64_t> counts = memory.refusals(refused.opcode);
+        if (!counts.empty()) {
+            opcodes[std::max_element(counts.begin(), counts.end(), less)->first]++;
         }
     }
+    const auto most = std::max_element(opcodes.begin(), opcodes.end(), less);
+    return most->second > opcodes[HOST_STATUS_NOT_FOUND] ? most->first : HOST_STATUS_NOT_FOUND;
+}
+
+// What is refused throughout is told as that, and not thing by thing.
+void settle(const driver_memory &memory, host &described) {
+    described.refusal_status = usual_refusal(memory);
     if (is_always_refused(memory, KXDPA_OP_PORT_STATISTICS)) {
         described.counters.traffic.clear();
     }

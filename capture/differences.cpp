@@ -81,6 +81,23 @@ override_rule rule_of(const remembered_row &row, const remembered_step &step) {
     return rule_for(asked, has_input(asked) ? std::optional(step.input()) : std::nullopt, answer);
 }
 
+// The status whose one rule, behind those for all other questions, takes fewer rules than one for
+// each of `different` does; none when no status does. `refusals` are counts of questions by status.
+template <typename Counts>
+std::optional<uint32_t> best_refused_alike(const Counts &refusals, size_t questions,
+                                           size_t different) {
+    const auto most =
+        std::max_element(refusals.begin(), refusals.end(), [](const auto &one, const auto &other) {
+            return one.second < other.second;
+        });
+    if (most == refusals.end()) {
+        return std::nullopt;
+    }
+    const size_t rules = questions - static_cast<size_t>(most->second) + 1;
+    const bool is_shorter = rules < different || (rules == 1 && different == 1);
+    return is_shorter ? std::optional(most->first) : std::nullopt;
+}
+
 struct opcode_tally {
     size_t questions = 0;
     size_t different = 0;
@@ -98,14 +115,9 @@ tallies tally_differences(const driver_memory &memory, comparison &compared) {
             tally.different += compared.is_alike(row, step) ? 0 : 1;
         }
     });
-    // One rule behind those for all other questions, where that takes fewer rules.
     for (auto &[opcode, tally] : by_opcode) {
-        for (const auto &[status, count] : memory.refusals(opcode)) {
-            const size_t rules = tally.questions - static_cast<size_t>(count) + 1;
-            if (rules < tally.different || (rules == 1 && tally.different == 1)) {
-                tally.refused_alike = status;
-            }
-        }
+        tally.refused_alike =
+            best_refused_alike(memory.refusals(opcode), tally.questions, tally.different);
     }
     return by_opcode;
 }
@@ -121,10 +133,8 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
         }
     }
     std::optional<uint32_t> alike;
-    for (const auto &[status, count] : refusals) {
-        if (has_input(row.request) && row.steps.size() - count + 1 < open.size()) {
-            alike = status;
-        }
+    if (has_input(row.request) && open.size() > 1) {
+        alike = best_refused_alike(refusals, row.steps.size(), open.size());
     }
     for (const remembered_step &step : alike ? row.steps : std::span(open)) {
         if (!alike || row.refusal(step) != alike) {

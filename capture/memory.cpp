@@ -358,7 +358,7 @@ void driver_memory::each_row(const std::function<void(const remembered_row &)> &
     }
 }
 
-std::map<uint32_t, uint64_t> driver_memory::refusals(std::optional<uint16_t> opcode) const {
+std::map<uint32_t, uint64_t> driver_memory::refusals(uint16_t opcode) const {
     std::map<uint32_t, uint64_t> counts;
     each_row(
         [&](const remembered_row &asked) {
@@ -372,14 +372,14 @@ std::map<uint32_t, uint64_t> driver_memory::refusals(std::optional<uint16_t> opc
     return counts;
 }
 
-std::vector<refused_opcode> driver_memory::refused() const {
+std::vector<refused_opcode> driver_memory::refused(bool with_ends_of_walks) const {
     std::vector<refused_opcode> counts;
     each_row([&](const remembered_row &asked) {
         const auto count = static_cast<uint32_t>(
             std::count_if(asked.steps.begin(), asked.steps.end(), [](const remembered_step &step) {
                 return step.told().status != KXDPA_STATUS_SUCCESS;
             }));
-        if (count == 0 || longest_walk(asked.request.opcode) != 0) {
+        if (count == 0 || (!with_ends_of_walks && longest_walk(asked.request.opcode) != 0)) {
             return;
         }
         if (counts.empty() || counts.back().opcode != asked.request.opcode) {

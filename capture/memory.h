@@ -83,9 +83,9 @@ public:
     // was asked in several forms, that is what the first one asked: a rule cannot tell them apart.
     void each_row(const std::function<void(const remembered_row &)> &visit,
                   std::optional<uint16_t> opcode = {}) const;
-    // How often each status came that nothing was told with, of one opcode or of all.
-    std::map<uint32_t, uint64_t> refusals(std::optional<uint16_t> opcode = {}) const;
-    std::vector<refused_opcode> refused() const; // ends of walks aside
+    // How often each status came from an opcode that nothing was told with.
+    std::map<uint32_t, uint64_t> refusals(uint16_t opcode) const;
+    std::vector<refused_opcode> refused(bool with_ends_of_walks = false) const;
     bool was_told_anything() const;              // the driver has not refused everything
     // Why questions were refused that the driver never saw; empty when none were.
     const std::vector<std::string> &cut() const {
