@@ -282,9 +282,10 @@ void driver_memory::learn(const shape &of, const row &in, const kxdpa_request &a
 void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
     if (of.growing != &in) {
         if (of.growing != nullptr) {
-            list_bytes_ += LIST_BYTES + of.own.size() * sizeof(remembered_step);
             of.own.shrink_to_fit();
-            of.growing->list = &*lists_.insert(std::move(of.own)).first;
+            const auto [list, is_new] = lists_.insert(std::move(of.own));
+            list_bytes_ += is_new ? LIST_BYTES + list->size() * sizeof(remembered_step) : 0;
+            of.growing->list = &*list;
         }
         of.own = in.list == nullptr ? steps() : *in.list;
         of.growing = &in;
