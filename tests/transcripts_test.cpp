@@ -176,7 +176,7 @@ std::string replace_addresses(std::string text, std::string_view word) {
     return text;
 }
 
-// A stretch of output as result lines: a mark in front, "|" behind where a newline was.
+// A stretch of output as result lines: a mark in front, "|" at the end where a newline was.
 void show_output(text_lines &results, char mark, std::string text, bool mask_stamps) {
     if (mask_stamps) {
         text = replace_stamps(text, "STAMP: ");
