@@ -5,6 +5,7 @@
 
 #include "host/host.h"
 
+#include <chrono>
 #include <set>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@ struct capture_request {
     std::set<std::string> keys{};  // top-level keys of the host file; all when empty
     bool (*is_wanted)() = nullptr; // asked now and then; false ends the capture
     bool shows_progress = false;   // on standard error
+    std::chrono::seconds time_limit{600};
 };
 
 enum class capture_outcome {

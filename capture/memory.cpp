@@ -130,10 +130,11 @@ std::optional<uint32_t> remembered_row::refusal(const remembered_step &step) con
     return says_more ? std::nullopt : std::optional(told.status);
 }
 
-driver_memory::driver_memory(host &learnt, bool (*is_wanted)(), bool shows_progress)
-    : learnt_(learnt), is_wanted_(is_wanted), shows_progress_(shows_progress),
-      shape_of_opcode_(OPCODES),
-      next_progress_(std::chrono::steady_clock::now() + BEFORE_PROGRESS) {
+driver_memory::driver_memory(host &learnt, std::chrono::seconds time_limit, bool (*is_wanted)(),
+                             bool shows_progress)
+    : learnt_(learnt), time_limit_(time_limit), is_wanted_(is_wanted),
+      shows_progress_(shows_progress), shape_of_opcode_(OPCODES),
+      began_(std::chrono::steady_clock::now()), next_progress_(began_ + BEFORE_PROGRESS) {
     listen_to_calls(this);
 }
 
@@ -419,6 +420,9 @@ void driver_memory::look_around() {
         end("nobody waits for it any more");
     }
     const auto now = std::chrono::steady_clock::now();
+    if (now - began_ > time_limit_) {
+        end("no end after " + std::to_string(time_limit_.count()) + " seconds");
+    }
     if (!shows_progress_ || now < next_progress_) {
         return;
     }

@@ -65,11 +65,11 @@ struct remembered_row {
 
 class driver_memory : public call_listener {
 public:
-    // What is learnt goes into `learnt`. `is_wanted` is called now and then; once it returns false
-    // nothing more is asked. With `shows_progress`, what is being asked shows on standard error
-    // once a second has passed.
-    explicit driver_memory(host &learnt, bool (*is_wanted)() = nullptr,
-                           bool shows_progress = false);
+    // What is learnt goes into `learnt`. After `time_limit` nothing more is asked. `is_wanted` is
+    // called now and then; once it returns false nothing more is asked. With `shows_progress`, what
+    // is being asked shows on standard error once a second has passed.
+    driver_memory(host &learnt, std::chrono::seconds time_limit, bool (*is_wanted)() = nullptr,
+                  bool shows_progress = false);
     ~driver_memory() override;
     driver_memory(const driver_memory &) = delete;
     driver_memory &operator=(const driver_memory &) = delete;
@@ -86,7 +86,7 @@ public:
     // How often each status came from an opcode that nothing was told with.
     std::map<uint32_t, uint64_t> refusals(uint16_t opcode) const;
     std::vector<refused_opcode> refused(bool with_ends_of_walks = false) const;
-    bool was_told_anything() const;              // the driver has not refused everything
+    bool was_told_anything() const; // the driver has not refused everything
     // Why questions were refused that the driver never saw; empty when none were.
     const std::vector<std::string> &cut() const {
         return cut_;
@@ -143,6 +143,7 @@ private:
     void look_around();
 
     host &learnt_;
+    std::chrono::seconds time_limit_;
     bool (*is_wanted_)();
     bool shows_progress_;
     bool over_ = false; // every question is refused
@@ -157,7 +158,7 @@ private:
     exchange told_; // what is being learnt from
     std::vector<uint8_t> answer_bytes_;
     std::string asking_, progress_;
-    std::chrono::steady_clock::time_point next_progress_;
+    std::chrono::steady_clock::time_point began_, next_progress_;
 };
 
 #endif

@@ -132,10 +132,11 @@ void replay_rows(uint64_t seed) {
 constexpr uint32_t CAPTURES_OF_A_SEED = 40;
 
 // Returns what was cut.
-std::vector<std::string> capture(uint64_t seed, const char *what, const test_driver &driver) {
+std::vector<std::string> capture(uint64_t seed, const char *what, const test_driver &driver,
+                                 std::chrono::seconds time_limit = std::chrono::minutes(10)) {
     set_test_driver(driver);
     host captured;
-    capture_host({}, "", captured);
+    capture_host({.time_limit = time_limit}, "", captured);
     std::vector<std::string> unsaid;
     const std::string text = write_host(captured, {}, &unsaid);
     host described;
@@ -176,6 +177,14 @@ void capture_endless_driver(uint32_t circle) {
         give_up(circle, "endless", "nothing is cut");
 }
 
+void capture_slow_driver() {
+    hostile_driver_restart(1);
+    const std::vector<std::string> cut =
+        capture(1, "slow", answer_hostile, std::chrono::seconds(0));
+    if (std::count(cut.begin(), cut.end(), "no end after 0 seconds") != 1)
+        give_up(1, "slow", "the time is not limited");
+}
+
 } // namespace
 
 int main(int argc, char *argv[]) {
@@ -197,6 +206,7 @@ int main(int argc, char *argv[]) {
     if (every == 1)
         capture_endless_driver(0);
     capture_endless_driver(7);
+    capture_slow_driver();
     std::printf("captures of hostile drivers: %llu\n",
                 static_cast<unsigned long long>(done.captures));
     std::printf("recordings: %zu rows, %llu runs, %llu requests replayed\n", done.rows.size(),
