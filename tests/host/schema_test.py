@@ -33,10 +33,15 @@ def host_files(repository):
             yield name, path.read_text()
 
 
-def written_once_more(text):
-    """The text as another program writes the same JSON: two blanks a level, nothing escaped."""
-    again = json.dumps(json.loads(text), indent=2, ensure_ascii=False)
-    return again.replace("\x7f", "\\u007f") + "\n"
+def written(value, indent=""):
+    """JSON as another program writes it: two blanks a level, lists of values on one line, nothing escaped."""
+    inner = indent + "  "
+    if isinstance(value, dict) and value:
+        members = (f"{inner}{json.dumps(key)}: {written(member, inner)}" for key, member in value.items())
+        return "{\n" + ",\n".join(members) + f"\n{indent}}}"
+    if isinstance(value, list) and any(isinstance(item, dict) for item in value):
+        return "[\n" + ",\n".join(inner + written(item, inner) for item in value) + f"\n{indent}]"
+    return json.dumps(value, ensure_ascii=False).replace("\x7f", "\\u007f")
 
 
 def main():
@@ -50,7 +55,7 @@ def main():
     assert len(files) >= 9, files
     for seed in range(RANDOM_HOSTS):
         text = output_of(random_host_file, str(seed))
-        assert text == written_once_more(text), f"random host {seed}"
+        assert text == written(json.loads(text)) + "\n", f"random host {seed}"
         files.append((f"random host {seed}", text))
     for name, text in files:
         wrong = jsonschema.exceptions.best_match(validator.iter_errors(json.loads(text)))
