@@ -18,7 +18,9 @@ def pair_of_digits($base):
 
 # REQUIRES: a number, or a text with one in C notation
 def pair:
-    if type == "number" then [(. / 1000000000 | floor), . % 1000000000]
+    # The rest of a number beyond 2^53, which jq has rounded, may be too much or too little.
+    if type == "number" then (. / 1000000000 | floor) as $high
+        | [$high, ([0, . - $high * 1000000000, 999999999] | sort[1])]
     elif test("^0[xX][0-9a-fA-F]{1,16}$") then .[2:] | pair_of_digits(16)
     elif test("^0[0-7]{0,22}$") then pair_of_digits(8)
     elif test("^[0-9]{1,20}$") then pair_of_digits(10)
