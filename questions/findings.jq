@@ -99,8 +99,11 @@ def cause($leaf):
     elif $leaf then first((.leaf_block, .leaf_wait) | select(IN("bpdu", "zero-mac", "ack", "policy"))) // null
     elif .error == "none" then null else .error end;
 
-# Whether it works at all: the first obstacle alone, since the others follow from it. $usable are those of its VLANs
-# that the host has, with a bridge domain.
+# Those of its VLANs that the host has, with a bridge domain: $usable below.
+def usable($h): (if $h.knows_domains then only($h.by_vlan) else . end)
+    | (if $h.knows_vlans then only($h.vlans) else . end);
+
+# Whether it works at all: the first obstacle alone, since the others follow from it.
 def state_findings($h; $usable):
     if .known | not then found("unknown"; "has no record in the HMX"; "show port")
     elif is_up | not then
@@ -232,6 +235,9 @@ def way_findings($h; $usable):
     | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) | not)] as $absent
     | [$usable[] | select(tostring as $vlan
         | any($up[]; .has_vlan[$vlan]) and (any($up[]; .forwards_vlan[$vlan]) | not))] as $blocked
+    # Up, but err-disabled or the like: all else follows from it.
+    | (if any($up[]; .does_forward) then []
+       else [$up[] | state_findings($h; .vlans | usable($h)) | {word, text, command}] end) as $stopped
     | def goes: if $pinned != null then "is pinned to \(titles)" else "goes out through \(titles)" end;
       (if $ways == [] then
          (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $why
@@ -239,6 +245,9 @@ def way_findings($h; $usable):
        elif $up == [] then
          way("uplink-down"; "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
              "show port"; null; [])
+       elif $stopped != [] then
+         $stopped[0] as $first
+         | way($first.word; "has no way out: \([$stopped[].text] | join("; "))"; $first.command; null; [])
        else
          (select($absent != [])
             | way("vlan-not-on-uplink"; "\($up | goes), without \($absent | vlans_text)"; "show port vlans";
@@ -256,8 +265,7 @@ def way_findings($h; $usable):
 
 # All about a port, from itself outwards. $drops is the least number of drops that is told.
 def port_findings($h; $drops):
-    (.vlans | (if $h.knows_domains then only($h.by_vlan) else . end)
-     | (if $h.knows_vlans then only($h.vlans) else . end)) as $usable
+    (.vlans | usable($h)) as $usable
     | state_findings($h; $usable),
       (select(.known and .ltl >= 18 and (is_uplink or is_port_channel | not))
         | vlan_findings($h; $usable), way_findings($h; $usable)),
