@@ -151,7 +151,10 @@ def vlan_findings($h; $usable):
       (select(.does_forward) | .blocked | only($is_usable) | select(. != [])
         | of_port("vlan-blocked"; "is blocked on \(vlans_text)"; "show port vlans")),
       ($outside | select(. != [])
-        | of_port("not-member"; "is not among the ports of \(vlans_text)"; "show vlan \(.[0])"));
+        | of_port("not-member"; "is not among the ports of \(vlans_text)"; "show vlan \(.[0])")),
+      (select(.segment != 0 and .forwarding) | .ltl as $ltl | $h.by_segment[.segment | tostring]
+        | select(. != null and .has_members and (.has_member[$ltl | tostring] | not)) | .segment as $segment
+        | $port | found("not-member"; "is not among the ports of segment \($segment)"; "show segment \($segment)"));
 
 # A port channel without a member that is up.
 def channel_findings($h):
@@ -215,7 +218,8 @@ def krt_findings:
     | if $krt.known | not then found("krt-differs"; "has no record in the KRT"; "show port krt")
       else [("admin", "link" | select($port[.] != $krt[.]) | "\(.) \($krt[.])"),
             ("forwarding", "vlan_mode", "vlans", "forwards_on", "port_channel"
-                | select($port[.] != $krt[.]) | gsub("_"; " "))] as $keys
+                | select($port[.] != $krt[.] and (. != "vlans" or $port.has_vlans and $krt.has_vlans)) # not refused
+                | gsub("_"; " "))] as $keys
         | select($keys != [])
         | found("krt-differs"; "differs in the KRT's view: \($keys | join(", "))"; "show port krt") end;
 
