@@ -191,11 +191,15 @@ def traffic_of(ports):
     | reduce traffic_counters[] as $counter ({ltl: $port.ltl, $port}; .[$counter] = ($counted[$counter] | number));
 def traffic: traffic_of(ports);
 
-# The stages that are shown, {key, name}: `key` is what the drops at it stand under.
+# The stages that are shown, {key, name}: `key` is what the drops at it stand under. A capture that was not asked
+# for them has those that drops stand under.
 def stages:
-    [.stages[]?] | to_entries[]
+    if is_known("stages") | not then
+        [(.drops[]?, .multicast_drops, .flood_drops) | objects | keys_unsorted[] | select(test("^[0-9]+$"))]
+        | unique_by(tonumber)[] | {key: ., name: "stage \(.)"}
+    else [.stages[]?] | to_entries[]
     | select(.key <= 40 and (.value.present == null or (.value.present | flag)))
-    | {key: (.key | tostring), name: (.value.name // "")};
+    | {key: (.key | tostring), name: (.value.name // "")} end;
 
 # What a record of drops counts, [{key, name, count}], the stages at which nothing was dropped too.
 def stage_drops($stages):
