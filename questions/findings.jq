@@ -357,12 +357,14 @@ def folded_way_findings:
 # The least numbers that are told, and the percents from which something is nearly full.
 def usual_thresholds: {drops: 100, full: 90, asserts: 1, denied: 1, rejected: 1};
 
+def cut_finding: .capture | select(. != null and .whole == false)
+    | host_found("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null);
+
 # All about a host, worst first.
 def host_findings($least):
     indexed as $h
     | [$h.ports[] | select(.known and .ltl >= 18 and (is_empty | not)) | port_findings($h; $least.drops)] as $of_ports
-    | [(.capture | select(. != null and .whole == false)
-          | host_found("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null)),
+    | [cut_finding,
        (select(is_known("card")) | .card | select(. != null) | card_findings),
        memory_findings($least), table_findings($h; $least), address_on_two_findings($h),
        ($of_ports[] | select(has("group") | not)), ($of_ports | folded_way_findings),
