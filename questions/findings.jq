@@ -247,7 +247,9 @@ def way_findings($h; $usable):
          (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $why
          | way("uplink-missing"; "has no way out: \($why)"; "show port"; $why; [])
        elif $up == [] then
-         way("uplink-down"; "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
+         select(any($ways[]; is_up | not)) # else it is told below of the port channel
+         | way(if all($ways[]; is_port_channel) then "port-channel-down" else "uplink-down" end;
+             "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
              "show port"; null; [])
        elif $stopped != [] then
          $stopped[0] as $first
@@ -369,6 +371,6 @@ def host_findings($least):
        memory_findings($least), table_findings($h; $least), address_on_two_findings($h),
        ($of_ports[] | select(has("group") | not)), ($of_ports | folded_way_findings),
        ($h.members | keys[] | port_of($h; tonumber) | channel_findings($h))]
-    | unique_by([.word, .ltl, .text])
+    | unique_by([.word, .ltl, .text, .count])
     | (words | to_entries | map({(.value): .key}) | add) as $rank
     | sort_by([$rank[.word], .ltl // -1, .text])[];
