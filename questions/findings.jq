@@ -77,9 +77,10 @@ def indexed:
 
 def port_of($h; $ltl): $h.ports[$ltl | tostring] // {ltl: $ltl, name: "", interface: "", known: false, vlans: []};
 
-# The command that shows the addresses of a bridge domain.
-def address_command: if .kind == "segment" then "show l2 segment \(.segment)"
-    elif (.vlan // 0) != 0 then "show l2 \(.vlan)" else "show l2 all" end;
+# The command that shows the addresses of bridge domains.
+def address_command: if length != 1 then "show l2 all" else .[0]
+    | if .kind == "segment" then "show l2 segment \(.segment)"
+      elif (.vlan // 0) != 0 then "show l2 \(.vlan)" else "show l2 all" end end;
 
 # "VLAN 10", "VLANs 10,20-29", at most so many characters of them.
 def vlans_text:
@@ -191,12 +192,12 @@ def address_findings($h):
     | (select($addresses == [] and $h.knows_addresses and is_up
             and .port_channel == 0 and ($h.is_member[.ltl | tostring] | not)
             and (.forwards != [] or .segment != 0 and .forwarding))
-       | ($h.by_vlan[.forwards[0] | tostring] // $h.by_segment[.segment | tostring]) as $domain
-       | found("no-address"; "has no address behind it"; $domain | address_command)),
+       | [$h.by_vlan[.forwards[] | tostring], $h.by_segment[.segment | tostring] // empty] as $domains
+       | found("no-address"; "has no address behind it"; $domains | address_command)),
       ([$addresses[] | select(.drop == true)] as $dropped
        | select($dropped != [])
        | found("address-dropped"; "sends from \([$dropped[].mac | text] | join(", ")), which is dropped";
-           $h.by_index[$dropped[0].domain | tostring] | address_command));
+           [$h.by_index[$dropped[].domain | tostring]] | unique | address_command));
 
 def drop_findings($h; $least):
     def many: . != 0 and (is_below($least) | not);
@@ -334,7 +335,7 @@ def table_findings($h; $least):
     | select($count | is_full($limit; $least.full))
     | ($h.by_index[.bridge_domain | number | tostring] // {index: (.bridge_domain | number), vlan: 0})
     | host_found("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit)";
-        address_command);
+        [.] | address_command);
 
 # An address that two ports have, as their own or behind them: two virtual ports, or one and an uplink.
 def address_on_two_findings($h):
