@@ -189,12 +189,12 @@ TEST_F(HostProcess, EndsWalksThatTheDriverDoesNotEnd) {
     std::vector<uint8_t> stage(104, 0);
     stage[1] = 1; // present
     std::vector<uint8_t> slot(52, 0);
-    std::fill_n(slot.begin(), 4, 0xff); // how many there are
+    std::fill_n(slot.begin(), 4, 0xff); // the number of slots
     const struct {
         const char *command;
         uint16_t opcode;
         std::vector<uint8_t> reply;
-        int asked; // requests of the opcode; of 619, one a port
+        int asked; // requests of the opcode; for 619, one for each port
     } rows[] = {
         {"show port", 619, index_0, 5},
         {"show port vlans", 619, index_0, 5},

@@ -19,7 +19,7 @@ constexpr uint16_t STEPS[] = {9, 15, 25, 298, 299, 573, 618, 619, 627};
 struct endless_walk {
     const char *command;
     uint16_t opcode;
-    uint32_t position; // where the place stands in the reply
+    uint32_t position; // of the place in the reply
     uint32_t to_one_place;
     uint32_t to_two_places;
 };
