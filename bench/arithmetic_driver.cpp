@@ -176,7 +176,7 @@ uint32_t answer(kxdpa_request *request) {
     case KXDPA_OP_ACL_COUNT:
         *word = 0;
         return KXDPA_STATUS_SUCCESS;
-    case KXDPA_OP_PORT_PVLAN: // answers with what was asked: no private VLAN
+    case KXDPA_OP_PORT_PVLAN: // the request comes back unchanged: no private VLAN
         return KXDPA_STATUS_SUCCESS;
     case KXDPA_OP_PORT_MAC:
         memset(buffer<uint8_t>(request->buf1), 2, KX_MAC_SIZE);

@@ -29,7 +29,7 @@ char *buffer_end() {
     return hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
 }
 
-// Positions are compared as numbers: after a cut write the pointer lies past the buffer.
+// Positions are compared as numbers: after a cut write the pointer is past the buffer.
 bool has_room(uintptr_t position) {
     const auto end = reinterpret_cast<uintptr_t>(buffer_end());
     if (position >= end) {

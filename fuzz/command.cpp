@@ -15,7 +15,7 @@ constexpr uint32_t NO_ENTRY = 61;
 constexpr uint32_t PATIENCE = 32; // requests that are all answered alike
 
 uint32_t requests = 0;
-bool answers = false; // with what stands in the buffer already, instead of no entry
+bool answers = false; // with the buffer unchanged, instead of "no entry"
 
 std::string typed_row(uint32_t row) {
     return command_of(kestrel_cmd_list[row % KESTREL_CMD_ROWS]) + " ";

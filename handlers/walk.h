@@ -20,7 +20,7 @@ constexpr uint32_t KX_COMMAND_REQUESTS = 1U << 24;
 
 // A walk over the numbers of a driver's table: LTLs, VLANs, bridge domains, multicast groups.
 struct kx_walk {
-    uint32_t at;           // the number that the walk has come to; where it starts from, at first
+    uint32_t at;           // the number that the walk has reached; at first, where it starts
     uint32_t requests = 0; // made so far
 };
 

@@ -29,7 +29,7 @@ constexpr uint32_t NOT_GIVEN = UINT32_MAX; // of the fields of a request that is
 struct port_mode_words {
     kx_port_mode_request request = {NOT_GIVEN, NOT_GIVEN};
     uint32_t ltl = 0;      // 0 for none
-    bool saw_vlan = false; // the keyword, its value comes next
+    bool saw_vlan = false; // the keyword was read, its value comes next
     bool saw_ltl = false;  // likewise
 };
 
