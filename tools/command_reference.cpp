@@ -1,5 +1,5 @@
-// Writes what documents and shells need to know of the command table, so that none of it is kept by
-// hand: command_reference markdown | mdoc | words
+// Writes what documents and shells need to know about the command table, so that nobody maintains
+// it by hand: command_reference markdown | mdoc | words
 #include "frontend/command_rows.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
@@ -62,7 +62,7 @@ command_row read_row(const kestrel_cmd_row &row) {
     return read;
 }
 
-// The headings between the two kinds of commands part the table.
+// The headings between the rows divide the table into the two kinds of commands.
 std::vector<command_section> read_table() {
     std::vector<command_section> sections = {{"Display commands", {}}, {"Set commands", {}}};
     size_t section = 0;
@@ -91,7 +91,7 @@ size_t count_built(const std::vector<command_row> &rows) {
 
 // --- markdown ---
 
-// A bar would end the cell, in a code span too.
+// A bar would end the cell, even in a code span.
 std::string cell(std::string text, bool code) {
     for (size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) {
         text.insert(at, 1, '\\');
@@ -133,14 +133,14 @@ void write_markdown() {
 
 // --- mdoc ---
 
-// A word that the formatter would take for a macro or an escape.
+// A word that the formatter would read as a macro or an escape.
 std::string mdoc_words(const std::string &text) {
     std::string safe;
     for (size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string::npos;) {
         const size_t end = std::min(text.find(' ', at), text.size());
         const std::string word = text.substr(at, end - at);
         safe += (safe.empty() ? "" : " ");
-        // Delimiters and two-letter words stand after a zero-width space.
+        // A zero-width space protects delimiters and two-letter words.
         const bool special = word.size() <= 3 || std::strchr(".,:;()[]?!|", word.back()) != nullptr;
         safe += (special ? "\\&" : "") + word;
         at = end;
@@ -150,7 +150,7 @@ std::string mdoc_words(const std::string &text) {
 
 using command_rows = std::vector<const command_row *>;
 
-// What is typed of each row, once, as a sentence.
+// The typed words of each row, once, as a sentence.
 void write_typed(const char *lead, const command_rows &rows) {
     words typed;
     for (const command_row *row : rows) {
@@ -202,11 +202,11 @@ void write_mdoc() {
 
 // --- words ---
 
-// One thing to type: its choices, or the kind of a value alone; none for a value of some kind.
+// One thing to type: its choices, or only a kind of value; no choices for a value of any kind.
 using choices = words;
 using sequence = std::vector<choices>;
 
-// Other pieces of the notation picture a value: "0-255", "ddd.ddd.ddd.ddd".
+// Other pieces of the notation show the form of a value: "0-255", "ddd.ddd.ddd.ddd".
 bool is_word(std::string_view text) {
     return !text.empty() && std::isalpha(static_cast<unsigned char>(text[0])) != 0 &&
            std::all_of(text.begin(), text.end(), [](unsigned char byte) {
@@ -228,7 +228,7 @@ std::string value_kind(const std::string &notation) {
     return "*";
 }
 
-// Cut at bars; "<eid>" among the pieces is a value, as "num" is.
+// Cut at bars. Among the pieces, "<eid>" is a value, and so is "num".
 choices split_choices(const std::string &text) {
     choices found;
     for (size_t at = 0; at <= text.size();) {
@@ -244,7 +244,7 @@ choices split_choices(const std::string &text) {
 }
 
 // The table's own notation: "<x>" a value, "[x]" may be left out, "{x|y}", "<x|y>" and "x|y" one of
-// them. In "[vlan]" and its like the one word names a value.
+// them. In "[vlan]" and the like, the one word names a value.
 class usage_reader {
 public:
     explicit usage_reader(std::string text) : text_(std::move(text)) {
@@ -335,7 +335,7 @@ void write_words() {
             }
         }
     }
-    // A line that another one begins with tells nothing.
+    // A line adds nothing when another one begins with it.
     std::sort(lines.begin(), lines.end());
     for (size_t i = 0; i < lines.size(); ++i) {
         if (i + 1 == lines.size() || !(lines[i + 1] + " ").starts_with(lines[i] + " ")) {
