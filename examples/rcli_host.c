@@ -4,7 +4,7 @@
  *
  *     rcli_host show l2 all
  *
- * A command that pages takes its cookie as the two words "cookie N" behind everything else:
+ * A command that pages takes its cookie as the two words "cookie N" after everything else:
  * "show port cookie 20", "show vlan cookie 100", "show lacp hostdata cookie 21", "show l2 all
  * cookie 3". Commands that do not page leave the continuation word at 0 and are one page.
  *

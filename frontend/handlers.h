@@ -1,7 +1,7 @@
 // The handlers of the command table.
 //
-// A handler gets the rest of the command behind the matched keywords, NULL when nothing follows,
-// and returns 0 for success, -1 for failure, -2 to stop the commands behind it in the same text as
+// A handler gets the rest of the command after the matched keywords, NULL when nothing follows,
+// and returns 0 for success, -1 for failure, -2 to stop the commands after it in the same text as
 // well.
 #ifndef FRONTEND_HANDLERS_H
 #define FRONTEND_HANDLERS_H

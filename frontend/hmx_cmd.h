@@ -106,7 +106,7 @@ extern char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
  *
  *     hmx_rcli_buffer_ptr == hmx_rcli_buffer + strlen(hmx_rcli_buffer)
  *
- * and when it stands behind, what came last is lost. A page is made of whole entries, and one entry
+ * and when it stands after the end, what came last is lost. A page is made of whole entries, and one entry
  * alone may be larger than the buffer: the MAC table of one bridge domain, for one.
  */
 extern char *hmx_rcli_buffer_ptr;

@@ -58,7 +58,7 @@ match find_deepest(const kestrel_cmd_row *table, const char *const words[WORDS])
     return best;
 }
 
-// The first region ends at the first heading behind a command, unless that heading opens the set
+// The first region ends at the first heading after a command, unless that heading opens the set
 // section itself.
 int first_region_end(const kestrel_cmd_row *table) {
     int row = 0;
@@ -98,7 +98,7 @@ void sort_region(kestrel_cmd_row *table, int begin, int end) {
     }
 }
 
-// Keywords and argument hint, each with a blank behind it, cut at the column's size.
+// Keywords and argument hint, each followed by a blank, cut at the column's size.
 int format_keyword_column(char (&column)[KEYWORD_COLUMN_SIZE], const kestrel_cmd_row &row) {
     int length = 0;
     column[0] = '\0';

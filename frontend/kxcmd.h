@@ -7,14 +7,14 @@
 
 #include "frontend/kestrel_cmd_list.h"
 
-// A handler's result that stops the commands behind it in the same text.
+// A handler's result that stops the commands after it in the same text.
 constexpr int KXCMD_STOP = -2;
 
 // Split `text` of `length` bytes (no NUL needed) into commands at ";" and at bytes outside 32..126,
 // and run each in turn until one returns KXCMD_STOP. A command of 256 bytes or more ends the run.
 void kxcmd_parse_multiple(kestrel_cmd_row *table, const char *text, int length, int from_agent);
 
-// Match one NUL-terminated command and call its handler with the words behind the matched keywords
+// Match one NUL-terminated command and call its handler with the words after the matched keywords
 // (NULL for none). Returns the handler's result; -1, with a line on standard output, when nothing
 // matches or the row is not allowed from the agent.
 int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int length, int from_agent);

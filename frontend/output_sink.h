@@ -21,7 +21,7 @@ enum kx_debug_bit : uint32_t {
 // hmx_rcli_print_len, the length that the last write needed. Never fails.
 void kx_print(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
-// Print one line to standard output behind the time stamp "Mon dd hh:mm:ss.uuuuuu: ", whatever the
+// Print one line to standard output after the time stamp "Mon dd hh:mm:ss.uuuuuu: ", whatever the
 // debug words say. A standard output that has grown past 1 MiB is then sought back to its start,
 // so that a trace log in a file stays bounded.
 void kx_print_stamped(const char *format, ...) __attribute__((format(printf, 1, 2)));

@@ -25,7 +25,7 @@ inline void fuzz_require(bool holds, const char *what) {
     }
 }
 
-// Takes the input apart from its front; behind its end everything is zero.
+// Takes the input apart from its front; after its end everything is zero.
 class fuzz_input {
 public:
     fuzz_input(const uint8_t *bytes, size_t size) : bytes_(bytes), size_(size) {

@@ -6,7 +6,7 @@
 
 struct kx_list_page {
     bool is_key;     // one word: the number is this one entry's key, and there is no list
-    uint32_t number; // otherwise the cookie behind which the page begins, 0 without words
+    uint32_t number; // otherwise the cookie after which the page begins, 0 without words
 };
 
 // Read the words of an agent-driven list. Returns 0; -1, with a complaint, when the word "cookie"

@@ -2,7 +2,7 @@
 //
 // Run from a shell a table is printed whole. Driven by the agent a handler prints one page and
 // leaves a cookie, the key of the last entry it printed; the remote CLI runs the command again with
-// the word "cookie" and that key, and the page behind it follows. A cookie of 0 says that the table
+// the word "cookie" and that key, and the page after it follows. A cookie of 0 says that the table
 // is complete.
 #ifndef HANDLERS_PAGING_H
 #define HANDLERS_PAGING_H
@@ -16,7 +16,7 @@ inline bool kx_is_agent_driven() {
 }
 
 // The page ends here and the next one goes on after `cookie`. REQUIRES: agent-driven. A key of 0
-// cannot be a cookie: behind LTL 0, should a DPA show that internal port, the table reads as
+// cannot be a cookie: after LTL 0, should a DPA show that internal port, the table reads as
 // complete.
 inline void kx_end_page(uint32_t cookie) {
     hmx_rcli_more_output = cookie;

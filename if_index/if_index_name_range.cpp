@@ -2,86 +2,28 @@
 #include <cstdio>
 
 #include "if_index/if_index_name.h"
+#include "if_index/name_form.h"
 
 using namespace if_layout;
 
-static int sub_intf_or_port(uint32_t if_index, if_index_field sub_intf, if_index_field port) {
-    return stored(if_index, sub_intf) != 0 ? shown(if_index, sub_intf) : shown(if_index, port);
-}
-
-static int last_port_channel_number(uint32_t if_index) {
-    switch (stored(if_index, port_channel_subtype)) {
-    case IF_PORT_CHANNEL_PLAIN:
-        return sub_intf_or_port(if_index, port_channel_subtype_arg, port_channel_channel_num);
-    case IF_PORT_CHANNEL_PAIR:
-        return shown(if_index, port_channel_pair_second);
-    default:
-        return shown(if_index, port_channel_channel_num);
-    }
-}
-
-// The number in which a range that ends with the index ends, or -1 for types without range form.
+// The number in which a range that ends with the index ends, or -1 for names without range form.
 static int last_number(uint32_t if_index) {
-    switch (if_index_type_bits(if_index)) {
-    case IF_TYPE_PHY_FC:
-        return sub_intf_or_port(if_index, phy_fc_sub_intf, phy_fc_port);
-    case IF_TYPE_PHY_ETH:
-        return sub_intf_or_port(if_index, phy_eth_sub_intf, phy_eth_port);
-    case IF_TYPE_PHY_ETHERNET:
-        return sub_intf_or_port(if_index, phy_ethernet_sub_intf, phy_ethernet_port);
-    case IF_TYPE_SAT:
-        return sub_intf_or_port(if_index, sat_sub_intf, sat_port);
-    case IF_TYPE_HMX_ETH:
-        return sub_intf_or_port(if_index, hmx_eth_sub_intf, hmx_eth_port);
-    case IF_TYPE_PORT_CHANNEL:
-        return last_port_channel_number(if_index);
-    case IF_TYPE_ETH_PORT_CHANNEL:
-        return sub_intf_or_port(if_index, eth_port_channel_subtype_arg,
-                                eth_port_channel_channel_num);
-    case IF_TYPE_EOBC:
-        return shown(if_index, eobc_slot) + 1;
-    case IF_TYPE_VSAN:
-        return shown(if_index, vsan_vsan);
-    case IF_TYPE_VLAN:
-        return shown(if_index, vlan_vlan);
-    case IF_TYPE_FCIP:
-        return shown(if_index, fcip_tunnel);
-    case IF_TYPE_FCMPLS_TNNL:
-        return shown(if_index, fcmpls_tnnl_tunnel);
-    case IF_TYPE_ISCSI:
-        return shown(if_index, iscsi_port);
-    case IF_TYPE_AVANTI:
-        return shown(if_index, avanti_port);
-    case IF_TYPE_FAPORT:
-        return shown(if_index, faport_port);
-    case IF_TYPE_SME:
-        return shown(if_index, sme_port);
-    case IF_TYPE_IOA:
-        return shown(if_index, ioa_port);
-    case IF_TYPE_FV:
-        return shown(if_index, fv_port);
-    case IF_TYPE_IVR:
-        return shown(if_index, ivr_second);
-    case IF_TYPE_SDM:
-        return shown(if_index, sdm_second);
-    case IF_TYPE_IFC:
-        return shown(if_index, ifc_third);
-    case IF_TYPE_TUNNEL:
-        return shown(if_index, tunnel_tunnel_num);
-    case IF_TYPE_OVERLAY: {
-        const uint32_t kind = stored(if_index, overlay_port_type);
-        const bool has_range = kind == IF_OVERLAY_OVERLAY || kind == IF_OVERLAY_PEER_ID;
-        return has_range ? shown(if_index, overlay_port) : -1;
-    }
-    case IF_TYPE_VIF: // deliberately one more than the name shows
-        return shown(if_index, vif_vifindex) + 1;
-    case IF_TYPE_VFC: // deliberately the same bits for every sub-type
+    const uint8_t type = if_index_type_bits(if_index);
+    if (type == IF_TYPE_VFC) { // deliberately the same bits for every sub-type
         return shown(if_index, vfc_vfc_num);
-    case IF_TYPE_LOOPBACK: // never reached: a loopback has no valid type
-        return (int)(if_index & 0xFFFF);
-    default:
+    }
+    const name_form *form = find_name_form(type, if_index);
+    if (form == nullptr || form->range == range_rule::none) {
         return -1;
     }
+    if (form->sub_intf.type != 0 && stored(if_index, form->sub_intf) != 0) {
+        return shown(if_index, form->sub_intf);
+    }
+    int last = 0;
+    for (const if_index_field &number : form->numbers) {
+        last = number.type != 0 ? shown(if_index, number) : last;
+    }
+    return form->range == range_rule::next ? last + 1 : last;
 }
 
 using name_printer = int (*)(char *buffer, size_t size, uint32_t if_index);

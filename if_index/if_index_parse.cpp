@@ -8,168 +8,129 @@
 #include "if_index/if_index_platform.h"
 #include "infra/utils/kxstrings.h"
 
-#define KEYWORD_TEXT(name, text, least, most) text,
+#define KEYWORD_TEXT(name, text) text,
 const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYWORD_COUNT] = {
     IF_KEYWORDS(KEYWORD_TEXT)};
-
-namespace {
-
-struct number_counts {
-    int least;
-    int most;
-};
-
-} // namespace
-
-#define KEYWORD_COUNTS(name, text, least, most) {least, most},
-static constexpr number_counts keyword_counts[IF_KEYWORD_COUNT] = {IF_KEYWORDS(KEYWORD_COUNTS)};
 
 int if_db_str2ifindex_wrapper(const char *, uint32_t *) {
     return IF_INDEX_NO_DATABASE;
 }
 
-// The VDC that VLAN interfaces belong to.
-static uint32_t vdc_of_environment() {
-    const char *text = getenv("SYSMGR_VDC_ID");
-    return text != nullptr ? (uint32_t)strtoul(text, nullptr, 10) : 0;
+namespace {
+
+constexpr int MOST_NUMBERS = 3; // that any keyword takes
+
+// Builds the index of a keyword from its numbers; sub-interfaces that are not given are 0. A
+// status, as the constructors return it.
+using name_builder = int (*)(uint32_t *if_index, const uint32_t *n);
+
+// The least and most numbers of a keyword: those of its name, and one more for a sub-interface.
+struct keyword_rule {
+    uint8_t keyword;
+    int8_t least;
+    int8_t most;
+    name_builder build;
+};
+
+// The numbers in the order in which the constructor takes them.
+template <int (*INIT)(uint32_t *, uint32_t)> int build(uint32_t *if_index, const uint32_t *n) {
+    return INIT(if_index, n[0]);
 }
+
+template <int (*INIT)(uint32_t *, uint32_t, uint32_t)>
+int build(uint32_t *if_index, const uint32_t *n) {
+    return INIT(if_index, n[0], n[1]);
+}
+
+template <int (*INIT)(uint32_t *, uint32_t, uint32_t, uint32_t)>
+int build(uint32_t *if_index, const uint32_t *n) {
+    return INIT(if_index, n[0], n[1], n[2]);
+}
+
+// The environment tells the VDC that VLAN interfaces belong to.
+int build_vlan(uint32_t *if_index, const uint32_t *n) {
+    const char *vdc = getenv("SYSMGR_VDC_ID");
+    return if_index_vlan_port_cli_init(
+        if_index, vdc != nullptr ? (uint32_t)strtoul(vdc, nullptr, 10) : 0, n[0]);
+}
+
+int build_ethernet(uint32_t *if_index, const uint32_t *n) {
+    return cli_platform_is_control_eobc()
+               ? if_index_hmx_eth_cli_init(if_index, n[0], n[1], n[2])
+               : if_index_phy_ethernet_cli_init(if_index, n[0], n[1], n[2]);
+}
+
+template <uint32_t KEYWORD> int find_in_database(uint32_t *if_index, const uint32_t *n) {
+    char name[32];
+    snprintf(name, sizeof name, "%s%d", INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[KEYWORD],
+             (int)n[0]);
+    const int status = if_db_str2ifindex_wrapper(name, if_index);
+    return status == IF_INDEX_OK ? IF_INDEX_OK : IF_INDEX_NO_DATABASE;
+}
+
+// The other keywords build no index.
+//
+// clang-format off
+constexpr keyword_rule rules[] = {
+    {IF_KEYWORD_FC,                    2, 3, build<if_index_phy_fc_port_cli_init>},
+    {IF_KEYWORD_GIGABITETHERNET,       2, 3, [](uint32_t *if_index, const uint32_t *n) { return if_index_phy_eth_port_cli_init(if_index, n[0], n[1], 0, n[2]); }},
+    {IF_KEYWORD_VSAN,                  1, 1, [](uint32_t *if_index, const uint32_t *n) { return if_index_vsan_port_cli_init(if_index, IF_VSAN_SLOT, 0, n[0]); }},
+    {IF_KEYWORD_ISCSI,                 2, 2, build<if_index_iscsi_port_cli_init>},
+    {IF_KEYWORD_PORT_CHANNEL,          1, 2, build<if_index_port_channel_cli_init>},
+    {IF_KEYWORD_CPP,                   3, 3, build<if_index_vsan_port_cli_init>},
+    {IF_KEYWORD_FCIP,                  1, 1, build<if_index_fcip_port_cli_init>},
+    {IF_KEYWORD_MGMT,                  1, 2, build<if_index_mgmt_sup_port_cli_init>},
+    {IF_KEYWORD_FV,                    3, 3, build<if_index_fv_port_cli_init>},
+    {IF_KEYWORD_FA,                    2, 2, build<if_index_faport_cli_init>},
+    {IF_KEYWORD_SVC,                   2, 2, build<if_index_avanti_port_cli_init>},
+    {IF_KEYWORD_SUP_FC,                1, 2, build<if_index_mgmt_sup_port_cli_init>},
+    {IF_KEYWORD_FC_TUNNEL,             1, 1, build<if_index_fcmpls_tnnl_cli_init>},
+    {IF_KEYWORD_IPC,                   3, 3, [](uint32_t *if_index, const uint32_t *n) { return if_index_port_channel_cli_init_internal(if_index, n[1], n[0], n[2]); }}, // sub-type, channel, sub-interface, as its name shows it
+    {IF_KEYWORD_LOOPBACK,              1, 1, build<if_index_loopback_port_cli_init>},
+    {IF_KEYWORD_VLAN,                  1, 1, build_vlan},
+    {IF_KEYWORD_SME,                   2, 2, build<if_index_sme_port_cli_init>},
+    {IF_KEYWORD_BAY,                   1, 1, find_in_database<IF_KEYWORD_BAY>},
+    {IF_KEYWORD_EXT,                   1, 1, find_in_database<IF_KEYWORD_EXT>},
+    {IF_KEYWORD_SAN_PORT_CHANNEL,      1, 2, build<if_index_port_channel_cli_init>},
+    {IF_KEYWORD_ETHERNET_PORT_CHANNEL, 1, 2, build<if_index_eth_port_channel_cli_init>},
+    {IF_KEYWORD_TUNNEL,                1, 1, [](uint32_t *if_index, const uint32_t *n) { return if_index_tunnel_cli_init(if_index, 0, n[0]); }},
+    {IF_KEYWORD_ETHERNET,              2, 3, build_ethernet},
+    {IF_KEYWORD_VETHERNET,             1, 2, build<if_index_ether_sif_cli_init>}, // see find_keyword
+    {IF_KEYWORD_VFC,                   1, 1, build<if_index_vfc_cli_init>},
+    {IF_KEYWORD_VFC,                   2, 2, build<if_index_vfc_slot_port_cli_init>},
+    {IF_KEYWORD_VFC,                   3, 3, build<if_index_vfc_fex_cli_init>},
+    {IF_KEYWORD_REMOTE_ETHERNET,       3, 3, [](uint32_t *if_index, const uint32_t *n) { return if_index_sat_phy_eth_port_cli_init(if_index, n[0], n[1], n[2], 0); }},
+    {IF_KEYWORD_IOA,                   2, 2, build<if_index_ioa_port_cli_init>},
+    {IF_KEYWORD_OVERLAY,               1, 1, [](uint32_t *if_index, const uint32_t *n) { return if_index_overlay_cli_init(if_index, IF_OVERLAY_OVERLAY, n[0]); }},
+    {IF_KEYWORD_LVETH,                 2, 3, build<if_index_lveth_cli_init>},
+    {IF_KEYWORD_VETH,                  1, 2, build<if_index_veth_cli_init>},
+    {IF_KEYWORD_HMX_ETHERNET,          2, 3, build<if_index_hmx_eth_cli_init>},
+    {IF_KEYWORD_TUNNEL_TE,             1, 1, [](uint32_t *if_index, const uint32_t *n) { return if_index_overlay_cli_init(if_index, IF_OVERLAY_TE_TUNNEL, n[0]); }},
+    {IF_KEYWORD_MTI,                   1, 1, [](uint32_t *if_index, const uint32_t *n) { return if_index_overlay_cli_init(if_index, IF_OVERLAY_MTI, n[0]); }},
+    {IF_KEYWORD_CONTROL,               1, 1, build<if_index_eobc_port_cli_init>},
+    {IF_KEYWORD_VFC_VETH,              1, 1, build<if_index_vfc_veth_cli_init>},
+    {IF_KEYWORD_VFC_PORT_CHANNEL,      1, 1, build<if_index_vfc_port_channel_cli_init>},
+};
+// clang-format on
+
+} // namespace
 
 int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbers, int count,
                                          uint32_t *if_index) {
-    const uint32_t vdc = vdc_of_environment();
-    if (keyword >= IF_KEYWORD_COUNT) {
+    if (keyword >= IF_KEYWORD_COUNT || numbers == nullptr) {
         return 0;
     }
     // Deliberate: keywords are told apart by six bits, so 65 and above come round to 1.
     keyword = ((keyword - 1) & 63) + 1;
-    const number_counts counts = keyword_counts[keyword];
-    if (numbers == nullptr || count < counts.least || count > counts.most) {
-        return 0;
-    }
-
-    uint32_t n[IF_NAME_MAX_NUMBERS] = {}; // sub-interfaces that are not given are 0
-    for (int i = 0; i < count; i++) {
-        n[i] = numbers[i];
-    }
-    char database_name[32];
-    switch (keyword) {
-    case IF_KEYWORD_FC:
-        if_index_phy_fc_port_cli_init(if_index, n[0], n[1], n[2]);
-        return 1;
-    case IF_KEYWORD_GIGABITETHERNET:
-        if_index_phy_eth_port_cli_init(if_index, n[0], n[1], 0, n[2]);
-        return 1;
-    case IF_KEYWORD_VSAN:
-        if_index_vsan_port_cli_init(if_index, IF_VSAN_SLOT, 0, n[0]);
-        return 1;
-    case IF_KEYWORD_CPP:
-        if_index_vsan_port_cli_init(if_index, n[0], n[1], n[2]);
-        return 1;
-    case IF_KEYWORD_ISCSI:
-        if_index_iscsi_port_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_PORT_CHANNEL:
-    case IF_KEYWORD_SAN_PORT_CHANNEL:
-        if_index_port_channel_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_FCIP:
-        if_index_fcip_port_cli_init(if_index, n[0]);
-        return 1;
-    case IF_KEYWORD_MGMT:
-    case IF_KEYWORD_SUP_FC:
-        if_index_mgmt_sup_port_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_FV:
-        if_index_fv_port_cli_init(if_index, n[0], n[1], n[2]);
-        return 1;
-    case IF_KEYWORD_FA:
-        if_index_faport_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_SVC:
-        if_index_avanti_port_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_FC_TUNNEL:
-        if_index_fcmpls_tnnl_cli_init(if_index, n[0]);
-        return 1;
-    case IF_KEYWORD_IPC: // as its name shows it: sub-type, channel, sub-interface
-        if_index_port_channel_cli_init_internal(if_index, n[1], n[0], n[2]);
-        return 1;
-    case IF_KEYWORD_LOOPBACK:
-        if_index_loopback_port_cli_init(if_index, n[0]);
-        return 1;
-    case IF_KEYWORD_VLAN:
-        if_index_vlan_port_cli_init(if_index, vdc, n[0]);
-        return 1;
-    case IF_KEYWORD_SME:
-        if_index_sme_port_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_BAY:
-        snprintf(database_name, sizeof database_name, "bay%d", (int)n[0]);
-        return if_db_str2ifindex_wrapper(database_name, if_index) == IF_INDEX_OK;
-    case IF_KEYWORD_EXT:
-        snprintf(database_name, sizeof database_name, "ext%d", (int)n[0]);
-        return if_db_str2ifindex_wrapper(database_name, if_index) == IF_INDEX_OK;
-    case IF_KEYWORD_ETHERNET_PORT_CHANNEL:
-        if_index_eth_port_channel_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_TUNNEL:
-        if_index_tunnel_cli_init(if_index, 0, n[0]);
-        return 1;
-    case IF_KEYWORD_ETHERNET:
-        if (cli_platform_is_control_eobc()) {
-            if_index_hmx_eth_cli_init(if_index, n[0], n[1], n[2]);
-        } else {
-            if_index_phy_ethernet_cli_init(if_index, n[0], n[1], n[2]);
+    for (const keyword_rule &rule : rules) {
+        if (rule.keyword == keyword && count >= rule.least && count <= rule.most) {
+            uint32_t n[MOST_NUMBERS] = {};
+            memcpy(n, numbers, (size_t)count * sizeof n[0]);
+            // Deliberate: what the constructor says of the numbers does not count.
+            return rule.build(if_index, n) != IF_INDEX_NO_DATABASE;
         }
-        return 1;
-    case IF_KEYWORD_VETHERNET: // never found in a name, see find_keyword
-        if_index_ether_sif_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_VFC:
-        if (count == 1) {
-            if_index_vfc_cli_init(if_index, n[0]);
-        } else if (count == 2) {
-            if_index_vfc_slot_port_cli_init(if_index, n[0], n[1]);
-        } else {
-            if_index_vfc_fex_cli_init(if_index, n[0], n[1], n[2]);
-        }
-        return 1;
-    case IF_KEYWORD_REMOTE_ETHERNET:
-        if_index_sat_phy_eth_port_cli_init(if_index, n[0], n[1], n[2], 0);
-        return 1;
-    case IF_KEYWORD_IOA:
-        if_index_ioa_port_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_OVERLAY:
-        if_index_overlay_cli_init(if_index, IF_OVERLAY_OVERLAY, n[0]);
-        return 1;
-    case IF_KEYWORD_TUNNEL_TE:
-        if_index_overlay_cli_init(if_index, IF_OVERLAY_TE_TUNNEL, n[0]);
-        return 1;
-    case IF_KEYWORD_MTI:
-        if_index_overlay_cli_init(if_index, IF_OVERLAY_MTI, n[0]);
-        return 1;
-    case IF_KEYWORD_LVETH:
-        if_index_lveth_cli_init(if_index, n[0], n[1], n[2]);
-        return 1;
-    case IF_KEYWORD_VETH:
-        if_index_veth_cli_init(if_index, n[0], n[1]);
-        return 1;
-    case IF_KEYWORD_HMX_ETHERNET:
-        if_index_hmx_eth_cli_init(if_index, n[0], n[1], n[2]);
-        return 1;
-    case IF_KEYWORD_CONTROL:
-        if_index_eobc_port_cli_init(if_index, n[0]);
-        return 1;
-    case IF_KEYWORD_VFC_VETH:
-        if_index_vfc_veth_cli_init(if_index, n[0]);
-        return 1;
-    case IF_KEYWORD_VFC_PORT_CHANNEL:
-        if_index_vfc_port_channel_cli_init(if_index, n[0]);
-        return 1;
-    default:
-        return 0;
     }
+    return 0;
 }
 
 // The number of the first keyword that the text begins with, or IF_KEYWORD_COUNT.

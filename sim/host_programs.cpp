@@ -88,7 +88,8 @@ host_programs::~host_programs() {
 // Another process may take the new folder for one that was left until it is locked.
 bool host_programs::make_folder() {
     for (int tries = 0; tries < FOLDER_TRIES; tries++) {
-        std::string folder = std::string(FOLDERS) + "/" + std::string(FOLDER_NAME);
+        std::string folder = FOLDERS;
+        folder.append("/").append(FOLDER_NAME);
         if (mkdtemp(folder.data()) == nullptr) {
             return false;
         }

@@ -1,20 +1,23 @@
-// Runs the transcripts of tests/transcripts: a described host, a command, the exact text that it
-// prints and the exact requests that it makes. The format is told in tests/transcripts/README.md.
+// Runs the transcripts of tests/transcripts.
 //
 // Without TARN_COMMAND in the environment every case runs the tool's own code in a child of this
 // process, on the model. With it the shell cases run that command instead, with "{host}" and
 // "{trace}" in it replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without
-// "{trace}" the requests are not compared. TARN_TRANSCRIPT_PRINT=1 prints every file as it would
-// have to be written for the results that were seen.
+// "{trace}" the requests are not compared. TARN_ACCEPT_TRANSCRIPTS=1 writes the results that were
+// seen into the files (scripts/accept-transcripts).
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
+#include "frontend/kxcmd.h"
 #include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "sim/interpose.h"
+#include "tests/rows.h"
 #include "tests/text.h"
+#include "tests/transcript.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,9 +25,10 @@
 #include <fstream>
 #include <iomanip>
 #include <map>
-#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -39,99 +43,11 @@ int tarncmd_main(int argc, char *argv[]);
 namespace {
 
 namespace fs = std::filesystem;
-using lines = std::vector<std::string>;
 
 constexpr unsigned CASE_SECONDS = 60;
 constexpr int PAGES_LIMIT = 5000;
+constexpr int CASES_SHOWN = 3;              // of all files; of the others only their number
 constexpr uint32_t LEFT_ALONE = 0xFFFFFFFF; // the continuation word before a page
-
-struct transcript_case {
-    std::string name;
-    std::string mode; // "shell", "agent" (a whole walk) or "page" (one page of it)
-    lines words;
-    std::string host;         // path of the host file
-    std::string patch = "{}"; // JSON merge patch of it
-    std::map<std::string, uint32_t> debug_words;
-    bool mask_stamps = false;
-    bool compare_requests = false;
-    lines head; // the lines above the results, as they stand
-    lines results;
-};
-
-struct transcript {
-    lines head;
-    std::vector<transcript_case> cases;
-};
-
-// Blank-separated words; double quotes keep blanks.
-lines split_words(const std::string &text) {
-    lines words;
-    std::istringstream in(text);
-    for (std::string word; in >> std::ws && !in.eof();) {
-        if (in.peek() == '"')
-            in >> std::quoted(word, '"', '\0');
-        else
-            in >> word;
-        words.push_back(word);
-    }
-    return words;
-}
-
-std::string host_path(const std::string &name) {
-    return fs::path(TESTS_DIR) / "hosts" / name;
-}
-
-// One line of a case above its results. False when it is a result already.
-bool read_directive(const std::string &line, transcript_case &into) {
-    const std::string key = line.substr(0, line.find(' '));
-    const std::string rest = key.size() == line.size() ? "" : line.substr(key.size() + 1);
-    if (key == "shell" || key == "agent" || key == "page") {
-        into.mode = key;
-        if (!into.words.empty())
-            into.words.back() += ';';
-        const lines words = split_words(rest);
-        into.words.insert(into.words.end(), words.begin(), words.end());
-    } else if (key == "host") {
-        into.host = host_path(rest);
-    } else if (key == "patch") {
-        into.patch = rest.ends_with(".json") ? read_file(host_path(rest)) : rest;
-    } else if (key == "debug") {
-        const lines words = split_words(rest);
-        into.debug_words[words.at(0)] = static_cast<uint32_t>(std::stoul(words.at(1), nullptr, 0));
-    } else if (key == "mask-stamps") {
-        into.mask_stamps = true;
-    } else {
-        return key.empty() || key[0] == '#';
-    }
-    return true;
-}
-
-transcript read_transcript(const fs::path &path) {
-    transcript read;
-    std::string host = fs::path(TESTS_DIR).parent_path() / "sim" / "builtin_host.json";
-    std::istringstream text(read_file(path));
-    for (std::string line; std::getline(text, line);) {
-        if (line.starts_with("case ")) {
-            read.cases.emplace_back().name = line.substr(5);
-            read.cases.back().host = host;
-        }
-        lines &head = read.cases.empty() ? read.head : read.cases.back().head;
-        if (line.starts_with("case ")) {
-            head.push_back(line);
-        } else if (read.cases.empty()) {
-            if (line.starts_with("host "))
-                host = host_path(line.substr(5));
-            head.push_back(line);
-        } else if (read.cases.back().results.empty() && read_directive(line, read.cases.back())) {
-            head.push_back(line);
-        } else if (!line.empty()) {
-            read.cases.back().results.push_back(line);
-            if (line == "requests")
-                read.cases.back().compare_requests = true;
-        }
-    }
-    return read;
-}
 
 // A private folder for the files of one run, removed with its object.
 struct scratch_folder {
@@ -147,38 +63,38 @@ struct scratch_folder {
     scratch_folder &operator=(const scratch_folder &) = delete;
 };
 
-// Every handler of the command table behind one that notes its result. The rows that have nothing
-// to answer keep their own: the command layer knows them by it.
+// A handler knows nothing but its argument, so each row has one of its own that tells which row it
+// is.
 kestrel_cmd_handler handlers[KESTREL_CMD_ROWS];
+int (*on_row)(size_t row, const char *arg);
+
+template <size_t ROW> int run_row(const char *arg) {
+    return on_row(ROW, arg);
+}
+
+template <size_t... ROW>
+constexpr std::array<kestrel_cmd_handler, KESTREL_CMD_ROWS>
+row_runners(std::index_sequence<ROW...>) {
+    return {run_row<ROW>...};
+}
+
+constexpr auto ROW_RUNNERS = row_runners(std::make_index_sequence<KESTREL_CMD_ROWS>());
+
 int noted_results = -1; // a file
 
-template <size_t ROW> int note_result(const char *arg) {
-    const int result = handlers[ROW](arg);
-    dprintf(noted_results, " %d", result);
-    return result;
-}
-
-template <size_t ROW> void note_results_of() {
-    handlers[ROW] = kestrel_cmd_list[ROW].handler;
-    if (handlers[ROW] != nullptr && handlers[ROW] != kx_show_empty && !kx_is_stub(handlers[ROW]))
-        kestrel_cmd_list[ROW].handler = note_result<ROW>;
-}
-
-template <size_t... ROW> void note_results(std::index_sequence<ROW...>) {
-    (note_results_of<ROW>(), ...);
-}
-
-void set_debug_words(const std::map<std::string, uint32_t> &words) {
-    for (const auto &[name, word] : {std::pair{"kxdump", &kx_debug_print_kxdump},
-                                     {"hmx_cmds", &kx_debug_print_hmx_cmds},
-                                     {"kxdpa_indirect", &kx_debug_print_kxdpa_indirect},
-                                     {"kxtarncmd_indirect", &kx_debug_print_kxtarncmd_indirect},
-                                     {"kxcmd", &kx_debug_print_kxcmd},
-                                     {"kxstrings", &kx_debug_print_kxstrings},
-                                     {"dpa_platform", &kx_debug_print_dpa_platform},
-                                     {"dpa_main", &kx_debug_print_dpa_main}}) {
-        const auto given = words.find(name);
-        *word = given == words.end() ? *word : given->second;
+// Every handler notes its result. The rows that have nothing to answer keep their own: the command
+// layer knows them by it.
+void note_results() {
+    on_row = [](size_t row, const char *arg) {
+        const int result = handlers[row](arg);
+        dprintf(noted_results, " %d", result);
+        return result;
+    };
+    for (size_t row = 0; row < KESTREL_CMD_ROWS; row++) {
+        kestrel_cmd_handler &handler = kestrel_cmd_list[row].handler;
+        handlers[row] = handler;
+        if (handler != nullptr && handler != kx_show_empty && !kx_is_stub(handler))
+            handler = ROW_RUNNERS[row];
     }
 }
 
@@ -227,13 +143,14 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     driver.trace = [trace](const std::string &line) { dprintf(trace, "%s\n", line.c_str()); };
     interpose_model(&driver);
     noted_results = open((folder / "results").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
-    note_results(std::make_index_sequence<KESTREL_CMD_ROWS>());
-    set_debug_words(asked.debug_words);
+    note_results();
+    for (const auto &[word, value] : asked.debug_words)
+        *word = value;
     if (asked.mode != "shell") {
         run_agent(asked);
         return 0;
     }
-    lines words = asked.words;
+    text_lines words = asked.words;
     words.insert(words.begin(), "tarncmd");
     return tarncmd_main(static_cast<int>(words.size()), argument_vector(words).data());
 }
@@ -241,38 +158,29 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
 [[noreturn]] void run_external(const char *command, const transcript_case &asked,
                                const fs::path &folder) {
     const std::string with_host = replace_all(command, "{host}", (folder / "host").string());
-    lines words = split_words(replace_all(with_host, "{trace}", (folder / "trace").string()));
+    text_lines words = split_words(replace_all(with_host, "{trace}", (folder / "trace").string()));
     words.insert(words.end(), asked.words.begin(), asked.words.end());
     execvp(words[0].c_str(), argument_vector(words).data());
     perror(words[0].c_str());
     _exit(127);
 }
 
-// Runs the case in a child process. Returns the exit value; output, complaints and requests are
-// left in the folder.
-int run_case(const transcript_case &asked, const char *command, const fs::path &folder) {
-    fflush(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(CASE_SECONDS);
-        for (const auto &[descriptor, name] : {std::pair{1, "out"}, std::pair{2, "err"}})
-            dup2(open((folder / name).c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666), descriptor);
-        if (command != nullptr)
-            run_external(command, asked, folder);
-        const int value = run_in_process(asked, folder);
-        fflush(stdout);
-        _exit(value);
+// Every hexadecimal number after the word, which ends in its "0x", becomes ADDRESS.
+std::string replace_addresses(std::string text, std::string_view word) {
+    for (size_t at = 0; (at = text.find(word, at)) != std::string::npos;) {
+        at += word.size() - 2;
+        const size_t end = text.find_first_not_of("0123456789abcdef", at + 2);
+        text.replace(at, end - at, "ADDRESS");
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return text;
 }
 
-// A stretch of output as result lines: a mark in front, "|" behind where a newline was.
-void show_output(lines &results, char mark, std::string text, bool mask_stamps) {
+// A stretch of output as result lines: a mark in front, "|" at the end where a newline was.
+void show_output(text_lines &results, char mark, std::string text, bool mask_stamps) {
     if (mask_stamps) {
-        static const std::regex ADDRESS("(buffer|Calling|DPA) 0x[0-9a-f]+");
-        text = std::regex_replace(replace_stamps(text, "STAMP: "), ADDRESS, "$1 ADDRESS");
+        text = replace_stamps(text, "STAMP: ");
+        for (const char *word : {"buffer 0x", "Calling 0x", "DPA 0x"})
+            text = replace_addresses(text, word);
     }
     std::string line(1, mark);
     for (const char byte : text) {
@@ -294,8 +202,8 @@ void show_output(lines &results, char mark, std::string text, bool mask_stamps) 
         results.push_back(line);
 }
 
-lines collect_results(const transcript_case &asked, int exit_value, const fs::path &folder) {
-    lines results;
+text_lines collect_results(const transcript_case &asked, int exit_value, const fs::path &folder) {
+    text_lines results;
     show_output(results, '|', read_file(folder / "out"), asked.mask_stamps);
     show_output(results, '!', read_file(folder / "err"), asked.mask_stamps);
     // What tarnlab finds unused in the host file is no output of the tool.
@@ -314,17 +222,37 @@ lines collect_results(const transcript_case &asked, int exit_value, const fs::pa
     return results;
 }
 
-void write_host(const transcript_case &asked, const fs::path &folder) {
+// Runs the case in a child process and returns its results.
+text_lines run_case(const transcript_case &asked, const char *command) {
+    const scratch_folder folder;
     const std::string description = patch_host(read_file(asked.host), asked.patch);
-    ASSERT_FALSE(description.empty()) << asked.host << " with " << asked.patch;
-    std::ofstream(folder / "host") << description;
+    std::ofstream(folder.path / "host") << description;
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(CASE_SECONDS);
+        for (const auto &[descriptor, name] : {std::pair{1, "out"}, std::pair{2, "err"}})
+            dup2(open((folder.path / name).c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666), descriptor);
+        if (command != nullptr)
+            run_external(command, asked, folder.path);
+        const int value = run_in_process(asked, folder.path);
+        fflush(stdout);
+        _exit(value);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    const int value = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return collect_results(asked, value, folder.path);
 }
 
-std::string joined(const lines &of) {
-    std::string text;
-    for (const std::string &line : of)
-        text += line + "\n";
-    return text;
+// What TARN_COMMAND does not tell is not compared.
+void leave_out_unseen(transcript_case &asked, bool traced) {
+    std::erase_if(asked.results, [](const auto &line) { return line.starts_with("result "); });
+    if (!traced && asked.compare_requests) {
+        asked.compare_requests = false;
+        asked.results.erase(std::find(asked.results.begin(), asked.results.end(), "requests"),
+                            asked.results.end());
+    }
 }
 
 std::vector<fs::path> transcript_files() {
@@ -336,38 +264,48 @@ std::vector<fs::path> transcript_files() {
     return files;
 }
 
+transcript read_transcript_file(const fs::path &path) {
+    const fs::path name = path.lexically_relative(fs::path(TESTS_DIR).parent_path());
+    return read_transcript(name, split_lines(read_file(path)));
+}
+
 class Transcript : public testing::TestWithParam<fs::path> {};
 
 TEST_P(Transcript, PrintsAndAsksWhatItSays) {
     const char *command = getenv("TARN_COMMAND");
-    const bool print = getenv("TARN_TRANSCRIPT_PRINT") != nullptr;
+    const bool accept = command == nullptr && getenv("TARN_ACCEPT_TRANSCRIPTS") != nullptr;
     const bool traced = command == nullptr || strstr(command, "{trace}") != nullptr;
-    transcript file = read_transcript(GetParam());
-    ASSERT_FALSE(file.cases.empty());
-    if (print)
-        fputs(joined(file.head).c_str(), stdout);
+    transcript file = read_transcript_file(GetParam());
+    fputs(join_lines(file.errors).c_str(), stdout);
+    ASSERT_TRUE(file.errors.empty()) << file.name << " cannot be read";
+    static int failed_in_all = 0;
+    std::vector<std::pair<const transcript_case *, text_lines>> failed;
     for (transcript_case &asked : file.cases) {
-        SCOPED_TRACE(asked.name);
-        ASSERT_FALSE(asked.mode.empty()) << "no shell, agent or page line";
-        if (command != nullptr && (asked.mode != "shell" || !asked.debug_words.empty()))
-            continue;
-        const scratch_folder folder;
-        write_host(asked, folder.path);
         if (command != nullptr) {
-            std::erase_if(asked.results,
-                          [](const auto &line) { return line.starts_with("result "); });
+            if (asked.mode != "shell" || !asked.debug_words.empty())
+                continue;
+            leave_out_unseen(asked, traced);
         }
-        if (!traced && asked.compare_requests) {
-            asked.compare_requests = false;
-            asked.results.erase(std::find(asked.results.begin(), asked.results.end(), "requests"),
-                                asked.results.end());
+        const text_lines results = run_case(asked, command);
+        if (results == asked.results)
+            continue;
+        failed.emplace_back(&asked, results);
+        if (!accept && failed_in_all++ < CASES_SHOWN) {
+            fputs(failure_report(file, asked, results).c_str(), stdout);
+            fflush(stdout);
         }
-        const int exit_value = run_case(asked, command, folder.path);
-        const lines results = collect_results(asked, exit_value, folder.path);
-        if (print)
-            printf("%s%s\n", joined(asked.head).c_str(), joined(results).c_str());
-        else
-            EXPECT_EQ(joined(asked.results), joined(results));
+    }
+    if (accept) {
+        // The last one first, so that the lines of the others stay where they are.
+        text_lines lines = file.lines;
+        for (auto one = failed.rbegin(); one != failed.rend(); ++one)
+            lines = with_results(lines, *one->first, one->second);
+        if (!failed.empty())
+            std::ofstream(GetParam()) << join_lines(lines);
+    } else if (!failed.empty()) {
+        ADD_FAILURE() << failed.size() << " of " << file.cases.size() << " cases of " << file.name
+                      << " differ, " << CASES_SHOWN << " of all files are shown; to accept all:\n"
+                      << "    scripts/accept-transcripts " << GetParam().stem().string();
     }
 }
 
@@ -378,5 +316,39 @@ INSTANTIATE_TEST_SUITE_P(Files, Transcript, testing::ValuesIn(transcript_files()
                                  name.begin(), name.end(), [](char c) { return !isalnum(c); }, '_');
                              return name;
                          });
+
+// The keywords of the rows that ran: one row stands in the table twice.
+std::set<std::string> rows_that_ran;
+
+TEST(Transcripts, RunEveryRowThatIsBuilt) {
+    kestrel_cmd_row table[KESTREL_CMD_ROWS];
+    std::copy(std::begin(kestrel_cmd_list), std::end(kestrel_cmd_list), table);
+    for (size_t row = 0; row < KESTREL_CMD_ROWS; row++)
+        table[row].handler = table[row].handler == nullptr ? nullptr : ROW_RUNNERS[row];
+    on_row = [](size_t row, const char * /*arg*/) {
+        rows_that_ran.insert(all_keywords(kestrel_cmd_list[row]));
+        return 0;
+    };
+    testing::internal::CaptureStdout(); // some cases run words that no row matches
+    for (const fs::path &path : transcript_files()) {
+        for (const transcript_case &one : read_transcript_file(path).cases) {
+            std::string text;
+            for (const std::string &word : one.words)
+                text += word + " ";
+            kxcmd_parse_multiple(table, text.c_str(), static_cast<int>(text.size()), 0);
+        }
+    }
+    fflush(stdout);
+    testing::internal::GetCapturedStdout();
+    for (const kestrel_cmd_row &row : kestrel_cmd_list) {
+        const bool built = row.handler != nullptr && !kx_is_stub(row.handler);
+        EXPECT_TRUE(!built || rows_that_ran.contains(all_keywords(row)))
+            << "no transcript runs \"" << all_keywords(row)
+            << "\". Write a case into a file of tests/transcripts, run scripts/accept-transcripts,\n"
+               "and read what it added:\n\n"
+               "case what the reader should see\nshell "
+            << command_of(row) << "\nrequests\n";
+    }
+}
 
 } // namespace

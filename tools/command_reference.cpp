@@ -140,7 +140,7 @@ std::string mdoc_words(const std::string &text) {
         const size_t end = std::min(text.find(' ', at), text.size());
         const std::string word = text.substr(at, end - at);
         safe += (safe.empty() ? "" : " ");
-        // Delimiters and two-letter words stand behind a zero-width space.
+        // Delimiters and two-letter words stand after a zero-width space.
         const bool special = word.size() <= 3 || std::strchr(".,:;()[]?!|", word.back()) != nullptr;
         safe += (special ? "\\&" : "") + word;
         at = end;

@@ -41,50 +41,54 @@ constexpr int ONE_SECOND = 1000; // milliseconds
 // These end the conversation in order, before they do what they did without it.
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGHUP, SIGTERM};
 
-// The last of them that came, 0 for none.
+// The last of them that came, 0 for none. A signal handler can reach nothing else.
 volatile sig_atomic_t ended_by = 0;
-
-// Who read standard output has gone away, as when ssh is killed. Only a write would bring a signal,
-// and a conversation that waits writes nothing: every wait looks for it.
-bool reader_is_gone = false;
 
 void end_conversation(int signal) {
     ended_by = signal;
 }
 
-bool is_over() {
-    return ended_by != 0 || reader_is_gone;
-}
+struct conversation {
+    int pipe = -1; // to the agent
+    int file = -1; // what the agent prints
+    char file_name[OUTPUT_FILE_NAME_SIZE] = "";
 
-// What the process did on a signal before, a host's own handlers among it.
-struct ending_dispositions {
-    struct sigaction before[std::size(ENDING_SIGNALS)];
-    struct sigaction on_broken_pipe;
+    // Who read standard output has gone away, as when ssh is killed. Only a write would bring a
+    // signal, and a conversation that waits writes nothing: every wait looks for it.
+    bool reader_is_gone = false;
+
+    // What the process did on a signal before, a host's own handlers among it.
+    struct sigaction before[std::size(ENDING_SIGNALS)]{};
+    struct sigaction on_broken_pipe {};
 };
 
-// No wait is taken up again behind one of the signals. One that is ignored, as a hang-up under
+bool is_over(const conversation &talk) {
+    return ended_by != 0 || talk.reader_is_gone;
+}
+
+// No wait is taken up again after one of the signals. One that is ignored, as a hang-up under
 // nohup, stays so. A broken pipe waits until the file is removed: an agent that goes away in the
 // middle is a failed write and not the end of the tool, and a standard output that went away is
 // looked for.
-void catch_ending_signals(ending_dispositions *dispositions) {
+void catch_ending_signals(conversation &talk) {
     struct sigaction ignored {};
     ignored.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &ignored, &dispositions->on_broken_pipe);
+    sigaction(SIGPIPE, &ignored, &talk.on_broken_pipe);
     struct sigaction caught {};
     caught.sa_handler = end_conversation;
     for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
-        sigaction(ENDING_SIGNALS[i], nullptr, &dispositions->before[i]);
-        if (dispositions->before[i].sa_handler != SIG_IGN) {
+        sigaction(ENDING_SIGNALS[i], nullptr, &talk.before[i]);
+        if (talk.before[i].sa_handler != SIG_IGN) {
             sigaction(ENDING_SIGNALS[i], &caught, nullptr);
         }
     }
 }
 
-void restore_ending_signals(const ending_dispositions &dispositions) {
+void restore_ending_signals(const conversation &talk) {
     for (size_t i = 0; i < std::size(ENDING_SIGNALS); ++i) {
-        sigaction(ENDING_SIGNALS[i], &dispositions.before[i], nullptr);
+        sigaction(ENDING_SIGNALS[i], &talk.before[i], nullptr);
     }
-    sigaction(SIGPIPE, &dispositions.on_broken_pipe, nullptr);
+    sigaction(SIGPIPE, &talk.on_broken_pipe, nullptr);
 }
 
 // A pipe says that it has no reader by POLLERR, a socket by POLLHUP, a file never.
@@ -93,13 +97,13 @@ bool tells_of_no_reader(const pollfd &output) {
 }
 
 // Wait, less when one of the signals comes or nobody reads standard output any more. An operator
-// sees the output as it comes, also behind a pipe.
-void wait_for(int milliseconds) {
+// sees the output as it comes, also through a pipe.
+void wait_for(conversation &talk, int milliseconds) {
     fflush(stdout);
     pollfd output = {STDOUT_FILENO, 0, 0};
     const int found = poll(&output, 1, milliseconds);
     if (found > 0 && tells_of_no_reader(output)) {
-        reader_is_gone = true;
+        talk.reader_is_gone = true;
     } else if (found > 0 || (found < 0 && errno != EINTR)) {
         // Standard output is closed, or cannot be looked at.
         usleep(static_cast<useconds_t>(milliseconds) * 1000);
@@ -128,18 +132,20 @@ int create_output_file(const char *name) {
     return error;
 }
 
-// Create the file and open it for reading. Returns the descriptor, or -1 after a line.
-int open_output_file(const char *name) {
-    const int error = create_output_file(name);
+// Create the file and open it for reading. Returns false after a line.
+bool open_output_file(conversation &talk) {
+    snprintf(talk.file_name, sizeof talk.file_name, "%s.%u", OUTPUT_FILE_PREFIX,
+             static_cast<unsigned>(getpid()));
+    const int error = create_output_file(talk.file_name);
     if (error != 0) {
-        printf("Couldn't create %s %d - %s\n", name, error, strerror(error));
-        return -1;
+        printf("Couldn't create %s %d - %s\n", talk.file_name, error, strerror(error));
+        return false;
     }
-    const int file = open(name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (file == -1) {
-        printf(" Error opening %s exiting %s\n", name, strerror(errno));
+    talk.file = open(talk.file_name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (talk.file == -1) {
+        printf(" Error opening %s exiting %s\n", talk.file_name, strerror(errno));
     }
-    return file;
+    return talk.file != -1;
 }
 
 // A plain open would wait for a reader forever, so that a missing agent could not be told.
@@ -161,14 +167,14 @@ bool lacks_a_reader(int pipe) {
            S_ISFIFO(found.st_mode);
 }
 
-// Returns the descriptor, whose writes wait as usual, or -1 after a line; -1 without one when
-// the conversation was over before a reader came.
-int open_command_pipe() {
+// Open the pipe, whose writes wait as usual. Returns false after a line; false without one when the
+// conversation was over before a reader came.
+bool open_command_pipe(conversation &talk) {
     int pipe = try_command_pipe();
     for (int tries = 0; lacks_a_reader(pipe) && tries < PIPE_READER_TRIES; ++tries) {
-        wait_for(PIPE_READER_PAUSE);
-        if (is_over()) {
-            return -1;
+        wait_for(talk, PIPE_READER_PAUSE);
+        if (is_over(talk)) {
+            return false;
         }
         pipe = try_command_pipe();
     }
@@ -179,43 +185,44 @@ int open_command_pipe() {
     }
     if (pipe == -1) {
         printf(" Error opening fifo (%d), exiting\n", errno);
-        return -1;
+        return false;
     }
     fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) & ~O_NONBLOCK);
-    return pipe;
+    talk.pipe = pipe;
+    return true;
 }
 
 // An agent that does not read its pipe leaves it full. It is waited for, but must not keep a
 // process whose conversation is over from ending: from then on writes do not wait.
-void wait_for_room(int pipe) {
-    pollfd watched[] = {{pipe, POLLOUT, 0}, {STDOUT_FILENO, 0, 0}};
+void wait_for_room(conversation &talk) {
+    pollfd watched[] = {{talk.pipe, POLLOUT, 0}, {STDOUT_FILENO, 0, 0}};
     int ready = 0;
-    while (ready == 0 && !is_over()) {
+    while (ready == 0 && !is_over(talk)) {
         ready = poll(watched, std::size(watched), ONE_SECOND);
         if (ready == -1 && errno == EINTR) {
             ready = 0;
         }
     }
     if (ready > 0 && tells_of_no_reader(watched[1])) {
-        reader_is_gone = true;
+        talk.reader_is_gone = true;
     }
-    if (is_over()) {
-        fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) | O_NONBLOCK);
+    if (is_over(talk)) {
+        fcntl(talk.pipe, F_SETFL, fcntl(talk.pipe, F_GETFL) | O_NONBLOCK);
     }
 }
 
-bool send_to_agent(int pipe, const char *message, size_t length) {
-    wait_for_room(pipe);
-    return kx_send_to_fd(pipe, message, static_cast<int>(length)) == 0;
+bool send_to_agent(conversation &talk, const char *message, size_t length) {
+    wait_for_room(talk);
+    return kx_send_to_fd(talk.pipe, message, static_cast<int>(length)) == 0;
 }
 
-bool redirect_to(int pipe, const char *file_name) {
+bool redirect_to_file(conversation &talk) {
     char message[PIPE_MESSAGE_SIZE];
-    snprintf(message, sizeof message, "%s %s", REDIRECT_SET, file_name);
-    return send_to_agent(pipe, message, strlen(message) + 1);
+    snprintf(message, sizeof message, "%s %s", REDIRECT_SET, talk.file_name);
+    return send_to_agent(talk, message, strlen(message) + 1);
 }
 
-void send_command(int pipe, const char *command) {
+void send_command(conversation &talk, const char *command) {
     char message[PIPE_MESSAGE_SIZE];
     snprintf(message, sizeof message, "%s", command);
     if (message[0] == '\0') {
@@ -224,57 +231,14 @@ void send_command(int pipe, const char *command) {
     }
     const size_t length = std::min(strlen(message), sizeof message - 2);
     message[length] = '\n';
-    if (send_to_agent(pipe, message, length + 1)) {
-        wait_for(ONE_SECOND);
+    if (send_to_agent(talk, message, length + 1)) {
+        wait_for(talk, ONE_SECOND);
     } else {
         printf("write failed");
     }
 }
 
-// The conversation with the agent. Whatever fails or ends it, the agent is asked to stop
-// redirecting.
-void run_in_agent(int pipe, int file, const char *file_name, const char *command) {
-    if (redirect_to(pipe, file_name)) {
-        wait_for(ONE_SECOND);
-        if (!is_over()) {
-            printf("=>dpa command is: %s\n", command);
-            send_command(pipe, command);
-        }
-    } else {
-        printf("write failed");
-    }
-    if (!send_to_agent(pipe, REDIRECT_RESET, sizeof REDIRECT_RESET)) {
-        printf("write failed");
-    } else if (!is_over()) {
-        kx_read_out_from_fd(file);
-        printf("\n");
-    }
-}
-
-// All of the command between catching the signals and giving them back.
-int run_command(const char *command) {
-    char file_name[OUTPUT_FILE_NAME_SIZE];
-    snprintf(file_name, sizeof file_name, "%s.%u", OUTPUT_FILE_PREFIX,
-             static_cast<unsigned>(getpid()));
-    const int file = open_output_file(file_name);
-    if (file == -1) {
-        return -1;
-    }
-    const int pipe = open_command_pipe();
-    if (pipe == -1 && !is_over()) {
-        // Deliberate: without an agent the created file stays, and so does its descriptor.
-        return -1;
-    }
-    if (pipe != -1) {
-        run_in_agent(pipe, file, file_name, command);
-        close(pipe);
-    }
-    close(file);
-    unlink(file_name);
-    return 0;
-}
-
-// The output is text; a NUL in it, such as one behind the marker, is not shown and hides nothing.
+// The output is text; a NUL in it, such as one after the marker, is not shown and hides nothing.
 void print_without_nuls(const char *text, size_t length) {
     while (length > 0) {
         const size_t piece = strnlen(text, length);
@@ -283,6 +247,76 @@ void print_without_nuls(const char *text, size_t length) {
         text += passed;
         length -= passed;
     }
+}
+
+// See kx_read_out_from_fd.
+const char *show_output(conversation &talk) {
+    // What was read last, after as much of the text before it as can begin a marker.
+    char window[END_MARKER_LENGTH - 1 + READ_SIZE];
+    size_t carried = 0;
+    int idle_reads = 0;
+    while (!is_over(talk)) {
+        if (ferror(stdout) != 0) {
+            wait_for(talk, 0); // whether it was the reader that went away
+            break;
+        }
+        const ssize_t got = read(talk.file, window + carried, READ_SIZE);
+        if (got < 0 || idle_reads == IDLE_READS_LIMIT) {
+            break;
+        }
+        if (got == 0) {
+            ++idle_reads;
+            wait_for(talk, ONE_SECOND);
+            continue;
+        }
+        idle_reads = 0;
+        print_without_nuls(window + carried, static_cast<size_t>(got));
+        const size_t length = carried + static_cast<size_t>(got);
+        if (memmem(window, length, END_MARKER, END_MARKER_LENGTH) != nullptr) {
+            return END_MARKER;
+        }
+        carried = std::min(length, END_MARKER_LENGTH - 1);
+        memmove(window, window + length - carried, carried);
+    }
+    return nullptr;
+}
+
+// Whatever fails or ends the conversation, the agent is asked to stop redirecting.
+void run_in_agent(conversation &talk, const char *command) {
+    if (redirect_to_file(talk)) {
+        wait_for(talk, ONE_SECOND);
+        if (!is_over(talk)) {
+            printf("=>dpa command is: %s\n", command);
+            send_command(talk, command);
+        }
+    } else {
+        printf("write failed");
+    }
+    if (!send_to_agent(talk, REDIRECT_RESET, sizeof REDIRECT_RESET)) {
+        printf("write failed");
+    } else if (!is_over(talk)) {
+        show_output(talk);
+        printf("\n");
+    }
+}
+
+// All of the command between catching the signals and giving them back.
+int run_command(conversation &talk, const char *command) {
+    if (!open_output_file(talk)) {
+        return -1;
+    }
+    const bool opened = open_command_pipe(talk);
+    if (!opened && !is_over(talk)) {
+        // Deliberate: without an agent the created file stays, and so does its descriptor.
+        return -1;
+    }
+    if (opened) {
+        run_in_agent(talk, command);
+        close(talk.pipe);
+    }
+    close(talk.file);
+    unlink(talk.file_name);
+    return 0;
 }
 
 } // namespace
@@ -302,34 +336,9 @@ int kx_send_to_fd(int fd, const void *data, int length) {
 }
 
 const char *kx_read_out_from_fd(int fd) {
-    // What was read last, behind as much of the text before it as can begin a marker.
-    char window[END_MARKER_LENGTH - 1 + READ_SIZE];
-    size_t carried = 0;
-    int idle_reads = 0;
-    while (!is_over()) {
-        if (ferror(stdout) != 0) {
-            wait_for(0); // whether it was the reader that went away
-            break;
-        }
-        const ssize_t got = read(fd, window + carried, READ_SIZE);
-        if (got < 0 || idle_reads == IDLE_READS_LIMIT) {
-            break;
-        }
-        if (got == 0) {
-            ++idle_reads;
-            wait_for(ONE_SECOND);
-            continue;
-        }
-        idle_reads = 0;
-        print_without_nuls(window + carried, static_cast<size_t>(got));
-        const size_t length = carried + static_cast<size_t>(got);
-        if (memmem(window, length, END_MARKER, END_MARKER_LENGTH) != nullptr) {
-            return END_MARKER;
-        }
-        carried = std::min(length, END_MARKER_LENGTH - 1);
-        memmove(window, window + length - carried, carried);
-    }
-    return nullptr;
+    conversation talk;
+    talk.file = fd;
+    return show_output(talk);
 }
 
 int kx_dpa_cmd(const char *arg) {
@@ -337,18 +346,17 @@ int kx_dpa_cmd(const char *arg) {
         printf("Missing dpa command\n");
         return -1;
     }
-    ending_dispositions dispositions;
-    catch_ending_signals(&dispositions);
-    const int result = run_command(arg);
-    restore_ending_signals(dispositions);
-    if (!is_over()) {
+    conversation talk;
+    catch_ending_signals(talk);
+    const int result = run_command(talk, arg);
+    restore_ending_signals(talk);
+    if (!is_over(talk)) {
         return result;
     }
     const int signal = ended_by != 0 ? ended_by : SIGPIPE;
     ended_by = 0;
-    reader_is_gone = false;
     fflush(stdout);
     raise(signal);
-    // A host process has outlived the signal; the commands behind this one have not.
+    // A host process has outlived the signal; the commands after this one have not.
     return KXCMD_STOP;
 }

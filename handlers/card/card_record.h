@@ -26,7 +26,7 @@ constexpr uint32_t KX_CARD_NAME_CAPACITY = 256;
 constexpr uint32_t KX_VERSION_CAPACITY = 128;
 constexpr uint32_t KX_SDK_VERSION_CAPACITY = 32;
 
-// Reply of KXDPA_OP_CARD_UUID. Assumed: the driver puts the type behind the string's capacity.
+// Reply of KXDPA_OP_CARD_UUID. Assumed: the driver puts the type after the string's capacity.
 struct kx_card_uuid {
     char text[KX_CARD_UUID_CAPACITY]; // NUL-terminated unless it fills the field
     uint32_t type;                    // what kind of UUID it is, see KX_CARD_UUID_VMWARE

@@ -11,7 +11,7 @@
 
 constexpr size_t KX_MEMORY_NAME_SIZE = 16;
 
-// Buffer of KXDPA_OP_NEXT_HEAP: the name of a heap on the way in, the heap behind it on the way
+// Buffer of KXDPA_OP_NEXT_HEAP: the name of a heap on the way in, the heap after it on the way
 // out.
 struct kx_heap_record {
     uint64_t objects;               // allocated

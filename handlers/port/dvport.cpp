@@ -1,4 +1,4 @@
-// "show dvport": the distributed virtual port behind each port.
+// "show dvport": the distributed virtual port of each port.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/port/shared/port_walk.h"

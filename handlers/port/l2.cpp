@@ -22,7 +22,7 @@ constexpr int BDS_OF_A_PAGE = 2;
 
 constexpr size_t REMOTE_IP_SIZE = 20;
 
-// The letters of the flags column are padded to this; the PVLAN stands behind them.
+// The letters of the flags column are padded to this; the PVLAN stands after them.
 constexpr size_t FLAGS_WIDTH = 10;
 
 struct l2_limits {

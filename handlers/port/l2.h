@@ -23,7 +23,7 @@ struct kx_l2_flags_text {
     char text[KX_L2_FLAGS_SIZE];
 };
 
-// The flag letters in ten places, with the private VLAN behind them when the entry has one.
+// The flag letters in ten places, with the private VLAN after them when the entry has one.
 kx_l2_flags_text kx_l2_flags(const kx_l2_entry &entry);
 
 void kx_print_l2_flags_legend();

@@ -18,7 +18,7 @@ enum kx_l2_flag : uint8_t {
 // Reply of KXDPA_OP_NEXT_L2_ENTRY, whose key is the MAC address before it. The times are in the
 // DPA's own unit.
 struct kx_l2_entry {
-    uint32_t ltl;       // the port behind the address
+    uint32_t ltl;       // the port that the address was learnt on
     uint32_t pvlan;     // private VLAN, meaningful with KX_L2_PVLAN
     uint32_t seen_time; // of the last sighting
     uint32_t now;       // when the DPA replied

@@ -15,7 +15,7 @@
 
 namespace {
 
-// A column is 15 wide with a blank behind it, and is begun only when that much room is left.
+// A column is 15 wide and a blank follows it; it is begun only when that much room is left.
 constexpr size_t CELL_LENGTH = 16;
 
 constexpr uint32_t CLEAR_DROPS = 11; // selector of KXDPA_OP_SCHEDULER_CONTROL
@@ -128,7 +128,7 @@ bool print_internal_rows(uint32_t *ltl, const direction &shown) {
     return false;
 }
 
-// Print the ports behind `ltl`. True when the page ends with one of them; `*ltl` is then its LTL.
+// Print the ports after `ltl`. True when the page ends with one of them; `*ltl` is then its LTL.
 bool print_port_rows(uint32_t *ltl, bool internal, const direction &shown) {
     for (kx_walk walk{*ltl}; kx_next_ltl(&walk);) {
         *ltl = walk.at;
@@ -161,7 +161,7 @@ bool print_drops_table(const char *arg, const direction &shown) {
         }
     }
     // Internal rows hand back the LTL to go on with, the others the one just printed. The walk
-    // behind the internal rows starts after LTL 18, not at it; both are the contract.
+    // after the internal rows starts after LTL 18, not at it; both are the contract.
     if ((internal && print_internal_rows(&ltl, shown)) || print_port_rows(&ltl, internal, shown)) {
         kx_end_page(ltl);
         return false;

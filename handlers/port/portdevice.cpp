@@ -1,4 +1,4 @@
-// "show portdevice": the kind of device behind each port.
+// "show portdevice": the kind of device that each port is.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/port/shared/port_walk.h"

@@ -84,7 +84,7 @@ int32_t search(const bitset *b, int32_t bNo, uint32_t flip, const char *function
     return NO_BIT;
 }
 
-// The bit behind bNo; behind the largest number comes a negative one, which the search refuses.
+// The bit after bNo; after the largest number comes a negative one, which the search refuses.
 int32_t successor(int32_t bNo) {
     return static_cast<int32_t>(static_cast<uint32_t>(bNo) + 1);
 }
@@ -106,7 +106,7 @@ int next_range(const bitset *b, bitset_range *range, int32_t (*find)(const bitse
     }
     const bool at_start =
         range->lower == BITSET_RANGE_START.lower && range->upper == BITSET_RANGE_START.upper;
-    // The bit right behind a run is known not to belong to the next one.
+    // The bit right after a run is known not to belong to the next one.
     range->lower = find(b, at_start ? 0 : range->upper + 2);
     if (range->lower == NO_BIT || range->lower >= bits) {
         return -1;

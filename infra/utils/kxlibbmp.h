@@ -70,7 +70,7 @@ void bitset_set_range_value(bitset *b, int32_t bNo, int32_t len, int value);
 void bitset_set_range(bitset *b, int32_t bNo, int32_t len);
 void bitset_clear_range(bitset *b, int32_t bNo, int32_t len);
 
-// The lowest set (clear) bit: from bNo on, in the whole set, behind bNo. REQUIRES: a start >= 0.
+// The lowest set (clear) bit: from bNo on, in the whole set, after bNo. REQUIRES: a start >= 0.
 int32_t bitset_find_bit(const bitset *b, int32_t bNo);
 int32_t bitset_first_bit(const bitset *b);
 int32_t bitset_next_bit(const bitset *b, int32_t bNo);

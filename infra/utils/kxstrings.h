@@ -12,7 +12,7 @@
 
 // --- Words ---
 
-// The word behind the one at `word`: skips this word and the white space after it. NULL when the
+// The word after the one at `word`: skips this word and the white space after it. NULL when the
 // text ends first, and for NULL or an empty text.
 const char *kx_find_next_arg(const char *word);
 
@@ -43,13 +43,13 @@ int kx_split_words(char *work, size_t size, const char *text, char *words[], int
 // --- Arguments ---
 // The parsers return 0, or -1 with their output untouched; a NULL text is a failure.
 
-// The unsigned number at the text's start: decimal, 0x-hexadecimal or 0-octal, behind optional
-// white space and sign; characters behind it are ignored. 0 for a text that is no number and for
+// The unsigned number at the text's start: decimal, 0x-hexadecimal or 0-octal, after optional
+// white space and sign; characters after it are ignored. 0 for a text that is no number and for
 // NULL. What does not fit into 32 bits saturates to 4294967295; a minus sign negates modulo 2^32,
 // so "-1" gives 4294967295 too.
 uint32_t kx_parse_number(const char *text);
 
-// "10.1.2.3", possibly behind white space and followed by white space and more words. The fields
+// "10.1.2.3", possibly after white space and followed by white space and more words. The fields
 // are decimal also with leading zeros. The address is in network byte order.
 int kx_parse_ip_address(uint32_t *address, const char *text);
 
@@ -58,7 +58,7 @@ int kx_parse_ip_address(uint32_t *address, const char *text);
 int kx_parse_ipv6_address(uint8_t address[16], const char *text);
 
 // Six groups of two hexadecimal digits joined by ":" or "-", or three groups of four joined by "."
-// or "-". White space may stand before them, white space and more words behind them. The first byte
+// or "-". White space may stand before them, white space and more words after them. The first byte
 // may be written with one digit when ":" follows it.
 int kx_parse_mac_address(uint8_t mac[6], const char *text);
 
@@ -70,7 +70,7 @@ int32_t kx_get_ltl_from_args(const char *text);
 // that stands in the text.
 bool kx_get_typed_ltl(const char *text, uint32_t *ltl);
 
-// The paging cookie of an argument list: the number of the last word behind a word that begins with
+// The paging cookie of an argument list: the number of the last word after a word that begins with
 // "cookie". -1 when there is none.
 int32_t kx_get_ltl_cookie_frm_args(const char *text);
 
@@ -103,7 +103,7 @@ char *kx_local_ctime(time_t seconds, char *buffer);
 // so does the 81st character, which is dropped. What follows the last line end is not printed.
 void od_dump(const char *title, const uint8_t *bytes, int length);
 
-// Print the text behind a record as one line under a title: from the first byte in 32..127 on, up
+// Print the text after a record as one line under a title: from the first byte in 32..127 on, up
 // to a NUL and at most 84 bytes. Without such a byte the title stands alone.
 void dump_extra_ascii(const char *title, const uint8_t *bytes, int length);
 

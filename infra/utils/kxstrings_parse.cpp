@@ -45,7 +45,7 @@ const char *skip_space(const char *text) {
     return text;
 }
 
-// Read four decimal fields joined by ".", each at most 255. Returns the first character behind
+// Read four decimal fields joined by ".", each at most 255. Returns the first character after
 // them, or NULL.
 const char *read_dotted(uint8_t bytes[4], const char *text, bool leading_zeros) {
     for (int field = 0; field < 4; ++field) {

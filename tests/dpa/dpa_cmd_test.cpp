@@ -181,7 +181,7 @@ TEST_F(GrowingFile, GivesUpAfterTwentyIdleReads) {
     EXPECT_EQ(sleeps, 20U);
     EXPECT_EQ(copy(in_time), "in time");
     EXPECT_EQ(sleeps, 19U + 20U);
-    EXPECT_EQ(copy(late), "") << "the read behind the last idle one is not shown";
+    EXPECT_EQ(copy(late), "") << "the read after the last idle one is not shown";
     EXPECT_FALSE(found);
     close(std::exchange(reader, -1));
     EXPECT_EQ(printed_by([&] { kx_read_out_from_fd(reader); }), "");
@@ -491,7 +491,7 @@ TEST_F(DpaCommandSignals, EndTheConversationInOrder) {
         EXPECT_EQ(sleeps, row.at_sleep);
         EXPECT_EQ(take_from_pipe(), row.sent);
         EXPECT_FALSE(output_exists());
-        EXPECT_EQ(result, -2) << "the commands behind it do not run";
+        EXPECT_EQ(result, -2) << "the commands after it do not run";
         EXPECT_EQ(host_signals, 1) << "the host has outlived it";
         expect_host_dispositions();
     }
@@ -565,11 +565,11 @@ void open_file(int (&ends)[2]) {
 }
 constexpr int GONE_BEFORE = 0;
 constexpr int STAYS = 1000;
-constexpr int ALL_SLEEPS = 22; // two behind the messages, and the idle ones
+constexpr int ALL_SLEEPS = 22; // two after the messages, and the idle ones
 constexpr int STOPPED = 100;
 
 // Run the command in a child whose reader goes away in a sleep, from 1. The child exits with the
-// number of its sleeps, and STOPPED more when the commands behind it do not run.
+// number of its sleeps, and STOPPED more when the commands after it do not run.
 child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*on_broken)(int)) {
     return in_child([&] {
         std::signal(SIGPIPE, on_broken);

@@ -26,7 +26,7 @@ namespace {
 constexpr uint32_t HEADER = 48;
 constexpr uint32_t ANY_ARG = 0x00C0FFEE;
 constexpr uint32_t AGENT_STATUS = 77;
-constexpr size_t MARGIN = 16; // bytes behind a buffer that nobody may write
+constexpr size_t MARGIN = 16; // bytes after a buffer that nobody may write
 
 // The most bytes that the tool sends at once.
 size_t send_limit = SIZE_MAX;
@@ -209,7 +209,7 @@ TEST_F(AgentSocket, SendsRecordAndBuffersAndTakesThemBack) {
     }
 }
 
-// And whatever its head's length, and however the reply comes; what comes behind it is not read.
+// And whatever its head's length, and however the reply comes; what comes after it is not read.
 TEST_F(AgentSocket, ExchangeOfARecordSucceedsWhateverItsStatus) {
     for (const uint32_t length : {HEADER, HEADER + 16}) {
         kxdpa_request record[2]{};

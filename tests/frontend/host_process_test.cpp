@@ -95,7 +95,7 @@ protected:
         return execute(text, 0).console;
     }
 
-    // All pages of a command, one behind the other.
+    // All pages of a command, one after the other.
     std::string run_pages(const std::string &command) {
         run seen = run_page(command);
         std::string pages = seen.page;

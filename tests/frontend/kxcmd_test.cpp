@@ -62,7 +62,7 @@ protected:
     };
 
     // The calls that a text makes and what is printed, with the time stamps cut off. What stands
-    // behind the text is none of it.
+    // after the text is none of it.
     std::string run(const std::string &text, int from_agent = 0) {
         calls_made.clear();
         printed = traced_by([&] {
@@ -272,7 +272,7 @@ TEST(Help, PutsTheTextBelowKeywordsOfMoreThan31Characters) {
         char buffer[512];
         const int length = kxcmd_snprintf_help(table, buffer, sizeof buffer);
         EXPECT_EQ(std::string(buffer), expected.printed);
-        if (expected.keyword.size() >= 78) { // nothing goes behind a column that is full
+        if (expected.keyword.size() >= 78) { // nothing goes after a column that is full
             table[0].keywords[1] = "more";
             EXPECT_EQ(kxcmd_snprintf_help(table, buffer, sizeof buffer), length);
             EXPECT_EQ(std::string(buffer), expected.printed);

@@ -83,7 +83,7 @@ void damage(const room &to, hostile_random &random) {
         to.bytes[random.below(to.size)] = static_cast<uint8_t>(random.next());
 }
 
-// A step of a walk: the reply begins with the entry behind the one asked for.
+// A step of a walk: the reply begins with the entry after the one asked for.
 void step(const room &to, uint32_t from, hostile_driver &driver) {
     uint32_t word = driver.random.next();
     switch (driver.walk) {

@@ -1,4 +1,4 @@
-// What to type behind the keywords of a row of the command table.
+// What to type after the keywords of a row of the command table.
 #ifndef TESTS_HOSTILE_ROW_ARGUMENTS_H
 #define TESTS_HOSTILE_ROW_ARGUMENTS_H
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// The arguments to try behind a row's keywords: common ones, the words that the row's own
+// The arguments to try after a row's keywords: common ones, the words that the row's own
 // documentation names, and garbage.
 std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random);
 

@@ -74,7 +74,7 @@ void on_alarm(int /*number*/) {
 
 // --- Runs ---
 
-// The text stands in memory of its own size and has no terminator, so that a read behind its end
+// The text stands in memory of its own size and has no terminator, so that a read beyond its end
 // shows.
 void run_text(const std::string &text, int from_agent) {
     const auto exact = std::make_unique<char[]>(text.size());

@@ -201,7 +201,7 @@ TEST_F(BitSets, WalksVisitEveryRun) {
     bitset_range range = {BITS - 2, BITS - 2};
     EXPECT_EQ(bitset_next_range(&last, &range), -1);
     EXPECT_EQ(range.lower, BITS - 2);
-    // The bit behind the caller's range is never looked at.
+    // The bit after the caller's range is never looked at.
     const Set first = set_of({0, 1, 2, 3});
     range = {0, 1};
     EXPECT_EQ(bitset_next_range(&first, &range), 0);

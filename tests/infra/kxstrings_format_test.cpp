@@ -67,7 +67,7 @@ TEST(Dumps, PrintLinesUnderATitle) {
                 {x.substr(0, 162), x.substr(0, 80) + "\n" + x.substr(0, 80) + "\n",
                  x.substr(0, 84) + "\n"}};
     for (const auto &row : rows) {
-        // Exact allocations, so that the sanitizer sees a read behind the length.
+        // Exact allocations, so that the sanitizer sees a read beyond the length.
         const std::vector<uint8_t> bytes(row.bytes.begin(), row.bytes.end());
         const int length = static_cast<int>(bytes.size());
         EXPECT_EQ(printed_by([&] { od_dump("title", bytes.data(), length); }),

@@ -24,7 +24,7 @@ TEST(Number, FollowsTheStandardUnsignedConversion) {
     EXPECT_EQ(kx_parse_number(nullptr), 0u);
 }
 
-// A parser writes its address and nothing behind it, and nothing at all of a text that it refuses.
+// A parser writes its address and nothing after it, and nothing at all of a text that it refuses.
 TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
     const std::map<std::string, int (*)(uint8_t *, const char *)> parsers = {
         {"ip",

@@ -54,7 +54,7 @@ int kx_find_named_bd(const char *arg, kx_named_bd *bd);
 // Member ports of a bridge domain, -1 when they cannot be counted.
 int32_t kx_get_bd_port_count(uint32_t index);
 
-// Print the member ports, one a row with the HMX port name and a blank line behind every tenth.
+// Print the member ports, one a row with the HMX port name and a blank line after every tenth.
 // With a designated receiver, its row is marked.
 void kx_print_bd_ports(uint32_t index, const uint32_t *dr_ltl);
 

@@ -45,7 +45,7 @@ struct kx_sub_group_text {
 // A sub-group's number, empty for one that does not exist.
 kx_sub_group_text kx_format_sub_group(uint32_t sub_group);
 
-// The LTL that a page goes on after: the number behind the word "cookie" in the argument. Only
+// The LTL that a page goes on after: the number after the word "cookie" in the argument. Only
 // agent-driven runs page; every other starts from KX_LTL_BEFORE_FIRST.
 uint32_t kx_get_first_ltl(const char *arg);
 
