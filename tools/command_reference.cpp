@@ -148,7 +148,7 @@ std::string mdoc_words(const std::string &text) {
     return safe;
 }
 
-// What stands after the typed keywords. A cookie and its number are for host processes.
+// What a shell may give after the typed keywords. A cookie and its number are for host processes.
 std::string shell_arguments(const command_row &row) {
     const auto cookie = std::find(row.keywords.begin(), row.keywords.end(), "cookie");
     std::string arguments =
@@ -157,6 +157,10 @@ std::string shell_arguments(const command_row &row) {
         arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
     }
     return arguments;
+}
+
+std::string shell_usage(const command_row &row) {
+    return joined(row.keywords, 0, row.typed) + " " + shell_arguments(row);
 }
 
 using command_rows = std::vector<const command_row *>;
@@ -335,7 +339,7 @@ void write_words() {
     words lines = {"+ help"};
     for (const command_section &section : read_table()) {
         for (const command_row &row : section.rows) {
-            for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
+            for (const sequence &way : usage_reader(shell_usage(row)).read()) {
                 lines.push_back((row.built ? "+" : "-") + line_of(way));
             }
         }
