@@ -2,7 +2,7 @@
 """The documents made from the key tables: that the committed ones are fresh, and that the schema
 takes what the reader takes.
 
-    documents_test.py REPOSITORY HOST_REFERENCE RANDOM_HOST_FILE
+    schema_test.py REPOSITORY HOST_REFERENCE RANDOM_HOST_FILE
 """
 import json
 import pathlib
