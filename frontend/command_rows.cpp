@@ -83,18 +83,20 @@ size_t typing_errors(const char *typed, size_t typed_length, const char *keyword
     return errors[typed_length][length];
 }
 
-// The second word of the built display that is nearest to `typed`, NULL when none is near.
+// The second word of the built display that is nearest to `typed`, NULL when none is near. Of two
+// that are as near, the one with the same first letter: people get that right.
 const char *nearest_display(const char *typed, size_t typed_length) {
-    size_t least = typed_length < 6 ? 2 : 3;
+    size_t least = typed_length < 6 ? 4 : 6;
     const char *nearest = nullptr;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
         if (row.handler == nullptr || kx_is_stub(row.handler) || !is_display(row) ||
             kx_typed_keywords(row) < 2) {
             continue;
         }
-        const size_t errors = typing_errors(typed, typed_length, row.keywords[1]);
-        if (errors < least) {
-            least = errors;
+        const size_t distance = 2 * typing_errors(typed, typed_length, row.keywords[1]) +
+                                (kx_strncasecmp(typed, row.keywords[1], 1) == 0 ? 0 : 1);
+        if (distance < least) {
+            least = distance;
             nearest = row.keywords[1];
         }
     }

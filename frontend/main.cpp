@@ -55,10 +55,11 @@ void print_help() {
 void explain_no_driver(int error) {
     fflush(stdout);
     fprintf(stderr,
-            "tarncmd: %s: %s; \"tarnlab tarncmd help\" shows the commands on a simulated host, "
+            "tarncmd: %s: %s%s; \"tarnlab tarncmd help\" shows the commands on a simulated host, "
             "\"man tarncmd\" explains them\n",
             KX_DEVICE_PATH,
-            error != 0 ? strerror(error) : "the HMX there is of another version than this tarncmd");
+            error != 0 ? strerror(error) : "the HMX there is of another version than this tarncmd",
+            error == EACCES ? " (try as root)" : "");
 }
 
 // The usual words to ask a program for help; no command has them.

@@ -148,6 +148,21 @@ std::string mdoc_words(const std::string &text) {
     return safe;
 }
 
+// What a shell may give after the typed keywords. A cookie and its number are for host processes.
+std::string shell_arguments(const command_row &row) {
+    const auto cookie = std::find(row.keywords.begin(), row.keywords.end(), "cookie");
+    std::string arguments =
+        joined(row.keywords, row.typed, static_cast<size_t>(cookie - row.keywords.begin()));
+    if (cookie == row.keywords.end()) {
+        arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
+    }
+    return arguments;
+}
+
+std::string shell_usage(const command_row &row) {
+    return joined(row.keywords, 0, row.typed) + " " + shell_arguments(row);
+}
+
 using command_rows = std::vector<const command_row *>;
 
 // The typed words of each row, once, as a sentence.
@@ -166,17 +181,13 @@ void write_typed(const char *lead, const command_rows &rows) {
 void write_mdoc() {
     const std::vector<command_section> sections = read_table();
     for (const command_section &section : sections) {
-        std::printf(".Ss %s\n.Bl -tag -width Ds -compact\n", section.title);
-        command_rows unbuilt;
+        std::printf(".Ss %s\n.Bl -tag -width 36n -compact\n", section.title);
         std::string before;
         for (const command_row &row : section.rows) {
             const bool repeated = before == joined(row.keywords);
             before = joined(row.keywords);
-            if (!row.built) {
-                unbuilt.push_back(&row);
-            } else if (!repeated && !row.help.empty()) {
-                std::string arguments = joined(row.keywords, row.typed);
-                arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
+            if (row.built && !repeated && !row.help.empty()) {
+                const std::string arguments = shell_arguments(row);
                 std::printf(".It Cm %s%s%s\n%s.\n",
                             mdoc_words(joined(row.keywords, 0, row.typed)).c_str(),
                             arguments.empty() ? "" : " Ar ", mdoc_words(arguments).c_str(),
@@ -184,7 +195,6 @@ void write_mdoc() {
             }
         }
         std::printf(".El\n");
-        write_typed("Not built in this version:", unbuilt);
     }
 
     command_rows doing;
@@ -194,8 +204,7 @@ void write_mdoc() {
             (row.built ? doing : unbuilt_doing).push_back(&row);
         }
     }
-    std::printf(
-        ".Ss Which commands change something\nAll set commands that are built do, at once.\n");
+    std::printf(".Ss Which commands change something\nThe set commands do, at once.\n");
     write_typed("Among the display commands these do more than show something:", doing);
     write_typed("And these would, but are not built in this version:", unbuilt_doing);
 }
@@ -330,7 +339,7 @@ void write_words() {
     words lines = {"+ help"};
     for (const command_section &section : read_table()) {
         for (const command_row &row : section.rows) {
-            for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
+            for (const sequence &way : usage_reader(shell_usage(row)).read()) {
                 lines.push_back((row.built ? "+" : "-") + line_of(way));
             }
         }
