@@ -1,68 +1,159 @@
 #include "capture/capture.h"
 
+#include "capture/differences.h"
+#include "capture/lines.h"
+#include "capture/memory.h"
+#include "dpa/userspace/kxdpa_indirect.h"
+#include "handlers/card/card_record.h"
+#include "sim/answer.h"
+
 #include <algorithm>
-#include <iterator>
+#include <ctime>
 
 namespace {
 
-struct part {
-    const char *key;
-    void (*capture)(host_capture &host);
-};
-
 constexpr const char *OVERRIDES = "overrides";
+constexpr const char *MANAGEMENT_ADDRESS = "management_address";
 
-// Parts that fill something in for others stand in front of them.
-constexpr part PARTS[] = {
-    {"card", capture_card},
-    {"heaps", capture_heaps},
-    {"memory_pools", capture_memory_pools},
-    {"asserts", capture_asserts},
-    {"vlans", capture_vlans},
-    {"bridge_domains", capture_bridge_domains},
-    {"ports", capture_ports},
-    {"private_vlans", capture_private_vlans},
-    {"port_channel_mode", capture_port_channel_mode},
-    {"port_channels", capture_port_channels},
-    {"l2", capture_l2},
-    {"acls", capture_acls},
-    {"lacp", capture_lacp},
-    {"traffic", capture_traffic},
-    {"stages", capture_stages},
-    {"drops", capture_drops},
-    {"multicast_drops", capture_multicast_drops},
-    {"flood_drops", capture_flood_drops},
-    {"management_address", capture_management_address},
-};
+std::string now_in_utc() {
+    const time_t now = std::time(nullptr);
+    tm parts{};
+    char text[] = "YYYY-MM-DDThh:mm:ssZ.....";
+    const size_t length =
+        std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", gmtime_r(&now, &parts));
+    return {text, length};
+}
 
-template <typename Part>
-void forget_unless(const std::set<std::string> &keys, const char *key, Part &described) {
-    if (!keys.contains(key)) {
-        described = {};
+// "show card" asks for these with the room that the text before has left, which may cut them.
+constexpr struct {
+    kxdpa_opcode opcode;
+    std::optional<std::string> card_state::*text;
+} CUT_TEXTS[] = {{KXDPA_OP_SWITCH_NAME, &card_state::switch_name},
+                 {KXDPA_OP_SWITCH_ALIAS, &card_state::switch_alias},
+                 {KXDPA_OP_SWITCH_UUID, &card_state::switch_uuid}};
+
+// The whole text is described where the driver cuts it as a described host does.
+void ask_whole_texts(const driver_memory &memory, host &described) {
+    const card_state shown = described.card;
+    for (const auto &[opcode, text] : CUT_TEXTS) {
+        char whole[KX_CARD_NAME_CAPACITY] = {};
+        uint32_t capacity = sizeof whole;
+        kx_dpa_get_variable(opcode, 0, whole, &capacity);
     }
+    for (const auto &[opcode, text] : CUT_TEXTS) {
+        if (!is_answered_alike(memory, described, opcode)) {
+            described.card.*text = shown.*text;
+        }
+    }
+}
+
+bool is_always_refused(const driver_memory &memory, kxdpa_opcode opcode) {
+    bool refused = false, told = false;
+    memory.each_row(
+        [&](const remembered_row &row) {
+            for (const remembered_step &step : row.steps) {
+                (step.told().status == KXDPA_STATUS_SUCCESS ? told : refused) = true;
+            }
+        },
+        opcode);
+    return refused && !told;
+}
+
+// The status that most opcodes refuse most with. An opcode that refuses all its many questions with
+// another one takes a single rule.
+uint32_t usual_refusal(const driver_memory &memory) {
+    const auto less = [](const auto &one, const auto &other) { return one.second < other.second; };
+    std::map<uint32_t, uint64_t> opcodes = {{HOST_STATUS_NOT_FOUND, 0}};
+    for (const refused_opcode &refused : memory.refused(true)) {
+        const std::map<uint32_t, uint64_t> counts = memory.refusals(refused.opcode);
+        if (!counts.empty()) {
+            opcodes[std::max_element(counts.begin(), counts.end(), less)->first]++;
+        }
+    }
+    const auto most = std::max_element(opcodes.begin(), opcodes.end(), less);
+    return most->second > opcodes[HOST_STATUS_NOT_FOUND] ? most->first : HOST_STATUS_NOT_FOUND;
+}
+
+// What is refused throughout is told as that, and not thing by thing.
+void settle(const driver_memory &memory, host &described) {
+    described.refusal_status = usual_refusal(memory);
+    if (is_always_refused(memory, KXDPA_OP_PORT_STATISTICS)) {
+        described.counters.traffic.clear();
+    }
+    if (is_always_refused(memory, KXDPA_OP_DROP_COUNTERS)) {
+        described.counters.drops.clear();
+    }
+    settle_drops(described, stranger_to(described));
+    settle_l2(described);
+}
+
+template <typename T> std::optional<std::vector<T>> unless_empty(std::vector<T> list) {
+    return list.empty() ? std::nullopt : std::optional(std::move(list));
 }
 
 } // namespace
 
-bool can_be_captured(const std::string &key) {
-    return key == OVERRIDES || std::any_of(std::begin(PARTS), std::end(PARTS),
-                                           [&](const part &known) { return key == known.key; });
+std::set<std::string> captured_keys() {
+    std::set<std::string> keys = displayed_keys();
+    keys.insert({OVERRIDES, MANAGEMENT_ADDRESS});
+    return keys;
 }
 
-void capture_host(host_capture &host, const std::set<std::string> &keys) {
-    host.exact = keys.empty() || keys.contains(OVERRIDES);
-    for (const part &asked : PARTS) {
-        if (keys.empty() || keys.contains(asked.key)) {
-            asked.capture(host);
-        }
+capture_outcome capture_host(const capture_request &asked, const std::string &version,
+                             host &described) {
+    const auto is_asked = [&](const char *key) {
+        return asked.keys.empty() || asked.keys.contains(key);
+    };
+    capture_note &note = described.capture.emplace();
+    note.version = version;
+    note.time = now_in_utc();
+    note.keys = unless_empty(std::vector<std::string>(asked.keys.begin(), asked.keys.end()));
+    driver_memory memory(described, asked.time_limit, asked.is_wanted, asked.shows_progress);
+    if (kx_dpa_api_init() != 0) {
+        return capture_outcome::NO_DRIVER;
     }
-    if (host.exact) {
-        host.captured.overrides = host.driver.overrides();
+    uint32_t domain = 0;
+    if (kx_dpa_get(KXDPA_OP_CARD_DOMAIN, 0, &domain) == KXDPA_STATUS_VERSION_MISMATCH) {
+        kx_dpa_api_exit();
+        return capture_outcome::WRONG_VERSION;
     }
-    // Parts that were asked for the sake of others are not asked for by name.
-    if (!keys.empty()) {
-        forget_unless(keys, "ports", host.captured.ports);
-        forget_unless(keys, "port_channels", host.captured.port_channels.by_ltl);
-        forget_unless(keys, "stages", host.captured.counters.stages);
+    run_displays(asked.keys, described, memory);
+    if (is_asked("card")) {
+        ask_whole_texts(memory, described);
     }
+    kx_dpa_api_exit();
+    if (!memory.was_told_anything()) {
+        return capture_outcome::REFUSED;
+    }
+    settle(memory, described);
+    if (is_asked(OVERRIDES)) {
+        described.overrides = differences(memory, described);
+    }
+    if (is_asked(MANAGEMENT_ADDRESS)) {
+        described.management_address = ask_management_address();
+    }
+    note.cut = unless_empty(memory.cut());
+    note.whole = !note.cut;
+    note.refused = unless_empty(memory.refused());
+    return capture_outcome::DONE;
+}
+
+std::vector<std::string> report_of(const capture_note &capture, bool by_opcode) {
+    std::vector<std::string> lines;
+    for (const std::string &why : capture.cut.value_or(std::vector<std::string>())) {
+        lines.push_back("not whole: " + why);
+    }
+    uint64_t sum = 0;
+    std::string opcodes;
+    for (const auto &[opcode, count] : capture.refused.value_or(std::vector<refused_opcode>())) {
+        sum += count;
+        opcodes += (opcodes.empty() ? ": " : ", ") + std::to_string(count) + " of opcode " +
+                   std::to_string(opcode);
+    }
+    if (sum != 0) {
+        lines.push_back(std::to_string(sum) +
+                        (sum == 1 ? " thing asked about does" : " things asked about do") +
+                        " not exist, which is usual" + (by_opcode ? opcodes : ""));
+    }
+    return lines;
 }

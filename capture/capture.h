@@ -1,18 +1,43 @@
-// A capture: which parts of a host there are, and asking for them.
+// A capture: the host behind this machine's driver, as a description from which every display
+// prints what it prints here.
 #ifndef CAPTURE_CAPTURE_H
 #define CAPTURE_CAPTURE_H
 
-#include "capture/host_capture.h"
+#include "host/host.h"
 
+#include <chrono>
 #include <set>
 #include <string>
+#include <vector>
 
-// True for a top-level key of the host file that a capture can fill.
-bool can_be_captured(const std::string &key);
+struct capture_request {
+    std::set<std::string> keys{};  // top-level keys of the host file; all when empty
+    bool (*is_wanted)() = nullptr; // asked now and then; false ends the capture
+    bool shows_progress = false;   // on standard error
+    std::chrono::seconds time_limit{600};
+};
 
-// Ask for the parts under the given top-level keys, all of them when there are none. Overrides are
-// among them only when all are asked for or the key is given; the answers are compared for them
-// then. The driver must have been opened.
-void capture_host(host_capture &host, const std::set<std::string> &keys);
+enum class capture_outcome {
+    DONE,          // whole or not, which the description says
+    NO_DRIVER,     // the device cannot be opened
+    WRONG_VERSION, // the driver refuses this tool's version
+    REFUSED,       // and everything else
+};
+
+// The top-level keys of the host file that a capture can fill.
+std::set<std::string> captured_keys();
+
+// Ask for what these keys are about, and for what no key can say when all are asked for or
+// "overrides" is. The description may hold more than was asked for. `version` is the program's.
+capture_outcome capture_host(const capture_request &asked, const std::string &version,
+                             host &described);
+
+// The lines about it for standard error: what was cut, and how much was refused, by opcode when
+// that is asked for.
+std::vector<std::string> report_of(const capture_note &capture, bool by_opcode);
+
+// The host's own management address, which no driver tells: what its program says, asked as the
+// tool asks it; none on a host without the program.
+std::optional<std::string> ask_management_address();
 
 #endif

@@ -1,6 +1,5 @@
-#include "capture/management_address.h"
+#include "capture/capture.h"
 
-#include "capture/host_capture.h"
 #include "dpa/command/management_ip.h"
 
 #include <cstdlib>
@@ -36,9 +35,4 @@ std::optional<std::string> ask_management_address() {
     char address[KX_MANAGEMENT_IP_SIZE];
     kx_dpa_platform_read_management_ip(address);
     return address;
-}
-
-void capture_management_address(host_capture &host) {
-    host.driver.begin("the management address");
-    host.captured.management_address = ask_management_address();
 }

@@ -48,29 +48,49 @@ mode_t mode_of_new_file() {
     return 0666 & ~mask;
 }
 
+// Without the name in it; empty, or with a slash at its end.
+std::string folder_of(const std::string &path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+// What a symbolic link names, which need not be there.
+std::string end_of_links(std::string path) {
+    constexpr int MOST_LINKS = 40; // as the kernel follows
+    char named[PATH_MAX];
+    for (int i = 0; i < MOST_LINKS; i++) {
+        const ssize_t length = readlink(path.c_str(), named, sizeof named);
+        if (length <= 0) {
+            break;
+        }
+        const std::string next(named, static_cast<size_t>(length));
+        path = next.front() == '/' ? next : folder_of(path) + next;
+    }
+    return path;
+}
+
 bool find_destination(const std::string &path, destination &to) {
     to.target = path;
     to.mode = mode_of_new_file();
     struct stat present {};
-    if (stat(path.c_str(), &present) != 0) {
-        return errno == ENOENT;
+    if (stat(path.c_str(), &present) == 0) {
+        to.replaced = S_ISREG(present.st_mode);
+        to.mode = present.st_mode & 07777;
+    } else if (errno != ENOENT) {
+        return false;
     }
-    to.replaced = S_ISREG(present.st_mode);
-    to.mode = present.st_mode & 07777;
-    char resolved[PATH_MAX];
-    if (to.replaced && realpath(path.c_str(), resolved) != nullptr) {
-        to.target = resolved;
+    if (S_ISDIR(present.st_mode)) {
+        errno = EISDIR;
+        return false;
+    }
+    if (to.replaced) {
+        to.target = end_of_links(path);
     }
     return true;
 }
 
-std::string folder_of(const std::string &path) {
-    return path.substr(0, path.rfind('/') + 1) + ".";
-}
-
 // A name in the target's folder. The target's own may already be as long as a name can be.
 std::string name_beside(const destination &to, const std::string &ending) {
-    return folder_of(to.target) + "/.tarncap-" + ending;
+    return folder_of(to.target) + ".tarncap-" + ending;
 }
 
 // Returns false, with errno as it is.
@@ -106,7 +126,7 @@ bool write_as_it_is(const destination &to, std::string_view text) {
 
 // A file without a name is gone when its process is. -1 where the file system has none.
 int open_nameless(const destination &to) {
-    return open(folder_of(to.target).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    return open((folder_of(to.target) + ".").c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
 }
 
 bool put_in_place(int file, const destination &to) {

@@ -1,18 +1,20 @@
 // tarncap: this host, or one command on it, as a host file.
 #include "capture/capture.h"
 #include "capture/output_file.h"
-#include "capture/record/recorder.h"
-#include "capture/record/recording.h"
-#include "dpa/userspace/kxdpa_indirect.h"
+#include "capture/recorder.h"
 #include "host/host_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <numeric>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <getopt.h>
@@ -25,9 +27,13 @@ namespace {
 
 constexpr int EXIT_CANNOT = 1;
 constexpr int EXIT_USAGE = 2;
+constexpr int EXIT_NOT_WHOLE = 3;
+
+constexpr const char *TOO_LARGE = "the host file would be larger than tarnlab takes (64 MiB)";
+static_assert(HOST_FILE_LIMIT == size_t{64} << 20);
 
 constexpr const char *HELP =
-    "Usage: tarncap [-o FILE] [KEY...]\n"
+    "Usage: tarncap [-o FILE] [--full] [--verbose] [KEY...]\n"
     "       tarncap --record FILE COMMAND [WORDS...]\n"
     "\n"
     "Asks the driver of this host what the display commands of tarncmd ask it, changes nothing, and\n"
@@ -35,19 +41,26 @@ constexpr const char *HELP =
     "\n"
     "  KEY                       only these keys of the host file, and only the requests for them\n"
     "  -o FILE, --output FILE    write FILE, whole or not at all, instead of standard output\n"
+    "  --full                    write what is left out otherwise, too: keys with their defaults\n"
+    "  --verbose                 tell by opcode on standard error what was refused\n"
     "  --record FILE             run one tarncmd command line, whatever it does, and keep every\n"
     "                            request with its exact answer in FILE\n"
     "  --version                 print the version\n"
     "  --help                    print this text\n"
     "\n"
     "What the driver refuses is left out and counted on standard error. The exit value is 0, or 1\n"
-    "when the driver cannot be asked or the output not be written, and 2 when the arguments are\n"
-    "wrong. With --record it is that of the command.\n";
+    "when the driver cannot be asked or the output not be written, 2 when the arguments are wrong,\n"
+    "and 3 when the capture is not whole, which the file says, too. With --record it is that of the\n"
+    "command.\n"
+    "\n"
+    "The KEYs:\n";
 
 struct options {
     std::string output; // empty for standard output
     std::string record; // empty for a capture
     std::set<std::string> keys;
+    bool full = false;        // defaults are written, too
+    bool verbose = false;     // refusals are told by opcode
     char **command = nullptr; // of a recording
 };
 
@@ -56,24 +69,66 @@ bool complain(const std::string &line) {
     return false;
 }
 
+void print_help() {
+    std::fputs(HELP, stdout);
+    constexpr size_t WIDTH = 96;
+    std::string line = " ";
+    for (const std::string &key : captured_keys()) {
+        if (line.size() + 1 + key.size() > WIDTH) {
+            std::puts(line.c_str());
+            line = " ";
+        }
+        line += " " + key;
+    }
+    std::puts(line.c_str());
+}
+
+// How many characters have to be put in, left out or replaced.
+size_t typing_errors(const std::string &typed, const std::string &meant) {
+    std::vector<size_t> row(meant.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (size_t i = 0; i < typed.size(); i++) {
+        size_t diagonal = std::exchange(row[0], i + 1);
+        for (size_t j = 0; j < meant.size(); j++) {
+            const size_t replaced = diagonal + (typed[i] == meant[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+bool complain_of_key(const std::string &typed) {
+    size_t least = 3; // so many errors make another word
+    std::string meant;
+    for (const std::string &key : captured_keys()) {
+        const size_t errors = typing_errors(typed, key);
+        if (errors < std::min(least, key.size())) {
+            least = errors;
+            meant = key;
+        }
+    }
+    const std::string hint = meant.empty() ? "" : "; did you mean \"" + meant + "\"?";
+    return complain("no key \"" + typed + "\" can be captured" + hint + (hint.empty() ? ";" : "") +
+                    " tarncap --help lists them");
+}
+
 // One argument that is no option: a key, or the first word of the command to record.
 bool read_word(char **word, options &into) {
     if (!into.record.empty()) {
         into.command = word;
         return true;
     }
-    if (!can_be_captured(*word)) {
-        return complain(std::string("no key \"") + *word +
-                        "\" can be captured; see tarncap --help");
-    }
     into.keys.insert(*word);
-    return true;
+    return captured_keys().contains(*word) || complain_of_key(*word);
 }
 
 // Returns false when the program is to end with `exit_value`.
 bool read_options(int argc, char **argv, options &into, int &exit_value) {
     static const option known[] = {{"output", required_argument, nullptr, 'o'},
                                    {"record", required_argument, nullptr, 'r'},
+                                   {"full", no_argument, nullptr, 'f'},
+                                   {"verbose", no_argument, nullptr, 'V'},
                                    {"version", no_argument, nullptr, 'v'},
                                    {"help", no_argument, nullptr, 'h'},
                                    {nullptr, 0, nullptr, 0}};
@@ -90,17 +145,24 @@ bool read_options(int argc, char **argv, options &into, int &exit_value) {
             }
             break;
         case 'o':
-            into.output = optarg;
-            break;
         case 'r':
-            into.record = optarg;
+            if (*optarg == '\0') {
+                return complain("the name of the FILE is empty; see tarncap --help");
+            }
+            (letter == 'o' ? into.output : into.record) = optarg;
+            break;
+        case 'f':
+            into.full = true;
+            break;
+        case 'V':
+            into.verbose = true;
             break;
         case 'v':
             std::puts("tarncap " TARN_VERSION);
             exit_value = 0;
             return false;
         case 'h':
-            std::fputs(HELP, stdout);
+            print_help();
             exit_value = 0;
             return false;
         case ':':
@@ -125,7 +187,7 @@ bool check_options(const options &given) {
     if (given.command == nullptr) {
         return complain("--record needs a command; see tarncap --help");
     }
-    if (!given.output.empty() || !given.keys.empty()) {
+    if (!given.output.empty() || !given.keys.empty() || given.full || given.verbose) {
         return complain("--record goes with no other option and no KEY; see tarncap --help");
     }
     return true;
@@ -142,13 +204,17 @@ void note_interrupt(int number) {
 
 // Returns false after a complaint.
 bool save_recording() {
-    const std::vector<recorded_request> requests = recorder_stop();
-    if (requests.empty()) {
+    bool too_large = false;
+    const std::optional<host> recorded = recorder_stop(&too_large);
+    const std::string text = recorded ? write_host(*recorded) : "";
+    if (too_large || text.size() > HOST_FILE_LIMIT) {
+        return complain(recording_file + ": not written: " + TOO_LARGE);
+    }
+    if (!recorded) {
         return complain(recording_file + ": not written: the driver was asked nothing");
     }
     std::string error;
-    return write_output_file(recording_file, write_host(recorded_host(requests)), error) ||
-           complain(error);
+    return write_output_file(recording_file, text, error) || complain(error);
 }
 
 // Who interrupts a command that does not end wants the recording all the more.
@@ -187,21 +253,6 @@ int record(const options &given, int count) {
 
 // --- A capture ---
 
-bool open_driver() {
-    if (kx_dpa_api_init() != 0) {
-        std::fputs("Error initializing kx_dpa_api_init()\n", stderr);
-        return false;
-    }
-    uint32_t domain = 0;
-    if (kx_dpa_get(KXDPA_OP_CARD_DOMAIN, 0, &domain) == KXDPA_STATUS_VERSION_MISMATCH) {
-        std::fputs("Cannot execute tarncmd: tarncmd utility version does not match the running "
-                   "HMX version.\n",
-                   stderr);
-        return false;
-    }
-    return true;
-}
-
 // Whether somebody reads standard output: a pipe says by POLLERR that nobody does, a socket by
 // POLLHUP.
 bool is_read() {
@@ -227,23 +278,42 @@ int capture(const options &given) {
         complain(error);
         return EXIT_CANNOT;
     }
-    if (!open_driver()) {
+    host described;
+    const capture_request asked = {.keys = given.keys,
+                                   .is_wanted = given.output.empty() ? is_read : nullptr,
+                                   .shows_progress = isatty(STDERR_FILENO) != 0};
+    switch (capture_host(asked, TARN_VERSION, described)) {
+    case capture_outcome::NO_DRIVER:
+        std::fputs("Error initializing kx_dpa_api_init()\n", stderr);
         return EXIT_CANNOT;
+    case capture_outcome::WRONG_VERSION:
+        std::fputs("Cannot execute tarncmd: tarncmd utility version does not match the running "
+                   "HMX version.\n",
+                   stderr);
+        return EXIT_CANNOT;
+    case capture_outcome::REFUSED:
+        complain(
+            "nothing is written: the driver refuses everything; see with \"tarncmd show card\" "
+            "whether the HMX runs, and ask again");
+        return EXIT_CANNOT;
+    case capture_outcome::DONE:
+        break;
     }
-    host_capture host;
-    host.driver = inquiry(isatty(STDERR_FILENO) != 0, given.output.empty() ? is_read : nullptr);
-    capture_host(host, given.keys);
-    kx_dpa_api_exit();
-    host.driver.end_progress();
-    const std::string text = write_host(host.captured);
-    const bool written = write_output(given.output, text);
-    if (text.size() > HOST_FILE_LIMIT) {
-        complain("the host file is too large to be read again");
+    write_options options = {.full = given.full, .keys = given.keys};
+    if (!options.keys.empty()) {
+        options.keys.insert({"capture", "refusal_status"});
     }
-    for (const std::string &line : host.driver.reports()) {
+    const std::string text = write_host(described, options);
+    bool written = text.size() <= HOST_FILE_LIMIT;
+    if (written) {
+        written = write_output(given.output, text);
+    } else {
+        complain(std::string("not written: ") + TOO_LARGE + "; ask for some keys of it");
+    }
+    for (const std::string &line : report_of(*described.capture, given.verbose)) {
         complain(line);
     }
-    return written ? 0 : EXIT_CANNOT;
+    return !written ? EXIT_CANNOT : described.capture->whole ? 0 : EXIT_NOT_WHOLE;
 }
 
 } // namespace

@@ -85,6 +85,8 @@ template <typename T> key_value say(const T &field) {
         value.number = static_cast<uint64_t>(field);
     } else if constexpr (std::is_same_v<T, number_set>) {
         value.numbers.assign(field.begin(), field.end());
+    } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
+        value.texts = field;
     } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
         // Numbers that are not used stand as zeros behind the others.
         auto end = std::end(field);
@@ -127,6 +129,8 @@ template <typename T> void assign(T &field, const key_value &value) {
         field = static_cast<T>(value.number);
     } else if constexpr (std::is_same_v<T, number_set>) {
         field = {value.numbers.begin(), value.numbers.end()};
+    } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
+        field = value.texts;
     } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
         std::fill(std::begin(field), std::end(field), 0U);
         std::copy_n(value.numbers.begin(), std::min(value.numbers.size(), std::size(field)), field);
@@ -157,7 +161,7 @@ template <typename T> constexpr uint64_t most_of() {
 template <auto... path> key_value get_at_path(const void *object) {
     const auto *field = look_along<path...>(object);
     if (field == nullptr) {
-        return {.is = key_value::state::out_of_place, .number = 0, .bytes = {}, .numbers = {}};
+        return {.is = key_value::state::out_of_place};
     }
     return say(*field);
 }
@@ -260,7 +264,7 @@ template <typename T> bool set_whole(void *object, const key_value &value) {
 template <auto member, auto... path> key_value get_head(const void *object) {
     const auto &record = *look_along<path...>(object);
     if (!record) {
-        return {.is = key_value::state::refused, .number = 0, .bytes = {}, .numbers = {}};
+        return {.is = key_value::state::refused};
     }
     return say((*record).*member);
 }
@@ -388,10 +392,10 @@ template <typename T> std::shared_ptr<void> make_object(size_t /*place*/) {
     return made;
 }
 
-// The rows.
+// The rows: number_key("name", at<...>, "its meaning"), and what is special about it behind that.
 
-constexpr key value_key(key_type type, const char *name, const key_access &access,
-                        const char *meaning) {
+template <key_type type>
+constexpr key plain_key(const char *name, const key_access &access, const char *meaning) {
     return {.name = name,
             .type = type,
             .meaning = meaning,
@@ -400,78 +404,50 @@ constexpr key value_key(key_type type, const char *name, const key_access &acces
             .refusable = access.can_lack};
 }
 
-constexpr key number_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::number, name, access, meaning);
-}
+inline constexpr auto *number_key = plain_key<key_type::number>;
+inline constexpr auto *flag_key = plain_key<key_type::flag>;
+inline constexpr auto *texts_key = plain_key<key_type::texts>;
+inline constexpr auto *hex_key = plain_key<key_type::hex>;
+inline constexpr auto *mac_key = plain_key<key_type::mac>;
+inline constexpr auto *ipv4_key = plain_key<key_type::ipv4>;
+inline constexpr auto *ipv6_key = plain_key<key_type::ipv6>;
+inline constexpr auto *interface_key = plain_key<key_type::interface>;
+inline constexpr auto *numbers_key = plain_key<key_type::numbers>;
+inline constexpr auto *counters_key = plain_key<key_type::counters>;
 
-constexpr key flag_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::flag, name, access, meaning);
+// `most` bytes; 0 for as many as the field takes.
+constexpr key text_key(const char *name, const key_access &access, uint64_t most,
+                       const char *meaning) {
+    const key made = plain_key<key_type::text>(name, access, meaning);
+    return most == 0 ? made : made.to(most);
 }
 
 constexpr key word_key(const char *name, const key_access &access, std::span<const key_word> words,
-                       const char *meaning) {
-    key made = value_key(key_type::word, name, access, meaning);
+                       const char *meaning, key_type type = key_type::word) {
+    key made = plain_key<key_type::word>(name, access, meaning);
+    made.type = type;
     made.words = words;
     return made;
 }
 
 constexpr key words_key(const char *name, const key_access &access, std::span<const key_word> words,
                         const char *meaning) {
-    key made = value_key(key_type::words, name, access, meaning);
-    made.words = words;
-    return made;
+    return word_key(name, access, words, meaning, key_type::words);
 }
 
-// `most` bytes; 0 for as many as the field takes.
-constexpr key text_key(const char *name, const key_access &access, uint64_t most,
-                       const char *meaning) {
-    const key made = value_key(key_type::text, name, access, meaning);
-    return most == 0 ? made : made.to(most);
-}
-
-constexpr key hex_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::hex, name, access, meaning);
-}
-
-constexpr key mac_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::mac, name, access, meaning);
-}
-
-constexpr key ipv4_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::ipv4, name, access, meaning);
-}
-
-constexpr key ipv6_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::ipv6, name, access, meaning);
-}
-
-constexpr key interface_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::interface, name, access, meaning);
-}
-
-constexpr key numbers_key(const char *name, const key_access &access, const char *meaning) {
-    return value_key(key_type::numbers, name, access, meaning);
-}
-
-constexpr key object_key(const char *name, const key_access &access, const key_table &table,
-                         const char *meaning) {
-    key made = value_key(key_type::object, name, access, meaning);
+template <key_type type>
+constexpr key key_with_table(const char *name, const key_access &access, const key_table &table,
+                             const char *meaning) {
+    key made = plain_key<type>(name, access, meaning);
     made.table = &table;
     return made;
 }
 
-constexpr key list_key(const char *name, const key_access &access, const key_table &table,
-                       const char *meaning) {
-    key made = value_key(key_type::list, name, access, meaning);
-    made.table = &table;
-    return made;
-}
+inline constexpr auto *object_key = key_with_table<key_type::object>;
+inline constexpr auto *list_key = key_with_table<key_type::list>;
 
 constexpr key included_keys(const key_table &table, const key_access &access) {
-    key made = value_key(key_type::included, "", access, "");
-    made.table = &table;
-    made.refusable = false;
-    return made;
+    return key_with_table<key_type::included>("", access, table, "").or_else(nullptr);
 }
 
 #endif

@@ -8,15 +8,9 @@
 #include <optional>
 #include <vector>
 
+// The record stands without gaps in the driver's list, here it is aligned.
 struct access_list {
-    uint32_t id = 0;
-    uint32_t references = 0; // policies that use the list
-    uint32_t rules = 0;
-    uint8_t type = KX_ACL_IPV4;                      // kx_acl_type
-    uint8_t statistics = KX_ACL_STATISTICS_DISABLED; // kx_acl_statistics_state
-    uint16_t statistics_id = 0;
-    uint32_t permitted = 0, denied = 0, unmatched = 0; // packets
-    char name[sizeof kx_acl_record::name] = {};        // NUL-terminated unless it fills the field
+    alignas(uint32_t) kx_acl_record record{};
 };
 
 struct acl_table {

@@ -12,7 +12,6 @@ struct agent_answer {
     uint16_t opcode = 0;
     std::optional<uint32_t> argument; // any when absent
     uint32_t only_time = 0;           // the n-th matching request from 1, 0 for each of them
-    uint32_t seen = 0;                // matching requests so far
     uint32_t status = 0;              // of the answer; with any but 0 the buffers come back as sent
     std::vector<uint8_t> reply;       // cut or filled up with zeros to the caller's room
     uint32_t delay = 0;               // milliseconds before the answer

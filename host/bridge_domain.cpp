@@ -21,13 +21,20 @@ kx_bd_record &record_of(void *object) {
     return static_cast<bridge_domain *>(object)->record;
 }
 
+// The software number follows the VLAN, unless it is given, too.
+bool set_vlan_and_swbd(void *object, const key_value &value) {
+    record_of(object).swbd = record_of(object).vlan = static_cast<uint16_t>(value.number);
+    return true;
+}
+
+constexpr key_access DOMAIN_VLAN = {
+    .get = IN_DOMAIN<&kx_bd_record::vlan>.get, .set = set_vlan_and_swbd, .most = KX_LAST_VLAN};
+
 key_value get_segment(const void *object) {
     const kx_bd_record &record = static_cast<const bridge_domain *>(object)->record;
-    key_value value;
     const bool is_segment = record.kind == KX_BD_KIND_SEGMENT || record.segment_id != 0;
-    value.is = is_segment ? key_value::state::told : key_value::state::refused;
-    value.number = record.segment_id;
-    return value;
+    return {.is = is_segment ? key_value::state::told : key_value::state::refused,
+            .number = record.segment_id};
 }
 
 bool set_segment(void *object, const key_value &value) {
@@ -39,10 +46,6 @@ bool set_segment(void *object, const key_value &value) {
 constexpr key_access SEGMENT = {
     .get = get_segment, .set = set_segment, .most = UINT32_MAX, .can_lack = true};
 
-void follow_vlan(void *object) {
-    record_of(object).swbd = record_of(object).vlan;
-}
-
 constexpr key GROUP_ROWS[] = {
     ipv4_key("group", whole<uint32_t>, "the group's address").once(),
 };
@@ -53,7 +56,7 @@ constexpr key_table GROUP_KEYS = {"multicast_group", "A multicast group", GROUP_
 constexpr key OWN_ROWS[] = {
     flag_key("known", at<&bridge_domain::known>,
              "false for one that is listed but cannot be asked for"),
-    number_key("vlan", IN_DOMAIN<&kx_bd_record::vlan>, "the VLAN").to(KX_LAST_VLAN).in("VLAN"),
+    number_key("vlan", DOMAIN_VLAN, "the VLAN").in("VLAN"),
     number_key("vdc", IN_DOMAIN<&kx_bd_record::vdc>, "virtual device context of the VLAN"),
     text_key("name", IN_DOMAIN<&kx_bd_record::name>, 0, "the bridge domain's name"),
     number_key("segment", SEGMENT, "segment ID; makes it a segment").or_else("none").in("segment"),
@@ -64,7 +67,7 @@ constexpr key OWN_ROWS[] = {
              "the segment is carried natively, else in VXLAN"),
     flag_key("proxy", IN_DOMAIN<&kx_bd_record::vff_mode>, "forwarded by proxy, else anycast"),
     number_key("swbd", IN_DOMAIN<&kx_bd_record::swbd>, "software bridge-domain number")
-        .follows(follow_vlan, "the VLAN"),
+        .or_else("the VLAN"),
     number_key("designated_receiver", IN_DOMAIN<&kx_bd_record::dr_ltl>,
                "the port that receives floods")
         .in("LTL"),
@@ -85,11 +88,18 @@ constexpr key OWN_ROWS[] = {
 
 constexpr key_table OWN_KEYS = {"", "", OWN_ROWS, nullptr};
 
+// The record names itself, too.
+bool set_index(void *object, const key_value &value) {
+    auto *entry = static_cast<domain_entry *>(object);
+    entry->key = entry->value.record.index = static_cast<uint32_t>(value.number);
+    return true;
+}
+
+constexpr key_access INDEX = {
+    .get = at<&domain_entry::key>.get, .set = set_index, .most = UINT32_MAX};
+
 constexpr key BRIDGE_DOMAIN_ROWS[] = {
-    number_key("index", at<&domain_entry::key>, "the bridge domain's number")
-        .from(1)
-        .once()
-        .in("bridge domain"),
+    number_key("index", INDEX, "the bridge domain's number").from(1).once().in("bridge domain"),
     included_keys(OWN_KEYS, part<&domain_entry::value>),
 };
 

@@ -104,7 +104,9 @@ constexpr key KEYS[] = {
              "control traffic is multicast"),
     number_key("heartbeat", at<&card_state::heartbeat>,
                "1 with a heartbeat from the KRT, 0 for a headless card"),
-    number_key("krt_uptime", at<&card_state::krt_uptime>, "since the KRT started").in("seconds"),
+    number_key("krt_uptime", head_of<&kx_krt_uptime::seconds, &card_state::krt_uptime>,
+               "since the KRT started")
+        .in("seconds"),
     flag_key("dpa_up", at<&card_state::dpa_up>, "the user-space agent is up"),
     number_key("processors", head_of<&kx_card_processors::processors, &card_state::processors>,
                "logical processors; null for all about processors"),

@@ -45,7 +45,7 @@ struct card_state {
     std::optional<ipv6_address> management_ipv6{ipv6_address{}};
     card_macs macs;
     card_versions versions;
-    std::optional<uint32_t> krt_uptime = 0; // seconds
+    std::optional<kx_krt_uptime> krt_uptime{kx_krt_uptime{}};
     std::optional<uint32_t> upgrade = 0;
     std::optional<uint32_t> physical_ports = 0, virtual_ports = 0; // most of each
     std::optional<uint32_t> control_vlan = 0, packet_vlan = 0;

@@ -30,10 +30,9 @@ constexpr key TRAFFIC_ROWS[] = {
 
 key_value get_drops(const void *object, uint32_t stage) {
     const kx_stage_drops &at_stage = static_cast<const kx_drop_counters *>(object)->stages[stage];
-    key_value value;
-    value.is = at_stage.valid != 0 ? key_value::state::told : key_value::state::refused;
-    value.number = at_stage.valid != 0 ? at_stage.drops : 0;
-    return value;
+    const bool used = at_stage.valid != 0;
+    return {.is = used ? key_value::state::told : key_value::state::refused,
+            .number = used ? at_stage.drops : 0};
 }
 
 bool set_drops(void *object, uint32_t stage, uint64_t number) {
@@ -44,9 +43,8 @@ bool set_drops(void *object, uint32_t stage, uint64_t number) {
 }
 
 constexpr key STAGE_DROP_ROWS[] = {
-    value_key(key_type::counters, "",
-              {.most = UINT32_MAX, .get_at = get_drops, .set_at = set_drops},
-              "drops at the stage of that place in `stages`")
+    counters_key("", {.most = UINT32_MAX, .get_at = get_drops, .set_at = set_drops},
+                 "drops at the stage of that place in `stages`")
         .or_else("unused")
         .in("packets")
         .up_to(KX_STAGES),

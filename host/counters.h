@@ -20,6 +20,7 @@ struct counter_table {
     std::optional<kx_drop_counters> multicast_drops;
     std::optional<kx_drop_counters> flood_drops;
     std::vector<kx_stage_descriptor> stages; // by index
+    bool drops_of_ports_alone = false; // those of any other LTL but an internal one are refused
 };
 
 #endif

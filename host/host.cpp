@@ -15,6 +15,12 @@ constexpr key_word PORT_CHANNEL_MODES[] = {{"none", KX_PC_MODE_NONE},
                                            {"mac-pinning", KX_PC_MODE_MAC_PINNING}};
 
 constexpr key HOST_ROWS[] = {
+    object_key("capture", part<&host::capture>, CAPTURE_KEYS,
+               "what a capture says of itself; it takes no part in comparisons")
+        .or_else("described by hand"),
+    number_key("refusal_status", at<&host::refusal_status>,
+               "what the driver refuses with, and ends walks with")
+        .from(1),
     object_key("card", part<&host::card>, CARD_KEYS, "the card's global state"),
     list_key("heaps", items_of<&host::memory, &memory_state::heaps>, HEAP_KEYS,
              "the DPA's heaps, in the order of the walk"),
@@ -46,6 +52,9 @@ constexpr key HOST_ROWS[] = {
         .up_to(UINT8_MAX + 1),
     list_key("drops", items_of<&host::counters, &counter_table::drops>, DROP_KEYS,
              "drops of ports; one that is not listed has 0 at every stage that is present"),
+    flag_key("drops_of_ports_alone", at<&host::counters, &counter_table::drops_of_ports_alone>,
+             "those of an LTL that is neither listed, a port nor internal are refused, else they "
+             "are 0, too"),
     object_key("multicast_drops", part<&host::counters, &counter_table::multicast_drops>,
                STAGE_DROP_KEYS, "drops of multicast")
         .or_else("refused"),

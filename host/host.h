@@ -5,6 +5,7 @@
 #include "host/acl.h"
 #include "host/agent.h"
 #include "host/bridge_domain.h"
+#include "host/capture_note.h"
 #include "host/card.h"
 #include "host/counters.h"
 #include "host/l2.h"
@@ -20,10 +21,13 @@
 #include <string>
 #include <vector>
 
-// What a described host answers for something that it leaves out, and at the end of a walk.
+// What a described host answers for something that it leaves out, and at the end of a walk, unless
+// it says otherwise.
 constexpr uint32_t HOST_STATUS_NOT_FOUND = 61;
 
 struct host {
+    std::optional<capture_note> capture; // of a captured host
+    uint32_t refusal_status = HOST_STATUS_NOT_FOUND;
     card_state card;
     memory_state memory;
     bridge_domain_table bridge_domains;

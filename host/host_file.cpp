@@ -3,7 +3,6 @@
 #include "host/json_tree.h"
 #include "host/keys.h"
 #include "host/reader.h"
-#include "host/writer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -77,9 +76,11 @@ bool load_host(const std::string &path, host &into, std::string &error) {
     return read_host_file(path, text, error) && parse_host(text, path, into, error);
 }
 
-std::string write_host(const host &described, std::vector<std::string> *unsaid) {
+std::string write_host(const host &described, const write_options &options,
+                       std::vector<std::string> *unsaid) {
     std::vector<std::string> unread;
-    std::string text = object_text(HOST_KEYS, &described, unsaid == nullptr ? unread : *unsaid);
+    std::string text =
+        object_text(HOST_KEYS, &described, options, unsaid == nullptr ? unread : *unsaid);
     text += '\n';
     return text;
 }

@@ -3,6 +3,7 @@
 #define HOST_HOST_FILE_H
 
 #include "host/host.h"
+#include "host/writer.h"
 
 #include <cstddef>
 #include <string>
@@ -27,8 +28,9 @@ bool read_host_file(const std::string &path, std::string &text, std::string &err
 bool load_host(const std::string &path, host &into, std::string &error);
 
 // The host's one description, with a newline at its end: keys in the order of the tables, defaults
-// left out. parse_host takes it back, but for values that no key can say: these are left out too,
-// and their paths are added to `unsaid` when there is one.
-std::string write_host(const host &described, std::vector<std::string> *unsaid = nullptr);
+// left out unless all is wanted. parse_host takes it back, but for values that no key can say:
+// these are left out too, and their paths are added to `unsaid` when there is one.
+std::string write_host(const host &described, const write_options &options = {},
+                       std::vector<std::string> *unsaid = nullptr);
 
 #endif

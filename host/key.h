@@ -16,12 +16,14 @@
 #include <string>
 #include <vector>
 
+// What the values of each type are like stands in value.h, a row a type.
 enum class key_type {
     number,    // a number, or a text with one in C notation
     flag,      // true or false; a driver may say more than 1, which stays a number
     word,      // one of some words; what has no word stays a number
     words,     // a list of words, each for a bit or more; bits without a word stay a number
     text,      // bytes without NUL, see text.h
+    texts,     // a list of such texts
     hex,       // bytes in hexadecimal, see hex.h
     mac,       // "00:50:56:aa:bb:cc"
     ipv4,      // "10.1.2.3"
@@ -33,6 +35,7 @@ enum class key_type {
     list,      // a list of objects of another table
     included,  // no key: the keys of another table stand here
 };
+constexpr size_t KEY_TYPES = static_cast<size_t>(key_type::included) + 1;
 
 struct key_word {
     const char *name;
@@ -40,7 +43,8 @@ struct key_word {
 };
 
 // What a key says. Which member holds it goes by the type: bytes for texts, hex, MAC and IPv6
-// addresses; numbers for lists; number for all others, IPv4 addresses in network byte order.
+// addresses; numbers and texts for lists; number for all others, IPv4 addresses in network byte
+// order.
 struct key_value {
     enum class state {
         told,
@@ -49,8 +53,9 @@ struct key_value {
     };
     state is = state::told;
     uint64_t number = 0;
-    std::string bytes;
-    std::vector<uint32_t> numbers;
+    std::string bytes{};
+    std::vector<uint32_t> numbers{};
+    std::vector<std::string> texts{};
 
     bool operator==(const key_value &) const = default;
 };
@@ -97,8 +102,6 @@ struct key {
     bool unique = false;    // no two items of a list agree in all their unique keys
     bool always = false;    // written even when it is the default
     bool refusable = false; // null says that the driver refuses it
-    // What the keys before say about this one, done whether or not it is given.
-    void (*prepare)(void *object) = nullptr;
 
     // Rows are written as the plain key and what is special about it.
     constexpr key in(const char *what) const {
@@ -142,13 +145,6 @@ struct key {
         key changed = *this;
         changed.otherwise = words_for_it;
         changed.refusable = false;
-        return changed;
-    }
-    // The default follows from the keys before.
-    constexpr key follows(void (*how)(void *object), const char *words_for_it) const {
-        key changed = *this;
-        changed.prepare = how;
-        changed.otherwise = words_for_it;
         return changed;
     }
 };

@@ -7,16 +7,14 @@ namespace {
 using table_entry = keyed<decltype(l2_state::tables)>;
 
 key_value get_pvlan(const void *object) {
-    const auto *entry = static_cast<const l2_entry *>(object);
-    key_value value;
+    const auto *entry = static_cast<const kx_l2_entry *>(object);
     const bool given = (entry->flags & KX_L2_PVLAN) != 0;
-    value.is = given ? key_value::state::told : key_value::state::refused;
-    value.number = given ? entry->pvlan : 0;
-    return value;
+    return {.is = given ? key_value::state::told : key_value::state::refused,
+            .number = given ? entry->pvlan : 0};
 }
 
 bool set_pvlan(void *object, const key_value &value) {
-    auto *entry = static_cast<l2_entry *>(object);
+    auto *entry = static_cast<kx_l2_entry *>(object);
     entry->flags |= KX_L2_PVLAN;
     entry->pvlan = static_cast<uint32_t>(value.number);
     return true;
@@ -25,34 +23,50 @@ bool set_pvlan(void *object, const key_value &value) {
 constexpr key_access PVLAN = {
     .get = get_pvlan, .set = set_pvlan, .most = UINT32_MAX, .can_lack = true};
 
-template <auto bit> constexpr key_access FLAG = bit_of<bit, &l2_entry::flags>;
+key_value get_age(const void *object) {
+    const auto *entry = static_cast<const kx_l2_entry *>(object);
+    return {.number = entry->now - entry->seen_time};
+}
+
+bool set_age(void *object, const key_value &value) {
+    auto *entry = static_cast<kx_l2_entry *>(object);
+    entry->seen_time = entry->now - static_cast<uint32_t>(value.number);
+    return true;
+}
+
+constexpr key_access AGE = {.get = get_age, .set = set_age, .most = UINT32_MAX};
+
+template <auto bit> constexpr key_access FLAG = bit_of<bit, &kx_l2_entry::flags>;
 
 constexpr key ENTRY_ROWS[] = {
-    mac_key("mac", at<&l2_entry::mac>, "the address").once(),
-    number_key("ltl", at<&l2_entry::ltl>, "the port behind it").in("LTL"),
-    number_key("age", at<&l2_entry::age>, "since it was last seen, in the DPA's own unit"),
+    mac_key("mac", at<&kx_l2_entry::mac>, "the address").once(),
+    number_key("ltl", at<&kx_l2_entry::ltl>, "the port behind it").in("LTL"),
+    number_key("age", AGE, "since it was last seen, in the DPA's own unit"),
     flag_key("static", FLAG<KX_L2_STATIC>, "configured, not learnt"),
     flag_key("secure", FLAG<KX_L2_SECURE>, "learnt securely"),
     flag_key("drop", FLAG<KX_L2_DROP>, "what it sends is dropped"),
     flag_key("software", FLAG<KX_L2_SOFTWARE>, "installed by software"),
     number_key("pvlan", PVLAN, "private VLAN that it was learnt on").or_else("none").in("VLAN"),
-    number_key("dsn", at<&l2_entry::dsn>, "sequence number of a segment's entry"),
-    ipv4_key("remote_ip", at<&l2_entry::remote_ip>, "remote tunnel endpoint"),
-    number_key("slot", at<&l2_entry::slot>, "slot of an entry that software installed"),
-    number_key("encap", at<&l2_entry::encap>, "encapsulation ID of a static entry in leaf mode"),
+    number_key("dsn", at<&kx_l2_entry::dsn>, "sequence number of a segment's entry"),
+    ipv4_key("remote_ip", at<&kx_l2_entry::remote_ip>, "remote tunnel endpoint"),
+    number_key("slot", at<&kx_l2_entry::slot>, "slot of an entry that software installed"),
+    number_key("encap", at<&kx_l2_entry::encap>, "encapsulation ID of a static entry in leaf mode"),
 };
 
-constexpr key_table ENTRY_KEYS = {"l2_entry", "An address of an L2 table", ENTRY_ROWS,
-                                  make_object<l2_entry>};
+std::shared_ptr<void> make_entry(size_t /*place*/) {
+    return std::make_shared<kx_l2_entry>(l2_entry_defaults());
+}
+
+constexpr key_table ENTRY_KEYS = {"l2_entry", "An address of an L2 table", ENTRY_ROWS, make_entry};
 
 constexpr key ANNOUNCED_ROWS[] = {
-    mac_key("mac", at<&announced_mac::mac>, "the address"),
-    flag_key("sent", at<&announced_mac::sent>, "it has been announced"),
-    number_key("last_sent", at<&announced_mac::last_sent>, "when, in the DPA's own unit"),
+    mac_key("mac", at<&kx_get_mac_entry::mac>, "the address"),
+    flag_key("sent", at<&kx_get_mac_entry::sent>, "it has been announced"),
+    number_key("last_sent", at<&kx_get_mac_entry::last_sent>, "when, in the DPA's own unit"),
 };
 
 constexpr key_table ANNOUNCED_KEYS = {"announced_mac", "An address of a get-mac table",
-                                      ANNOUNCED_ROWS, make_object<announced_mac>};
+                                      ANNOUNCED_ROWS, make_object<kx_get_mac_entry>};
 
 constexpr key TABLE_ROWS[] = {
     number_key("bridge_domain", at<&table_entry::key>, "the bridge domain's number")

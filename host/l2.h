@@ -3,44 +3,32 @@
 #define HOST_L2_H
 
 #include "handlers/port/l2_record.h"
-#include "host/address.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <vector>
 
-struct l2_entry {
-    mac_address mac{};
-    uint32_t ltl = 0;       // the port behind the address
-    uint32_t age = 0;       // since the last sighting, in the DPA's own unit
-    uint8_t flags = 0;      // kx_l2_flag bits
-    uint32_t pvlan = 0;     // private VLAN, with KX_L2_PVLAN
-    uint8_t dsn = 0;        // of a segment's entry
-    uint32_t remote_ip = 0; // IPv4 address of the remote tunnel endpoint, network byte order
-    uint32_t slot = 0;      // of a software-installed entry
-    uint32_t encap = 0;     // encapsulation ID of a static entry, in leaf mode
-};
+// The DPA's time in its own unit, unless a description says otherwise. The times of an entry count
+// by this clock, whatever the description says: only its age is described.
+constexpr uint32_t L2_TIME = 100000;
 
-// An address of the get-mac table.
-struct announced_mac {
-    mac_address mac{};
-    uint8_t sent = 0;       // non-zero: announced
-    uint32_t last_sent = 0; // time, in the DPA's own unit
-};
+constexpr kx_l2_entry l2_entry_defaults() {
+    kx_l2_entry entry{};
+    entry.seen_time = entry.now = L2_TIME;
+    return entry;
+}
 
 struct l2_table {
     std::optional<uint32_t> limit = 1024;     // entries
     std::optional<uint32_t> aging_time = 300; // seconds
-    std::vector<l2_entry> entries;            // in the order of the walk, no address twice
-    size_t last_asked = 0;                    // where a walk of `entries` stands
-    std::optional<std::vector<announced_mac>> announced{
-        std::in_place}; // at most KX_GET_MAC_ENTRIES
+    std::vector<kx_l2_entry> entries;         // in the order of the walk, no address twice
+    // At most KX_GET_MAC_ENTRIES, but for the bridge domain's index.
+    std::optional<std::vector<kx_get_mac_entry>> announced{std::in_place};
 };
 
 struct l2_state {
-    uint32_t now = 100000;             // the DPA's time
+    uint32_t now = L2_TIME;            // the DPA's time
     std::optional<uint32_t> slots = 4; // an address belongs to the slot that its last byte gives
     std::optional<kx_l2_totals> totals{kx_l2_totals{}};
     std::optional<kx_l2_aging_statistics> aging{kx_l2_aging_statistics{}};

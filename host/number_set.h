@@ -34,6 +34,12 @@ public:
             numbers_.insert(at, number);
         }
     }
+    void erase(uint32_t number) {
+        if (const auto at = std::lower_bound(begin(), end(), number);
+            at != end() && *at == number) {
+            numbers_.erase(at);
+        }
+    }
     void clear() {
         numbers_.clear();
     }

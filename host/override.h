@@ -16,8 +16,6 @@ struct override_rule {
     std::optional<std::vector<uint8_t>> reply; // written as it is, as far as the buffer goes
     std::optional<uint32_t> length;            // the reply is filled up or cut to this
     std::optional<uint32_t> returned;          // length handed back in the capacity word
-
-    bool indexed = false; // where a simulated host stands with it
 };
 
 #endif

@@ -1,8 +1,10 @@
 #include "host/port.h"
 #include "host/access.h"
+#include "host/interface.h"
 #include "host/keys.h"
 
 #include "handlers/port/bridge_domain_record.h"
+#include "if_index/if_index_name.h"
 
 namespace {
 
@@ -37,15 +39,45 @@ constexpr key_word SECURE_LEARNING[] = {{"ages-absolute", KX_SECURE_AGES_ABSOLUT
 
 template <auto member> constexpr key_access IN_RECORD = at<&port_view::record, member>;
 
+// Whatever a driver says beside "up" is shown as down.
+template <auto member> key_value get_up(const void *object) {
+    return {.number = static_cast<const port_view *>(object)->record.*member == KX_PORT_UP
+                          ? uint64_t{KX_PORT_UP}
+                          : 0};
+}
+
+template <auto member>
+constexpr key_access UP = {.get = get_up<member>, .set = IN_RECORD<member>.set, .most = UINT8_MAX};
+
+key_value get_interface_name(const void *object) {
+    const uint32_t index = static_cast<const port_view *>(object)->record.if_index;
+    key_value name;
+    name.bytes = shown_interface(index);
+    if (name.bytes.empty() || interface_index(name.bytes) == index) {
+        name.is = key_value::state::out_of_place;
+    }
+    return name;
+}
+
+bool leave_interface_name(void *, const key_value &) {
+    return true;
+}
+
+constexpr key_access INTERFACE_NAME = {
+    .get = get_interface_name, .set = leave_interface_name, .most = IF_INDEX_NAME_SIZE};
+
 constexpr key VIEW_ROWS[] = {
     flag_key("known", at<&port_view::known>, "false for a port that the view has no record of"),
+    text_key("interface_name", INTERFACE_NAME, 0,
+             "the name that is shown for an interface that stands there as a number; not read")
+        .or_else("that of `interface`"),
     interface_key("interface", IN_RECORD<&kx_port_record::if_index>, "its interface")
         .or_else("none"),
     text_key("name", IN_RECORD<&kx_port_record::hmx_port_name>, 0, "its name on the host"),
     text_key("device", IN_RECORD<&kx_port_record::device_type>, 0, "the device behind it"),
-    word_key("admin", IN_RECORD<&kx_port_record::admin_state>, UP_OR_DOWN, "whether it is enabled")
+    word_key("admin", UP<&kx_port_record::admin_state>, UP_OR_DOWN, "whether it is enabled")
         .written(),
-    word_key("link", IN_RECORD<&kx_port_record::link_state>, UP_OR_DOWN, "whether it has a link")
+    word_key("link", UP<&kx_port_record::link_state>, UP_OR_DOWN, "whether it has a link")
         .written(),
     flag_key("forwarding", IN_RECORD<&kx_port_record::forwarding>, "it forwards"),
     word_key("mode", IN_RECORD<&kx_port_record::port_mode>, MODES,
@@ -84,25 +116,30 @@ constexpr key VIEW_ROWS[] = {
              "in leaf mode, what it waits for"),
 };
 
-template <kx_port_view view> constexpr auto VIEW = [](auto &of) -> auto & {
-    return of.views[view];
-};
+const port &port_at(const void *object) {
+    return static_cast<const port_entry *>(object)->value;
+}
 
 // What the other views do not say for themselves is as in the HMX's.
-template <kx_port_view view> void follow_hmx(void *object) {
-    auto &views = static_cast<port_entry *>(object)->value.views;
-    views[view] = views[KX_VIEW_HMX];
+template <kx_port_view view> const void *look_at_view(const void *object) {
+    return &view_of(port_at(object), view);
 }
+
+template <kx_port_view view> void *open_view(void *object) {
+    return &own_view(static_cast<port_entry *>(object)->value, view);
+}
+
+template <kx_port_view view>
+constexpr key_access VIEW = {.look = look_at_view<view>, .open = open_view<view>};
 
 constexpr key PORT_ROWS[] = {
     number_key("ltl", at<&port_entry::key>, "the port's number").to(LAST_LTL).once().in("LTL"),
-    included_keys(PORT_VIEW_KEYS, part<&port_entry::value, VIEW<KX_VIEW_HMX>>),
-    object_key("krt", part<&port_entry::value, VIEW<KX_VIEW_KRT>>, PORT_VIEW_KEYS,
-               "the KRT's view, where it differs")
-        .follows(follow_hmx<KX_VIEW_KRT>, "the port's own keys"),
-    object_key("system", part<&port_entry::value, VIEW<KX_VIEW_SYSTEM>>, PORT_VIEW_KEYS,
+    included_keys(PORT_VIEW_KEYS, VIEW<KX_VIEW_HMX>),
+    object_key("krt", VIEW<KX_VIEW_KRT>, PORT_VIEW_KEYS, "the KRT's view, where it differs")
+        .or_else("the port's own keys"),
+    object_key("system", VIEW<KX_VIEW_SYSTEM>, PORT_VIEW_KEYS,
                "the hypervisor's view, where it differs")
-        .follows(follow_hmx<KX_VIEW_SYSTEM>, "the port's own keys"),
+        .or_else("the port's own keys"),
     mac_key("mac", at<&port_entry::value, &port::mac>, "its MAC address").or_else("refused"),
     flag_key("secure", at<&port_entry::value, &port::secure>, "it has a secure-port state"),
     words_key("secure_learning",

@@ -7,7 +7,6 @@
 #include "host/address.h"
 #include "host/number_set.h"
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -35,11 +34,24 @@ struct port_view {
 };
 
 struct port {
-    std::array<port_view, PORT_VIEWS> views;
+    port_view hmx;                            // the HMX's own view
+    std::map<kx_port_view, port_view> others; // the views that differ from it
     std::optional<mac_address> mac;
     std::optional<kx_port_security_record> security{kx_port_security_record{}};
     bool secure = false; // it has a secure-port state
 };
+
+// What a view reports.
+inline const port_view &view_of(const port &reported, kx_port_view view) {
+    const auto other = reported.others.find(view);
+    return other == reported.others.end() ? reported.hmx : other->second;
+}
+
+// The same to be changed, a view of its own from now on.
+inline port_view &own_view(port &reported, kx_port_view view) {
+    return view == KX_VIEW_HMX ? reported.hmx
+                               : reported.others.try_emplace(view, reported.hmx).first->second;
+}
 
 struct port_table {
     std::map<uint32_t, port> by_ltl;

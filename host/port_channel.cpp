@@ -2,21 +2,58 @@
 #include "host/access.h"
 #include "host/keys.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace {
 
 using channel_entry = keyed<decltype(port_channel_table::by_ltl)>;
 
 constexpr key_word CHANNEL_SUB_GROUPS[] = {{"none", NO_SUB_GROUP}};
 
+// A member on its way into or out of a port channel.
+struct member_entry {
+    kx_port_channel_member record = {0, NO_SUB_GROUP};
+    std::optional<uint32_t> pinned{};
+};
+
+bool each_member(const void *object, const std::function<void(const void *)> &visit) {
+    const port_channel &channel = static_cast<const channel_entry *>(object)->value;
+    for (uint32_t i = 0; i < std::min(channel.record.member_count, KX_PC_MEMBERS); i++) {
+        const member_entry member = {channel.record.members[i], channel.pinned[i]};
+        visit(&member);
+    }
+    return true;
+}
+
+void append_member(void *object, void *item) {
+    port_channel &channel = static_cast<channel_entry *>(object)->value;
+    const auto &member = *static_cast<const member_entry *>(item);
+    const uint32_t place = channel.record.member_count++;
+    channel.record.members[place] = member.record;
+    channel.pinned[place] = member.pinned;
+}
+
+constexpr key_access MEMBERS = {
+    .most = KX_PC_MEMBERS, .each = each_member, .append = append_member};
+
+template <auto member>
+constexpr key_access IN_CHANNEL = at<&channel_entry::value, &port_channel::record, member>;
+
+template <auto member> constexpr key_access IN_MEMBER = at<&member_entry::record, member>;
+
 constexpr key MEMBER_ROWS[] = {
-    number_key("ltl", at<&port_channel_member::ltl>, "the physical port").must().in("LTL"),
-    word_key("sub_group", at<&port_channel_member::sub_group>, CHANNEL_SUB_GROUPS, "its sub-group"),
-    number_key("pinned", at<&port_channel_member::pinned>, "virtual ports that are pinned to it")
+    number_key("ltl", IN_MEMBER<&kx_port_channel_member::ltl>, "the physical port")
+        .must()
+        .in("LTL"),
+    word_key("sub_group", IN_MEMBER<&kx_port_channel_member::sub_group>, CHANNEL_SUB_GROUPS,
+             "its sub-group"),
+    number_key("pinned", at<&member_entry::pinned>, "virtual ports that are pinned to it")
         .or_else("refused"),
 };
 
 constexpr key_table MEMBER_KEYS = {"port_channel_member", "A member of a port channel", MEMBER_ROWS,
-                                   make_object<port_channel_member>};
+                                   make_object<member_entry>};
 
 constexpr key PORT_CHANNEL_ROWS[] = {
     number_key("ltl", at<&channel_entry::key>, "the port channel's own number")
@@ -24,13 +61,10 @@ constexpr key PORT_CHANNEL_ROWS[] = {
         .to(KX_LTL_LAST_PORT_CHANNEL)
         .once()
         .in("LTL"),
-    number_key("channel", at<&channel_entry::value, &port_channel::channel>,
-               "its number on the switch"),
-    word_key("designated_sub_group", at<&channel_entry::value, &port_channel::designated_sub_group>,
+    number_key("channel", IN_CHANNEL<&kx_port_channel_record::channel>, "its number on the switch"),
+    word_key("designated_sub_group", IN_CHANNEL<&kx_port_channel_record::designated_sub_group>,
              CHANNEL_SUB_GROUPS, "the sub-group that floods are received on"),
-    list_key("members", items_of<&channel_entry::value, &port_channel::members>, MEMBER_KEYS,
-             "the physical ports in it")
-        .up_to(KX_PC_MEMBERS),
+    list_key("members", MEMBERS, MEMBER_KEYS, "the physical ports in it").up_to(KX_PC_MEMBERS),
 };
 
 } // namespace

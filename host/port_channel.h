@@ -5,21 +5,22 @@
 #include "handlers/port/port_channel_record.h"
 #include "host/port.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <vector>
 
-struct port_channel_member {
-    uint32_t ltl = 0; // of the physical port
-    uint32_t sub_group = NO_SUB_GROUP;
-    std::optional<uint32_t> pinned; // virtual ports; refused when absent
-};
+// A port channel without members and designated sub-group.
+constexpr kx_port_channel_record port_channel_defaults() {
+    kx_port_channel_record record{};
+    record.designated_sub_group = NO_SUB_GROUP;
+    return record;
+}
 
 struct port_channel {
-    uint32_t channel = 0; // its number on the switch
-    uint32_t designated_sub_group = NO_SUB_GROUP;
-    std::vector<port_channel_member> members; // at most KX_PC_MEMBERS
+    kx_port_channel_record record = port_channel_defaults(); // at most KX_PC_MEMBERS members
+    // By member, how many virtual ports are pinned to it; refused when absent.
+    std::array<std::optional<uint32_t>, KX_PC_MEMBERS> pinned{};
 };
 
 struct port_channel_table {

@@ -24,8 +24,9 @@ bool set_vlan(void *object, const key_value &value) {
     return true;
 }
 
-constexpr key_access VLAN = {
-    .get = IN_PAIR<&kx_port_pvlan::vlan>.get, .set = set_vlan, .most = UINT16_MAX};
+constexpr key_access VLAN = {.get = at<&pair_entry::key, &private_vlan_table::key_type::second>.get,
+                             .set = set_vlan,
+                             .most = UINT16_MAX};
 
 constexpr key PRIVATE_VLAN_ROWS[] = {
     number_key("ltl", at<&pair_entry::key, &private_vlan_table::key_type::first>, "the port")

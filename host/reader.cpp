@@ -156,9 +156,6 @@ void object_reading::take_list(const key &row, const json_value &value, void *ob
 }
 
 void object_reading::take_row(const key &row, void *object) {
-    if (row.prepare != nullptr && object != nullptr) {
-        row.prepare(object);
-    }
     if (row.type == key_type::included) {
         // Of a part that is not there, nothing can be said.
         void *inside = row.access.look(object) == nullptr ? nullptr : row.access.open(object);

@@ -1,6 +1,7 @@
 #include "host/value.h"
 
 #include "host/hex.h"
+#include "host/interface.h"
 #include "host/text.h"
 
 #include <arpa/inet.h>
@@ -17,6 +18,18 @@
 namespace {
 
 constexpr uint32_t LONGEST_RANGE = 65536;
+constexpr size_t MAC_BYTES = 6;
+
+constexpr const char *NUMBER_TEXT = "^(0|[1-9][0-9]*|0[0-7]+|0[xX][0-9A-Fa-f]+)$";
+constexpr const char *RANGES_TEXT = "^([0-9]+(-[0-9]+)?(,[0-9]+(-[0-9]+)?)*)?$";
+constexpr const char *HEX_TEXT = "^((([0-9A-Fa-f]{2})+|[0-9A-Fa-f]{2}\\\\*[0-9]+)"
+                                 "(,(([0-9A-Fa-f]{2})+|[0-9A-Fa-f]{2}\\\\*[0-9]+))*)?$";
+constexpr const char *MAC_TEXT = "^[0-9A-Fa-f]{1,2}(:[0-9A-Fa-f]{1,2}){5}$";
+constexpr const char *IPV4_TEXT = "^[0-9]{1,3}(\\\\.[0-9]{1,3}){3}$";
+constexpr const char *IPV6_TEXT = "^[0-9A-Fa-f:.]+$";
+constexpr const char *INTERFACE_TEXT = "^[A-Za-z]";
+
+// --- Numbers and words ---
 
 // A whole text as a number in C notation.
 std::optional<uint64_t> number_in(const std::string &text) {
@@ -31,6 +44,272 @@ std::optional<uint64_t> number_in(const std::string &text) {
     }
     return value;
 }
+
+bool in_range(const key &row, uint64_t number) {
+    return number >= row.least && number <= row.most;
+}
+
+bool says_in_range(const key &row, const key_value &value) {
+    return in_range(row, value.number);
+}
+
+std::string range_of(const key &row) {
+    return std::to_string(row.least) + " to " + std::to_string(row.most);
+}
+
+// A number of the row's range; its words are not looked at.
+std::string read_one(const key &row, const json_value &given, uint64_t &number) {
+    std::optional<uint64_t> found;
+    if (given.type == json_value::kind::number) {
+        found = given.number;
+    } else if (given.type == json_value::kind::text) {
+        found = number_in(given.text);
+    }
+    if (!found || !in_range(row, *found)) {
+        return "expected a number from " + range_of(row);
+    }
+    number = *found;
+    return "";
+}
+
+std::string read_number(const key &row, const json_value &given, key_value &value) {
+    return read_one(row, given, value.number);
+}
+
+void append_told_number(std::string &text, const key &, const key_value &value) {
+    append_number(text, value.number);
+}
+
+std::string number_schema(const key &row) {
+    const bool whole_field = row.least == 0 && (row.most == UINT8_MAX || row.most == UINT16_MAX ||
+                                                row.most == UINT32_MAX || row.most == UINT64_MAX);
+    if (whole_field) {
+        return R"({"$ref": "#/$defs/up_to_)" + std::to_string(row.most) + "\"}";
+    }
+    return ranged_number_schema(row.least, row.most);
+}
+
+std::string one_of(const std::string &one, const std::string &other) {
+    return R"({"oneOf": [)" + one + ", " + other + "]}";
+}
+
+std::string list_schema(const key &row, const std::string &items) {
+    const std::string most =
+        row.items < UINT32_MAX ? R"(, "maxItems": )" + std::to_string(row.items) : "";
+    return R"({"type": "array", "items": )" + items + most + "}";
+}
+
+std::string flag_values(const key &row) {
+    const std::string most = std::to_string(row.most);
+    return row.most > 1 ? "`true`, `false`, or 2 to " + most : "`true`, `false`";
+}
+
+std::string flag_schema(const key &row) {
+    const char *plain = R"({"type": "boolean"})";
+    return row.most == 1 ? plain
+                         : one_of(plain, R"({"type": "integer", "minimum": 2, "maximum": )" +
+                                             std::to_string(row.most) + "}");
+}
+
+std::string read_flag(const key &row, const json_value &given, key_value &value) {
+    if (given.type == json_value::kind::boolean) {
+        value.number = given.boolean ? 1 : 0;
+        return "";
+    }
+    const bool other = given.type == json_value::kind::number && given.number > 1;
+    if (!other || !in_range(row, given.number)) {
+        return "expected true or false";
+    }
+    value.number = given.number;
+    return "";
+}
+
+void append_flag(std::string &text, const key &, const key_value &value) {
+    if (value.number <= 1) {
+        text += value.number == 1 ? "true" : "false";
+    } else {
+        append_number(text, value.number);
+    }
+}
+
+std::string words_of(const key &row) {
+    std::string words;
+    for (const key_word &word : row.words) {
+        words += std::string("`") + word.name + "`, ";
+    }
+    return words + "or " + range_of(row);
+}
+
+std::string word_schema(const key &row) {
+    std::string words;
+    for (const key_word &word : row.words) {
+        words += (words.empty() ? "\"" : ", \"") + std::string(word.name) + "\"";
+    }
+    return one_of(R"({"enum": [)" + words + "]}", number_schema(row));
+}
+
+std::string words_schema(const key &row) {
+    return one_of(list_schema(row, word_schema(row)), number_schema(row));
+}
+
+std::string words_expected(const key &row) {
+    std::string words;
+    for (const key_word &word : row.words) {
+        words += std::string(" \"") + word.name + "\",";
+    }
+    return "expected one of" + words + " or a number";
+}
+
+std::string read_word(const key &row, const json_value &given, key_value &value) {
+    if (given.type == json_value::kind::number) {
+        return read_number(row, given, value);
+    }
+    for (const key_word &word : row.words) {
+        if (given.type == json_value::kind::text && given.text == word.name) {
+            value.number = word.number;
+            return "";
+        }
+    }
+    // Where people use a number and a word for none, the number may be a text as well.
+    if (given.type == json_value::kind::text && read_number(row, given, value).empty()) {
+        return "";
+    }
+    return words_expected(row);
+}
+
+std::string read_words(const key &row, const json_value &given, key_value &value) {
+    if (given.type != json_value::kind::list) {
+        return read_number(row, given, value).empty() ? "" : words_expected(row);
+    }
+    for (const json_value &item : given.items) {
+        key_value bits;
+        if (std::string expected = read_word(row, item, bits); !expected.empty()) {
+            return expected;
+        }
+        value.number |= bits.number;
+    }
+    return "";
+}
+
+void append_word(std::string &text, const key &row, const key_value &value) {
+    for (const key_word &word : row.words) {
+        if (word.number == value.number) {
+            append_quoted(text, word.name);
+            return;
+        }
+    }
+    append_number(text, value.number);
+}
+
+// A list of values stands on one line: append_item(item) appends one of them.
+template <typename List, typename Append>
+void append_list(std::string &text, const List &list, Append append_item) {
+    const char *separator = "";
+    text += '[';
+    for (const auto &item : list) {
+        text += separator;
+        append_item(item);
+        separator = ", ";
+    }
+    text += ']';
+}
+
+// The words of a number's bits, then the bits without a word as one number.
+void append_words(std::string &text, const key &row, const key_value &value) {
+    std::vector<std::string> bits;
+    uint64_t left = value.number;
+    for (const key_word &word : row.words) {
+        if ((left & word.number) == word.number) {
+            append_quoted(bits.emplace_back(), word.name);
+            left &= ~uint64_t{word.number};
+        }
+    }
+    if (left != 0) {
+        bits.push_back(std::to_string(left));
+    }
+    append_list(text, bits, [&](const std::string &bit) { text += bit; });
+}
+
+// --- Texts and bytes ---
+
+std::string bytes_at_most(const key &row) {
+    return "at most " + std::to_string(row.most) + " bytes";
+}
+
+std::string text_schema(const key &row) {
+    return R"({"type": "string", "maxLength": )" + std::to_string(row.most) + "}";
+}
+
+std::string texts_schema(const key &row) {
+    return list_schema(row, R"({"type": "string"})");
+}
+
+bool is_sayable_text(const key &row, const key_value &value) {
+    return value.bytes.size() <= row.most && value.bytes.find('\0') == std::string::npos;
+}
+
+bool is_always_sayable(const key &, const key_value &) {
+    return true;
+}
+
+std::string read_text(const key &row, const json_value &given, key_value &value) {
+    if (given.type != json_value::kind::text) {
+        return "expected a text";
+    }
+    value.bytes = bytes_from_utf8(given.text);
+    if (value.bytes.size() > row.most) {
+        return "expected " + bytes_at_most(row);
+    }
+    return is_sayable_text(row, value) ? "" : "expected a text without a NUL";
+}
+
+std::string read_texts(const key &, const json_value &given, key_value &value) {
+    for (const json_value &item : given.items) {
+        if (item.type == json_value::kind::text) {
+            value.texts.push_back(bytes_from_utf8(item.text));
+        }
+    }
+    const bool right =
+        given.type == json_value::kind::list && value.texts.size() == given.items.size();
+    return right ? "" : "expected a list of texts";
+}
+
+void append_text(std::string &text, const key &, const key_value &value) {
+    append_quoted(text, bytes_to_utf8(value.bytes));
+}
+
+void append_texts(std::string &text, const key &, const key_value &value) {
+    append_list(text, value.texts,
+                [&](const std::string &item) { append_quoted(text, bytes_to_utf8(item)); });
+}
+
+// A text that has to fit a pattern.
+template <const auto &pattern> std::string pattern_schema(const key &) {
+    std::string schema = R"({"type": "string", "pattern": ")";
+    schema += pattern;
+    return schema += "\"}";
+}
+
+std::string read_hex(const key &, const json_value &given, key_value &value) {
+    const auto parsed =
+        given.type == json_value::kind::text ? bytes_from_hex(given.text) : std::nullopt;
+    if (!parsed) {
+        return "expected bytes in hexadecimal";
+    }
+    value.bytes.assign(parsed->begin(), parsed->end());
+    return "";
+}
+
+bool is_sayable_hex(const key &, const key_value &value) {
+    return value.bytes.size() <= HEX_LIMIT;
+}
+
+void append_hex(std::string &text, const key &, const key_value &value) {
+    append_quoted(text, bytes_to_hex({reinterpret_cast<const uint8_t *>(value.bytes.data()),
+                                      value.bytes.size()}));
+}
+
+// --- Addresses and interfaces ---
 
 // Match a whole text against a pattern in which "#" stands for a decimal and "@" for a hexadecimal
 // number of 32 bits. Returns the numbers, none when the text does not match.
@@ -54,193 +333,111 @@ std::vector<uint32_t> match(std::string_view text, std::string_view pattern) {
     return at == end ? numbers : std::vector<uint32_t>();
 }
 
-bool within(const std::vector<uint32_t> &numbers, size_t at, uint32_t least, uint32_t most) {
-    return at < numbers.size() && numbers[at] >= least && numbers[at] <= most;
-}
-
-// The index behind the printed name of the three kinds of interface that ports have, 0 for none.
-uint32_t interface_index(const std::string &name) {
-    if (const auto veth = match(name, "Veth#"); within(veth, 0, 1, 1U << 20)) {
-        return 28U << 24 | (veth[0] - 1) << 4;
-    }
-    if (const auto eth = match(name, "Eth#/#"); within(eth, 0, 3, 515) && within(eth, 1, 1, 256)) {
-        return 37U << 24 | (eth[0] - 1) << 14 | (eth[1] - 1) << 6;
-    }
-    if (const auto channel = match(name, "Po#"); within(channel, 0, 1, 4096)) {
-        return 22U << 24 | (channel[0] - 1);
-    }
-    return 0;
-}
-
-// The name of such an interface, empty for an index that has none.
-std::string interface_name(uint32_t index) {
-    const uint32_t in_type = index & 0xFFFFFF;
-    std::string name;
-    switch (index >> 24) {
-    case 28:
-        name = "Veth" + std::to_string((in_type >> 4) + 1);
-        break;
-    case 37:
-        name = "Eth" + std::to_string((in_type >> 14) + 1) + "/" +
-               std::to_string((in_type >> 6 & 0xFF) + 1);
-        break;
-    case 22:
-        name = "Po" + std::to_string(in_type + 1);
-        break;
-    default:
-        break;
-    }
-    return interface_index(name) == index ? name : "";
-}
-
-std::string range_expected(const key &row) {
-    return "expected a number from " + std::to_string(row.least) + " to " +
-           std::to_string(row.most);
-}
-
-bool in_range(const key &row, uint64_t number) {
-    return number >= row.least && number <= row.most;
-}
-
-// A number of the row's range; its words are not looked at.
-std::string read_number(const key &row, const json_value &given, uint64_t &number) {
-    std::optional<uint64_t> found;
-    if (given.type == json_value::kind::number) {
-        found = given.number;
-    } else if (given.type == json_value::kind::text) {
-        found = number_in(given.text);
-    }
-    if (!found || !in_range(row, *found)) {
-        return range_expected(row);
-    }
-    number = *found;
-    return "";
-}
-
-std::string read_flag(const key &row, const json_value &given, uint64_t &number) {
-    if (given.type == json_value::kind::boolean) {
-        number = given.boolean ? 1 : 0;
-        return "";
-    }
-    const bool other = given.type == json_value::kind::number && given.number > 1;
-    if (!other || !in_range(row, given.number)) {
-        return "expected true or false";
-    }
-    number = given.number;
-    return "";
-}
-
-std::string words_expected(const key &row) {
-    std::string words;
-    for (const key_word &word : row.words) {
-        words += std::string(" \"") + word.name + "\",";
-    }
-    return "expected one of" + words + " or a number";
-}
-
-std::string read_word(const key &row, const json_value &given, uint64_t &number) {
-    if (given.type == json_value::kind::number) {
-        return read_number(row, given, number);
-    }
-    for (const key_word &word : row.words) {
-        if (given.type == json_value::kind::text && given.text == word.name) {
-            number = word.number;
-            return "";
-        }
-    }
-    // Where people use a number and a word for none, the number may be a text as well.
-    if (given.type == json_value::kind::text && read_number(row, given, number).empty()) {
-        return "";
-    }
-    return words_expected(row);
-}
-
-std::string read_words(const key &row, const json_value &given, uint64_t &number) {
-    if (given.type != json_value::kind::list) {
-        return read_number(row, given, number).empty() ? "" : words_expected(row);
-    }
-    number = 0;
-    for (const json_value &item : given.items) {
-        uint64_t bits = 0;
-        if (std::string expected = read_word(row, item, bits); !expected.empty()) {
-            return expected;
-        }
-        number |= bits;
-    }
-    return "";
-}
-
-std::string read_text(const key &row, const json_value &given, std::string &bytes) {
-    if (given.type != json_value::kind::text) {
-        return "expected a text";
-    }
-    bytes = bytes_from_utf8(given.text);
-    if (bytes.size() > row.most) {
-        return "expected at most " + std::to_string(row.most) + " bytes";
-    }
-    return bytes.find('\0') == std::string::npos ? "" : "expected a text without a NUL";
-}
-
-std::string read_hex(const json_value &given, std::string &bytes) {
-    const auto parsed =
-        given.type == json_value::kind::text ? bytes_from_hex(given.text) : std::nullopt;
-    if (!parsed) {
-        return "expected bytes in hexadecimal";
-    }
-    bytes.assign(parsed->begin(), parsed->end());
-    return "";
-}
-
-std::string read_mac(const json_value &given, std::string &bytes) {
-    constexpr size_t MAC_BYTES = 6;
-    const std::vector<uint32_t> parts = match(given.text, "@:@:@:@:@:@");
-    bytes.clear();
-    for (size_t i = 0; i < MAC_BYTES; i++) {
-        if (given.type != json_value::kind::text || !within(parts, i, 0, UINT8_MAX)) {
-            return "expected a MAC address such as \"00:50:56:aa:bb:cc\"";
-        }
-        bytes += static_cast<char>(parts[i]);
-    }
-    return "";
-}
-
-std::string read_ipv4(const json_value &given, uint64_t &number) {
-    uint32_t address = 0;
-    if (given.type != json_value::kind::text ||
-        inet_pton(AF_INET, given.text.c_str(), &address) != 1) {
-        return "expected an IPv4 address";
-    }
-    number = address;
-    return "";
-}
-
-std::string read_ipv6(const json_value &given, std::string &bytes) {
-    char address[sizeof(in6_addr)];
-    if (given.type != json_value::kind::text ||
-        inet_pton(AF_INET6, given.text.c_str(), address) != 1) {
-        return "expected an IPv6 address";
-    }
-    bytes.assign(address, sizeof address);
-    return "";
-}
-
-std::string read_interface(const key &row, const json_value &given, uint64_t &number) {
+std::string read_mac(const key &, const json_value &given, key_value &value) {
+    std::vector<uint32_t> parts;
     if (given.type == json_value::kind::text) {
-        number = interface_index(given.text);
-        if (number != 0) {
-            return "";
-        }
-        if (!number_in(given.text)) {
-            return "expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or a number";
-        }
+        parts = match(given.text, "@:@:@:@:@:@");
     }
-    return read_number(row, given, number);
+    if (parts.size() != MAC_BYTES || *std::max_element(parts.begin(), parts.end()) > UINT8_MAX) {
+        return "expected a MAC address such as \"00:50:56:aa:bb:cc\"";
+    }
+    value.bytes.assign(parts.begin(), parts.end());
+    return "";
+}
+
+void append_mac(std::string &text, const key &, const key_value &value) {
+    constexpr char digits[] = "0123456789abcdef";
+    char quoted[] = "\"00:00:00:00:00:00\"";
+    char *at = quoted + 1;
+    for (const char byte : value.bytes) {
+        *at++ = digits[static_cast<uint8_t>(byte) >> 4];
+        *at++ = digits[byte & 15];
+        at++;
+    }
+    text += quoted;
+}
+
+template <int family>
+std::string read_address(const json_value &given, void *address, const char *expected) {
+    const bool right =
+        given.type == json_value::kind::text && inet_pton(family, given.text.c_str(), address) == 1;
+    return right ? "" : expected;
+}
+
+std::string read_ipv4(const key &, const json_value &given, key_value &value) {
+    uint32_t address = 0;
+    const std::string wrong = read_address<AF_INET>(given, &address, "expected an IPv4 address");
+    value.number = address;
+    return wrong;
+}
+
+std::string read_ipv6(const key &, const json_value &given, key_value &value) {
+    char address[sizeof(in6_addr)] = {};
+    const std::string wrong = read_address<AF_INET6>(given, address, "expected an IPv6 address");
+    value.bytes.assign(address, sizeof address);
+    return wrong;
+}
+
+void append_address(std::string &text, int family, const void *address) {
+    char printed[INET6_ADDRSTRLEN] = "";
+    inet_ntop(family, address, printed, sizeof printed);
+    append_quoted(text, printed);
+}
+
+void append_ipv4(std::string &text, const key &, const key_value &value) {
+    const auto address = static_cast<uint32_t>(value.number);
+    append_address(text, AF_INET, &address);
+}
+
+void append_ipv6(std::string &text, const key &, const key_value &value) {
+    append_address(text, AF_INET6, value.bytes.data());
+}
+
+std::string interface_values(const key &row) {
+    return "`Veth3`, `Eth4/1`, `Po1`, or " + range_of(row);
+}
+
+std::string interface_schema(const key &row) {
+    return one_of(pattern_schema<INTERFACE_TEXT>(row), number_schema(row));
+}
+
+std::string read_interface(const key &row, const json_value &given, key_value &value) {
+    if (given.type == json_value::kind::text && !number_in(given.text)) {
+        value.number = interface_index(given.text);
+        return value.number != 0
+                   ? ""
+                   : "expected an interface such as \"Veth3\", \"Eth4/1\", \"Po1\" or a number";
+    }
+    return read_number(row, given, value);
+}
+
+void append_interface(std::string &text, const key &, const key_value &value) {
+    const auto index = static_cast<uint32_t>(value.number);
+    const std::string name = shown_interface(index);
+    if (!name.empty() && interface_index(name) == index) {
+        append_quoted(text, name);
+    } else {
+        append_number(text, index);
+    }
+}
+
+// --- Lists ---
+
+std::string most_of_list(const key &row) {
+    return row.items < UINT32_MAX ? "at most " + std::to_string(row.items) : "";
+}
+
+std::string numbers_values(const key &row) {
+    const std::string most = most_of_list(row);
+    return range_of(row) + (most.empty() ? "" : ", " + most);
+}
+
+std::string numbers_schema(const key &row) {
+    return one_of(list_schema(row, number_schema(row)), pattern_schema<RANGES_TEXT>(row));
 }
 
 // "1,10-20"
 std::string read_ranges(const key &row, std::string_view text, std::vector<uint32_t> &numbers) {
-    std::string expected = "expected numbers from " + std::to_string(row.least) + " to " +
-                           std::to_string(row.most) + " such as \"1,10-20\"";
     while (!text.empty()) {
         const size_t comma = std::min(text.find(','), text.size());
         const std::string_view piece = text.substr(0, comma);
@@ -249,7 +446,7 @@ std::string read_ranges(const key &row, std::string_view text, std::vector<uint3
         const std::vector<uint32_t> range = single.empty() ? match(piece, "#-#") : single;
         if (range.empty() || range.front() > range.back() || !in_range(row, range.front()) ||
             !in_range(row, range.back())) {
-            return expected;
+            return "expected numbers from " + range_of(row) + " such as \"1,10-20\"";
         }
         const uint32_t behind_first = range.back() - range.front();
         if (behind_first > LONGEST_RANGE) {
@@ -262,21 +459,20 @@ std::string read_ranges(const key &row, std::string_view text, std::vector<uint3
     return "";
 }
 
-std::string read_numbers(const key &row, const json_value &given, std::vector<uint32_t> &numbers) {
-    std::string wrong;
-    if (given.type == json_value::kind::list) {
-        for (const json_value &item : given.items) {
-            uint64_t number = 0;
-            if (wrong = read_number(row, item, number); !wrong.empty()) {
-                return wrong;
-            }
-            numbers.push_back(static_cast<uint32_t>(number));
+std::string read_numbers(const key &row, const json_value &given, key_value &value) {
+    std::vector<uint32_t> &numbers = value.numbers;
+    for (const json_value &item : given.items) {
+        uint64_t number = 0;
+        if (std::string wrong = read_one(row, item, number); !wrong.empty()) {
+            return wrong;
         }
-    } else if (given.type == json_value::kind::text) {
-        wrong = read_ranges(row, given.text, numbers);
-    } else {
-        wrong = "expected numbers from " + std::to_string(row.least) + " to " +
-                std::to_string(row.most) + " such as \"1,10-20\"";
+        numbers.push_back(static_cast<uint32_t>(number));
+    }
+    std::string wrong;
+    if (given.type != json_value::kind::list) {
+        // What is no list has to be a text of ranges, and any other text is a wrong one.
+        const bool is_text = given.type == json_value::kind::text;
+        wrong = read_ranges(row, is_text ? std::string_view(given.text) : "-", numbers);
     }
     if (wrong.empty() && row.access.in_order && numbers.size() > row.items) {
         return "expected at most " + std::to_string(row.items) + " numbers";
@@ -288,66 +484,59 @@ std::string read_numbers(const key &row, const json_value &given, std::vector<ui
     return wrong;
 }
 
-void append_word(std::string &text, const key &row, uint64_t number) {
-    for (const key_word &word : row.words) {
-        if (word.number == number) {
-            append_quoted(text, word.name);
-            return;
-        }
-    }
-    append_number(text, number);
+bool are_sayable_numbers(const key &row, const key_value &value) {
+    return std::all_of(value.numbers.begin(), value.numbers.end(),
+                       [&](uint32_t number) { return in_range(row, number); });
 }
 
-// The words of a number's bits, then the bits without a word as one number.
-void append_words(std::string &text, const key &row, uint64_t number, size_t indent) {
-    const json_lines lines = open_lines(text, '[', indent);
-    for (const key_word &word : row.words) {
-        if ((number & word.number) == word.number) {
-            begin_line(text, lines);
-            append_quoted(text, word.name);
-            number &= ~uint64_t{word.number};
-        }
-    }
-    if (number != 0) {
-        begin_line(text, lines);
-        append_number(text, number);
-    }
-    close_lines(text, ']', lines);
+void append_numbers(std::string &text, const key &, const key_value &value) {
+    append_list(text, value.numbers, [&](uint32_t number) { append_number(text, number); });
 }
 
-void append_numbers(std::string &text, const std::vector<uint32_t> &numbers, size_t indent) {
-    const json_lines lines = open_lines(text, '[', indent);
-    for (const uint32_t number : numbers) {
-        begin_line(text, lines);
-        append_number(text, number);
-    }
-    close_lines(text, ']', lines);
+std::string nothing(const key &) {
+    return "";
 }
 
-void append_mac(std::string &text, const std::string &bytes) {
-    constexpr char digits[] = "0123456789abcdef";
-    const char *separator = "";
-    text += '"';
-    for (const char byte : bytes) {
-        text += separator;
-        text += digits[static_cast<uint8_t>(byte) >> 4];
-        text += digits[byte & 15];
-        separator = ":";
-    }
-    text += '"';
+std::string table_schema(const key &row) {
+    return std::string(R"({"$ref": "#/$defs/)") + row.table->name + "\"}";
 }
 
-void append_address(std::string &text, int family, const void *address) {
-    char printed[INET6_ADDRSTRLEN] = "";
-    inet_ntop(family, address, printed, sizeof printed);
-    append_quoted(text, printed);
+std::string table_list_schema(const key &row) {
+    return list_schema(row, table_schema(row));
 }
 
-std::string hex_text(const std::string &bytes) {
-    return bytes_to_hex({reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size()});
-}
+// In the order of key_type.
+constexpr key_form FORMS[] = {
+    {"number", range_of, number_schema, read_number, says_in_range, append_told_number},
+    {"flag", flag_values, flag_schema, read_flag, says_in_range, append_flag},
+    {"word", words_of, word_schema, read_word, says_in_range, append_word},
+    {"words", words_of, words_schema, read_words, says_in_range, append_words},
+    {"text", bytes_at_most, text_schema, read_text, is_sayable_text, append_text},
+    {"texts", nothing, texts_schema, read_texts, is_always_sayable, append_texts},
+    {"bytes", nothing, pattern_schema<HEX_TEXT>, read_hex, is_sayable_hex, append_hex},
+    {"MAC address", nothing, pattern_schema<MAC_TEXT>, read_mac, is_always_sayable, append_mac},
+    {"IPv4 address", nothing, pattern_schema<IPV4_TEXT>, read_ipv4, says_in_range, append_ipv4},
+    {"IPv6 address", nothing, pattern_schema<IPV6_TEXT>, read_ipv6, is_always_sayable, append_ipv6},
+    {"interface", interface_values, interface_schema, read_interface, says_in_range,
+     append_interface},
+    {"numbers", numbers_values, numbers_schema, read_numbers, are_sayable_numbers, append_numbers},
+    {"number", range_of, number_schema, read_number, says_in_range, append_told_number}, // counters
+    {"object", nothing, table_schema, nullptr, nullptr, nullptr},
+    {"list", most_of_list, table_list_schema, nullptr, nullptr, nullptr},
+    {"included", nothing, nothing, nullptr, nullptr, nullptr},
+};
+static_assert(std::size(FORMS) == KEY_TYPES);
 
 } // namespace
+
+const key_form &form_of(key_type type) {
+    return FORMS[static_cast<size_t>(type)];
+}
+
+std::string ranged_number_schema(uint64_t least, uint64_t most) {
+    return R"({"type": ["integer", "string"], "minimum": )" + std::to_string(least) +
+           R"(, "maximum": )" + std::to_string(most) + R"(, "pattern": ")" + NUMBER_TEXT + "\"}";
+}
 
 std::string read_value(const key &row, const json_value &given, key_value &value) {
     value = {};
@@ -355,53 +544,13 @@ std::string read_value(const key &row, const json_value &given, key_value &value
         value.is = key_value::state::refused;
         return "";
     }
-    switch (row.type) {
-    case key_type::number:
-    case key_type::counters:
-        return read_number(row, given, value.number);
-    case key_type::flag:
-        return read_flag(row, given, value.number);
-    case key_type::word:
-        return read_word(row, given, value.number);
-    case key_type::words:
-        return read_words(row, given, value.number);
-    case key_type::text:
-        return read_text(row, given, value.bytes);
-    case key_type::hex:
-        return read_hex(given, value.bytes);
-    case key_type::mac:
-        return read_mac(given, value.bytes);
-    case key_type::ipv4:
-        return read_ipv4(given, value.number);
-    case key_type::ipv6:
-        return read_ipv6(given, value.bytes);
-    case key_type::interface:
-        return read_interface(row, given, value.number);
-    case key_type::numbers:
-        return read_numbers(row, given, value.numbers);
-    default:
-        return "is no value";
-    }
+    return form_of(row.type).read(row, given, value);
 }
 
 bool is_sayable(const key &row, const key_value &value) {
-    if (value.is != key_value::state::told) {
-        return value.is == key_value::state::refused && row.refusable;
-    }
-    switch (row.type) {
-    case key_type::text:
-        return value.bytes.size() <= row.most && value.bytes.find('\0') == std::string::npos;
-    case key_type::hex:
-        return value.bytes.size() <= HEX_LIMIT;
-    case key_type::mac:
-    case key_type::ipv6:
-        return true;
-    case key_type::numbers:
-        return std::all_of(value.numbers.begin(), value.numbers.end(),
-                           [&](uint32_t number) { return in_range(row, number); });
-    default:
-        return in_range(row, value.number);
-    }
+    return value.is == key_value::state::told
+               ? form_of(row.type).is_sayable(row, value)
+               : value.is == key_value::state::refused && row.refusable;
 }
 
 void append_number(std::string &text, uint64_t number) {
@@ -414,51 +563,16 @@ void append_number(std::string &text, uint64_t number) {
     text.append(digits, end);
 }
 
-void append_value(std::string &text, const key &row, const key_value &value, size_t indent) {
-    if (value.is != key_value::state::told) {
+void append_value(std::string &text, const key &row, const key_value &value) {
+    if (value.is == key_value::state::told) {
+        form_of(row.type).append(text, row, value);
+    } else {
         text += "null";
-        return;
     }
-    switch (row.type) {
-    case key_type::flag:
-        if (value.number <= 1) {
-            text += value.number == 1 ? "true" : "false";
-            return;
-        }
-        break;
-    case key_type::word:
-        return append_word(text, row, value.number);
-    case key_type::words:
-        return append_words(text, row, value.number, indent);
-    case key_type::text:
-        return append_quoted(text, bytes_to_utf8(value.bytes));
-    case key_type::hex:
-        return append_quoted(text, hex_text(value.bytes));
-    case key_type::mac:
-        return append_mac(text, value.bytes);
-    case key_type::ipv4: {
-        const auto address = static_cast<uint32_t>(value.number);
-        return append_address(text, AF_INET, &address);
-    }
-    case key_type::ipv6:
-        return append_address(text, AF_INET6, value.bytes.data());
-    case key_type::interface: {
-        const std::string name = interface_name(static_cast<uint32_t>(value.number));
-        if (!name.empty()) {
-            return append_quoted(text, name);
-        }
-        break;
-    }
-    case key_type::numbers:
-        return append_numbers(text, value.numbers, indent);
-    default:
-        break;
-    }
-    append_number(text, value.number);
 }
 
 std::string value_text(const key &row, const key_value &value) {
     std::string text;
-    append_value(text, row, value, 0);
+    append_value(text, row, value);
     return text;
 }

@@ -4,13 +4,19 @@
 
 #include "host/key.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
-// The object as the text of a JSON object, without a newline at the end. A key is left out where
-// reading without it gives the same. The paths of values that no key can say are added to `unsaid`;
-// they are left out too.
-std::string object_text(const key_table &table, const void *object,
+struct write_options {
+    bool full = false;            // defaults are written, too
+    std::set<std::string> keys{}; // only these of the outermost object; all when empty
+};
+
+// The object as the text of a JSON object, without a newline at the end. Unless all is wanted, a
+// key is left out where reading without it gives the same. The paths of values that no key can say
+// are added to `unsaid`; they are left out too, and so are items of lists whose required keys are.
+std::string object_text(const key_table &table, const void *object, const write_options &options,
                         std::vector<std::string> &unsaid);
 
 #endif

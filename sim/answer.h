@@ -1,4 +1,5 @@
-// What the driver knows about one opcode: the form of its request, and who answers it.
+// What the driver knows about one opcode: the form of its request, who answers it, and what a
+// description learns from a driver's answer.
 #ifndef SIM_ANSWER_H
 #define SIM_ANSWER_H
 
@@ -7,29 +8,130 @@
 #include "sim/exchange.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <vector>
 
-constexpr uint32_t ANY_LENGTH = 0xFFFFFFFF;
+constexpr uint32_t ANY_ARGUMENT = 0xFFFFFFFF;
 
-// An opcode that is asked in several forms has one answer for each.
+using answer_function = void(host &, exchange &);
+using learn_function = void(host &, const exchange &);
+
+// An opcode that is asked in several forms, or for several arguments with nothing in common, has
+// one answer for each.
 struct answer {
     kxdpa_opcode opcode;
     uint8_t flags;         // exactly these kxdpa_flag values
-    uint32_t len1 = 0;     // exact, or ANY_LENGTH
+    uint32_t len1 = 0;     // exact
     uint32_t len2 = 0;     // likewise
     uint32_t capacity = 0; // least max1 of a variable-length transfer
-    void (*reply)(host &, exchange &);
+    answer_function *reply;
+    // Takes a driver's answer into the description, or finds nothing in it to take. None for what
+    // does more than read: nobody asks that in order to learn.
+    learn_function *learn = nullptr;
+    uint32_t argument = ANY_ARGUMENT; // the only one that this answers
     // Bytes that the driver writes behind the capacity that it was given. That any driver does is
     // an assumption about a single opcode, the card's UUID.
     uint32_t behind = 0;
+    // True when callers take the same from both answers, of which neither refuses; null where they
+    // look at every byte.
+    bool (*alike)(const exchange &one, const exchange &other) = nullptr;
+    // A step of a walk that hands the whole reply back: the steps of an argument stand together.
+    bool steps_by_reply = false;
+    const char *key = nullptr; // as in key_place(), where the opcode's family says another
+
+    constexpr answer for_argument(uint32_t only) const {
+        answer changed = *this;
+        changed.argument = only;
+        return changed;
+    }
+    constexpr answer told_alike(bool (*when)(const exchange &, const exchange &)) const {
+        answer changed = *this;
+        changed.alike = when;
+        return changed;
+    }
+    constexpr answer from_key(const char *name) const {
+        answer changed = *this;
+        changed.key = name;
+        return changed;
+    }
 };
+
+// The forms of requests. Which is which: kxdpa_indirect.h.
+
+template <typename record>
+constexpr answer get(kxdpa_opcode opcode, answer_function *reply, learn_function *learn) {
+    return {opcode, KXDPA_FLAG_OUT, sizeof(record), 0, 0, reply, learn};
+}
+
+template <typename record>
+constexpr answer exchanged(kxdpa_opcode opcode, answer_function *reply,
+                           learn_function *learn = nullptr) {
+    return {opcode, KXDPA_FLAG_OUT | KXDPA_FLAG_IN, sizeof(record), 0, 0, reply, learn};
+}
+
+constexpr answer get_variable(kxdpa_opcode opcode, uint32_t capacity, answer_function *reply,
+                              learn_function *learn) {
+    return {opcode, KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, 0, 0, capacity, reply, learn};
+}
+
+template <typename record> constexpr answer set(kxdpa_opcode opcode, answer_function *reply) {
+    return {opcode, KXDPA_FLAG_IN, sizeof(record), 0, 0, reply};
+}
+
+constexpr answer set_text(kxdpa_opcode opcode, uint32_t capacity, answer_function *reply) {
+    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, capacity, reply};
+}
+
+constexpr answer command(kxdpa_opcode opcode, answer_function *reply) {
+    return {opcode, KXDPA_FLAG_NODATA, 0, 0, 0, reply};
+}
+
+// Changes nothing that can be asked for.
+inline void accept(host & /*state*/, exchange & /*talk*/) {
+}
+
+// The description gives this answer by itself, from what else it says.
+inline void learn_nothing(host & /*state*/, const exchange & /*told*/) {
+}
+
+// Callers look at nothing but that it is an answer.
+inline bool always_alike(const exchange & /*one*/, const exchange & /*other*/) {
+    return true;
+}
 
 // The opcodes that ask about one part of the host.
-struct family {
-    std::span<const answer> answers;
-};
+using family = std::span<const answer>;
 
-// All parts, in families.cpp.
-std::span<const family *const> all_families();
+extern const family card_family;
+extern const family memory_family;
+extern const family bridge_domain_family;
+extern const family port_family;
+extern const family private_vlan_family;
+extern const family port_channel_family;
+extern const family l2_family;
+extern const family counter_family;
+extern const family acl_family;
+extern const family lacp_family;
+extern const family settings_family;
+
+// All of them, in families.cpp.
+std::vector<const family *> all_families();
+
+// The answer to a request: the one of its form and argument, else any of the opcode, so that the
+// difference can be named; nullptr for an opcode that nobody answers.
+const answer *find_answer(const kxdpa_request &request);
+
+// The place of the top-level key of the host file that the opcode is answered from; none for an
+// opcode that no key is about.
+std::optional<size_t> key_place(const answer &known);
+
+// What is left to do once all answers of a driver are learnt: to take out what says nothing, or
+// twice the same. The drops of one LTL that is neither a port nor internal tell of the others.
+void settle_drops(host &state, uint32_t stranger);
+void settle_l2(host &state);
+
+// The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
+const port_view *find_port_view(const host &state, uint32_t argument);
 
 #endif

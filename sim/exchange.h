@@ -1,4 +1,5 @@
-// One request on its way through the model: what came in and what goes back.
+// One request and its answer, as the described host sees them: on the way through the model, or as
+// a driver has answered it.
 #ifndef SIM_EXCHANGE_H
 #define SIM_EXCHANGE_H
 
@@ -8,7 +9,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -17,21 +20,30 @@
 // Status words of the model. The channel gives meaning to 1, 2 and 6 only.
 constexpr uint32_t SIM_STATUS_MALFORMED = 22;      // the record breaks the driver's rules
 constexpr uint32_t SIM_STATUS_UNKNOWN_OPCODE = 38; // nobody answers it
-constexpr uint32_t SIM_STATUS_NOT_FOUND = HOST_STATUS_NOT_FOUND;
+
+// Where the walks of a host stand, so that the next step of a long one is found at once: places in
+// the L2 table of a bridge domain.
+using walk_places = std::map<uint32_t, size_t>;
 
 struct exchange {
-    const kxdpa_request &request;
-    std::vector<uint8_t> input; // what buffer 1 carried: len1 bytes, or a text up to its NUL
-    std::vector<uint8_t> reply; // a fixed-size reply is filled up with zeros or cut
+    kxdpa_request request{};
+    std::span<const uint8_t> input{}; // what buffer 1 carried: len1 bytes, or a text up to its NUL
+    std::vector<uint8_t> reply{};     // a fixed-size reply is filled up with zeros or cut
     uint32_t status = KXDPA_STATUS_SUCCESS;
-    std::optional<uint32_t> returned; // length handed back in the capacity word, if not the reply's
+    std::optional<uint32_t>
+        returned{}; // length handed back in the capacity word, if not the reply's
+    walk_places *places = nullptr;
 
-    // The input as a record; what the caller left out is zero.
+    bool is_told() const {
+        return status == KXDPA_STATUS_SUCCESS;
+    }
+
+    // The input as a record; what the caller left out is zero. Likewise the reply.
     template <typename record> record input_as() const {
-        static_assert(std::is_trivially_copyable_v<record>);
-        record value{};
-        std::memcpy(&value, input.data(), std::min(sizeof value, input.size()));
-        return value;
+        return as<record>(input);
+    }
+    template <typename record> record reply_as() const {
+        return as<record>(reply);
     }
 
     // Answer with a record (or a plain number).
@@ -41,26 +53,41 @@ struct exchange {
         reply.assign(bytes, bytes + sizeof value);
     }
 
-    // Answer with a text and its terminator.
-    void reply_with_text(std::string_view text) {
-        reply.assign(text.begin(), text.end());
-        reply.push_back(0);
-    }
-
-    // Answer with a value, or refuse one that this driver does not tell.
-    template <typename record> void tell(const std::optional<record> &value) {
+    // Answer with a value, a text with its terminator, or refuse what this driver does not tell.
+    template <typename record> void tell(const host &state, const std::optional<record> &value) {
         if (!value) {
-            fail();
+            fail(state);
         } else if constexpr (std::is_same_v<record, std::string>) {
-            reply_with_text(*value);
+            reply.assign(value->begin(), value->end());
+            reply.push_back(0);
         } else {
             reply_with(*value);
         }
     }
 
-    void fail(uint32_t with_status = SIM_STATUS_NOT_FOUND) {
-        status = with_status;
+    // What the driver told, into the description; empty where it refused.
+    template <typename record> void learn(std::optional<record> &value) const {
+        if (!is_told()) {
+            value.reset();
+        } else if constexpr (std::is_same_v<record, std::string>) {
+            value.emplace(reply.begin(), std::find(reply.begin(), reply.end(), 0));
+        } else {
+            value = reply_as<record>();
+        }
+    }
+
+    // Refuse, with the host's own status.
+    void fail(const host &state) {
+        status = state.refusal_status;
         reply.clear();
+    }
+
+private:
+    template <typename record> static record as(std::span<const uint8_t> bytes) {
+        static_assert(std::is_trivially_copyable_v<record>);
+        record value{};
+        std::memcpy(&value, bytes.data(), std::min(sizeof value, bytes.size()));
+        return value;
     }
 };
 

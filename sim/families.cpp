@@ -1,37 +1,77 @@
-#include "sim/acl/acls.h"
 #include "sim/answer.h"
-#include "sim/bridge_domain/bridge_domains.h"
-#include "sim/card/card.h"
-#include "sim/card/memory.h"
-#include "sim/counters/counters.h"
-#include "sim/l2/l2_tables.h"
-#include "sim/lacp/lacp_state.h"
-#include "sim/port/port_channels.h"
-#include "sim/port/ports.h"
-#include "sim/port/private_vlans.h"
-#include "sim/settings/settings.h"
+
+#include "host/keys.h"
+
+#include <map>
+#include <string_view>
 
 namespace {
 
-// A new part of the host is one line here and one in host.h.
-// clang-format off
-constexpr const family *FAMILIES[] = {
-    &card_family,
-    &memory_family,
-    &bridge_domain_family,
-    &port_family,
-    &private_vlan_family,
-    &port_channel_family,
-    &l2_family,
-    &counter_family,
-    &acl_family,
-    &lacp_family,
-    &settings_family,
+// A new part of the host is one line here, one in answer.h and one in host.h.
+constexpr struct {
+    const family *answers;
+    const char *key; // of the host file, nullptr for none
+} FAMILIES[] = {
+    {&card_family, "card"},
+    {&memory_family, nullptr},
+    {&bridge_domain_family, "bridge_domains"},
+    {&port_family, "ports"},
+    {&private_vlan_family, "private_vlans"},
+    {&port_channel_family, "port_channels"},
+    {&l2_family, "l2"},
+    {&counter_family, "drops"},
+    {&acl_family, "acls"},
+    {&lacp_family, "lacp"},
+    {&settings_family, nullptr},
 };
-// clang-format on
+
+std::multimap<uint16_t, const answer *> by_opcode() {
+    std::multimap<uint16_t, const answer *> answers;
+    for (const auto &[part, key] : FAMILIES) {
+        for (const answer &one : *part) {
+            answers.emplace(one.opcode, &one);
+        }
+    }
+    return answers;
+}
 
 } // namespace
 
-std::span<const family *const> all_families() {
-    return FAMILIES;
+std::vector<const family *> all_families() {
+    std::vector<const family *> all;
+    for (const auto &[part, key] : FAMILIES) {
+        all.push_back(part);
+    }
+    return all;
+}
+
+const answer *find_answer(const kxdpa_request &request) {
+    // Never destroyed: a preloaded library answers until its process ends.
+    static const auto &answers = *new std::multimap(by_opcode());
+    const answer *found = nullptr;
+    const auto [first, end] = answers.equal_range(request.opcode);
+    for (auto at = first; at != end; ++at) {
+        const answer &candidate = *at->second;
+        if (candidate.flags == request.flags &&
+            (candidate.argument == ANY_ARGUMENT || candidate.argument == request.arg)) {
+            return &candidate;
+        }
+        found = found == nullptr ? &candidate : found;
+    }
+    return found;
+}
+
+std::optional<size_t> key_place(const answer &known) {
+    const char *name = known.key;
+    for (const auto &[part, key] : FAMILIES) {
+        if (name == nullptr && &known >= part->data() && &known < part->data() + part->size()) {
+            name = key;
+        }
+    }
+    for (size_t place = 0; name != nullptr && place < HOST_KEYS.keys.size(); place++) {
+        if (HOST_KEYS.keys[place].name == std::string_view(name)) {
+            return place;
+        }
+    }
+    return std::nullopt;
 }

@@ -1,13 +1,14 @@
 #include "sim/model.h"
 
 #include "host/hex.h"
-#include "sim/answer.h"
+#include "sim/transfer.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -23,10 +24,6 @@ std::string format(const char *text, ...) {
     std::vsnprintf(line, sizeof line, text, values);
     va_end(values);
     return line;
-}
-
-bool has(const kxdpa_request &request, kxdpa_flag flag) {
-    return (request.flags & flag) != 0;
 }
 
 std::string wrong(const char *field, uint32_t found, uint32_t expected) {
@@ -55,8 +52,8 @@ std::string check_head(const kxdpa_request &request) {
 }
 
 std::string check_capacity(const kxdpa_request &request, const answer &expected) {
-    const uint32_t one = has(request, KXDPA_FLAG_MAX) ? 1 : 0;
-    const uint32_t two = has(request, KXDPA_FLAG_TWO) ? one : 0;
+    const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
+    const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
     if (request.max1_valid != one) {
         return wrong("max1_valid", request.max1_valid, one);
     }
@@ -76,8 +73,8 @@ std::string check_capacity(const kxdpa_request &request, const answer &expected)
 }
 
 std::string check_buffers(const kxdpa_request &request) {
-    const bool one = !has(request, KXDPA_FLAG_NODATA);
-    const bool two = has(request, KXDPA_FLAG_TWO);
+    const bool one = !has_flag(request, KXDPA_FLAG_NODATA);
+    const bool two = has_flag(request, KXDPA_FLAG_TWO);
     if ((request.buf1 != 0) != one) {
         return one ? "buf1 is 0, expected a buffer" : "buf1 is set, expected 0";
     }
@@ -91,37 +88,18 @@ std::string check_form(const kxdpa_request &request, const answer &expected) {
     if (request.flags != expected.flags) {
         return wrong("flags", request.flags, expected.flags);
     }
-    if (expected.len1 != ANY_LENGTH && request.len1 != expected.len1) {
+    if (request.len1 != expected.len1) {
         return wrong("len1", request.len1, expected.len1);
     }
-    if (expected.len2 != ANY_LENGTH && request.len2 != expected.len2) {
+    if (request.len2 != expected.len2) {
         return wrong("len2", request.len2, expected.len2);
     }
     const std::string complaint = check_capacity(request, expected);
     return complaint.empty() ? check_buffers(request) : complaint;
 }
 
-// The opcode's answer: the one of this form, else any, so that the difference can be named.
-const answer *find_answer(const kxdpa_request &request) {
-    const answer *found = nullptr;
-    for (const family *part : all_families()) {
-        for (const answer &candidate : part->answers) {
-            if (candidate.opcode != request.opcode) {
-                continue;
-            }
-            if (candidate.flags == request.flags) {
-                return &candidate;
-            }
-            if (found == nullptr) {
-                found = &candidate;
-            }
-        }
-    }
-    return found;
-}
-
 bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector<uint8_t> &input) {
-    if (!has(request, KXDPA_FLAG_IN) && !has(request, KXDPA_FLAG_TWO)) {
+    if (!has_input(request)) {
         return true;
     }
     input.resize(request.len1);
@@ -142,47 +120,29 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
     return true;
 }
 
-// Where a reply goes, and what the caller has room for: a capacity comes on top of the length.
-struct destination {
-    uint32_t address;
-    uint32_t room;
-    uint32_t *returned; // nullptr for a fixed-size reply
-};
-
-destination reply_destination(kxdpa_request &record) {
-    const bool variable = has(record, KXDPA_FLAG_MAX);
-    if (has(record, KXDPA_FLAG_TWO)) {
-        return {record.buf2, record.len2 + (variable ? record.max2 : 0),
-                variable ? &record.max2 : nullptr};
-    }
-    return {record.buf1, record.len1 + (variable ? record.max1 : 0),
-            variable ? &record.max1 : nullptr};
-}
-
 // Never writes past the length and capacity that the request declares, whatever an override says,
 // but for the `behind` bytes of the opcode.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk,
                  uint32_t behind, bool forced) {
-    if (!has(record, KXDPA_FLAG_OUT)) {
-        return true;
-    }
-    const destination to = reply_destination(record);
-    std::vector<uint8_t> bytes = talk.reply;
-    if (to.returned == nullptr && !forced && talk.status == KXDPA_STATUS_SUCCESS) {
-        bytes.resize(std::min(to.room, TRANSFER_LIMIT));
-    }
-    const auto count =
-        static_cast<uint32_t>(std::min<uint64_t>(bytes.size(), uint64_t{to.room} + behind));
+    const reply_place to = reply_place_of(record);
+    const auto full = static_cast<uint32_t>(talk.reply.size());
+    const auto count = static_cast<uint32_t>(std::min<uint64_t>(full, uint64_t{to.room} + behind));
     if (to.returned != nullptr) {
-        const auto full = static_cast<uint32_t>(bytes.size());
-        const bool replied = talk.status == KXDPA_STATUS_SUCCESS || full != 0;
         if (talk.returned) {
             *to.returned = *talk.returned;
-        } else if (replied) {
+        } else if (talk.is_told() || full != 0) {
             *to.returned = forced ? full : count;
         }
     }
-    return count == 0 || (to.address != 0 && memory.write(to.address, bytes.data(), count));
+    return count == 0 || (to.address != 0 && memory.write(to.address, talk.reply.data(), count));
+}
+
+// A fixed-size reply is of the size that was asked for.
+void fit_reply(exchange &talk) {
+    const reply_place to = reply_place_of(talk.request);
+    if (to.returned == nullptr && talk.is_told()) {
+        talk.reply.resize(to.room);
+    }
 }
 
 std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &input) {
@@ -231,11 +191,15 @@ std::string check_request(const kxdpa_request &request, const answer *known) {
 void answer_request(host &state, exchange &talk, const answer *known, const override_rule *rule) {
     if (rule != nullptr && (rule->reply || rule->status)) {
         talk.status = rule->status.value_or(KXDPA_STATUS_SUCCESS);
-        talk.reply = rule->reply.value_or(std::vector<uint8_t>());
+        if (rule->reply) {
+            talk.reply = *rule->reply;
+        } else {
+            fit_reply(talk);
+        }
     } else if (known == nullptr) {
-        talk.fail(SIM_STATUS_UNKNOWN_OPCODE);
+        talk.status = SIM_STATUS_UNKNOWN_OPCODE;
     } else {
-        known->reply(state, talk);
+        answer_as_host(state, *known, talk);
     }
     if (rule != nullptr && rule->length) {
         talk.reply.resize(*rule->length);
@@ -259,16 +223,21 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     if (!read_input(record, memory, input)) {
         return EFAULT;
     }
-    const override_rule *rule = driver.overrides.find(driver.state.overrides, record, input);
+    const size_t place = driver.overrides.find(record, input);
+    const override_rule *rule =
+        place == override_index::NONE ? nullptr : &driver.state.overrides[place];
     if (rule != nullptr && driver.met) {
-        driver.met(static_cast<size_t>(rule - driver.state.overrides.data()));
+        driver.met(place);
     }
     const bool forced = rule != nullptr && (rule->reply || rule->length);
     if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
         return rule->error;
     }
+    if (known != nullptr && driver.asked) {
+        driver.asked(*known);
+    }
     const kxdpa_request asked = record;
-    exchange talk{asked, input, {}, KXDPA_STATUS_SUCCESS, {}};
+    exchange talk{.request = asked, .input = input, .places = &driver.places};
     answer_request(driver.state, talk, known, rule);
     if (!write_reply(record, memory, talk, known == nullptr ? 0 : known->behind, forced)) {
         record = asked;
@@ -309,6 +278,25 @@ bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
     }
     std::memcpy(reinterpret_cast<void *>(address), from, length);
     return true;
+}
+
+void model::take(host described) {
+    state = std::move(described);
+    overrides = override_index(state.overrides);
+    places.clear();
+}
+
+void model::take_overrides(std::vector<override_rule> rules) {
+    state.overrides = std::move(rules);
+    overrides = override_index(state.overrides);
+}
+
+void answer_as_host(host &state, const answer &form, exchange &talk) {
+    if (form.argument != ANY_ARGUMENT && form.argument != talk.request.arg) {
+        return talk.fail(state);
+    }
+    form.reply(state, talk);
+    fit_reply(talk);
 }
 
 int model_request(model &driver, kxdpa_request &record, caller_memory &memory) {

@@ -7,11 +7,13 @@
 
 #include "dpa/userspace/kxdpa_request.h"
 #include "host/host.h"
+#include "sim/answer.h"
 #include "sim/overrides.h"
 
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 // The calling process's memory, by 32-bit user address. Both return false for a bad address.
 class caller_memory {
@@ -29,15 +31,31 @@ public:
 };
 
 struct model {
-    host state;
-    override_index overrides{}; // of the host
+    model() = default;
+    explicit model(host described) {
+        take(std::move(described));
+    }
+    // Answer for this host, or with these overrides, from now on. The count of requests for
+    // overrides starts again.
+    void take(host described);
+    void take_overrides(std::vector<override_rule> rules);
+
+    host state;               // changed by requests
+    override_index overrides; // of the rules that were taken
+    walk_places places;
     // One line for every request, without its newline; see docs/simulated-host.md.
     std::function<void(const std::string &line)> trace;
     // Told the place of each override that a request is answered by.
     std::function<void(size_t place)> met;
+    // Told the form of each request that there is one of.
+    std::function<void(const answer &form)> asked;
     // One line for every malformed record; nullptr writes to standard error.
     std::function<void(const std::string &line)> complain;
 };
+
+// Answer a well-formed request of this form as the host does by itself, whatever its overrides. A
+// fixed-size reply is of its size then.
+void answer_as_host(host &state, const answer &form, exchange &talk);
 
 // Answer one record in place. Returns 0, or the errno that the ioctl fails with; the record is then
 // as the caller left it, unless an override says what becomes of it all the same. A malformed

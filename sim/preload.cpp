@@ -4,12 +4,14 @@
 #include "sim/interpose.h"
 #include "sim/preload_channel.h"
 #include "sim/trace.h"
+#include "sim/use.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -63,15 +65,15 @@ void close_if_open(int descriptor) {
     }
 }
 
-// Mark the overrides that are met where tarnlab sees it.
-void mark_met(model &driver, int descriptor) {
-    const size_t size = driver.state.overrides.size();
-    if (descriptor == -1 || size == 0) {
+// Mark what the host is used for where tarnlab sees it.
+void mark_use(model &driver, int descriptor) {
+    if (descriptor == -1) {
         return;
     }
-    void *shared = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    void *shared =
+        mmap(nullptr, marks_of(driver.state), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
     if (shared != MAP_FAILED) {
-        driver.met = [marks = static_cast<uint8_t *>(shared)](size_t place) { marks[place] = 1; };
+        mark_use_of(driver, static_cast<uint8_t *>(shared));
     }
 }
 
@@ -81,12 +83,14 @@ __attribute__((constructor)) void start_simulation() {
     forget_preload(preload_entry(channel));
     // Lives as long as the process, also while its other destructors run.
     auto *driver = new model;
+    host described;
     std::string error;
-    if (!parse_host(host_text(channel.host), "host", driver->state, error)) {
+    if (!parse_host(host_text(channel.host), "host", described, error)) {
         std::fprintf(stderr, "%s: %s\n", PRELOAD_LIBRARY, error.c_str());
         _exit(EXIT_BAD_HOST);
     }
-    mark_met(*driver, channel.met);
+    driver->take(std::move(described));
+    mark_use(*driver, channel.met);
     if (channel.trace != -1) {
         fcntl(channel.trace, F_SETFD, FD_CLOEXEC);
         trace_into(*driver, channel.trace);

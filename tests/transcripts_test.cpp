@@ -133,11 +133,12 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     static model driver;
     std::string error;
     host_programs programs;
-    if (!load_host(folder / "host", driver.state, error) ||
-        !programs.install(driver.state, error)) {
+    host described;
+    if (!load_host(folder / "host", described, error) || !programs.install(described, error)) {
         fprintf(stderr, "%s\n", error.c_str());
         return 2;
     }
+    driver.take(std::move(described));
     const int trace = open((folder / "trace").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
     driver.trace = [trace](const std::string &line) { dprintf(trace, "%s\n", line.c_str()); };
     interpose_model(&driver);

@@ -10,82 +10,6 @@ std::string quoted(const std::string &text) {
     return "`" + text + "`";
 }
 
-std::string range_of(const key &row) {
-    return std::to_string(row.least) + " to " + std::to_string(row.most);
-}
-
-std::string words_of(const key &row) {
-    std::string words;
-    for (const key_word &word : row.words) {
-        words += quoted(word.name) + ", ";
-    }
-    return words;
-}
-
-std::string most_of_list(const key &row) {
-    return row.items < UINT32_MAX ? "at most " + std::to_string(row.items) : "";
-}
-
-const char *type_of(const key &row) {
-    switch (row.type) {
-    case key_type::number:
-    case key_type::counters:
-        return "number";
-    case key_type::flag:
-        return "flag";
-    case key_type::word:
-        return "word";
-    case key_type::words:
-        return "words";
-    case key_type::text:
-        return "text";
-    case key_type::hex:
-        return "bytes";
-    case key_type::mac:
-        return "MAC address";
-    case key_type::ipv4:
-        return "IPv4 address";
-    case key_type::ipv6:
-        return "IPv6 address";
-    case key_type::interface:
-        return "interface";
-    case key_type::numbers:
-        return "numbers";
-    case key_type::object:
-        return "object";
-    default:
-        return "list";
-    }
-}
-
-std::string values_of(const key &row) {
-    switch (row.type) {
-    case key_type::number:
-    case key_type::counters:
-        return range_of(row);
-    case key_type::flag:
-        return row.most > 1 ? "`true`, `false`, or 2 to " + std::to_string(row.most)
-                            : "`true`, `false`";
-    case key_type::word:
-    case key_type::words:
-        return words_of(row) + "or " + range_of(row);
-    case key_type::text:
-        return "at most " + std::to_string(row.most) + " bytes";
-    case key_type::numbers: {
-        const std::string most = most_of_list(row);
-        return range_of(row) + (most.empty() ? "" : ", " + most);
-    }
-    case key_type::interface:
-        return "`Veth3`, `Eth4/1`, `Po1`, or " + range_of(row);
-    case key_type::object:
-        return "";
-    case key_type::list:
-        return most_of_list(row);
-    default:
-        return "";
-    }
-}
-
 // What a file without the key stands for; `fresh` is an object of which nothing is said.
 std::string default_of(const key &row, const void *fresh) {
     if (row.required) {
@@ -106,7 +30,8 @@ std::string default_of(const key &row, const void *fresh) {
 }
 
 key_entry entry_of(const key &row, const void *fresh) {
-    key_entry entry{&row, row.name, type_of(row), values_of(row), default_of(row, fresh)};
+    const key_form &form = form_of(row.type);
+    key_entry entry{&row, row.name, form.name, form.takes(row), default_of(row, fresh)};
     if (row.type == key_type::counters) {
         entry.name = "0 to " + std::to_string(row.items - 1);
     }

@@ -53,15 +53,16 @@ const char *wrong_field(const kxdpa_request &request) {
     return nullptr;
 }
 
-agent_answer *find_answer(std::vector<agent_answer> &answers, const kxdpa_request &request) {
-    agent_answer *found = nullptr;
-    for (agent_answer &answer : answers) {
+const agent_answer *find_answer(agent_answers &answers, const kxdpa_request &request) {
+    const agent_answer *found = nullptr;
+    for (size_t i = 0; i < answers.described.size(); i++) {
+        const agent_answer &answer = answers.described[i];
         if (answer.opcode != request.opcode ||
             (answer.argument && *answer.argument != request.arg)) {
             continue;
         }
-        answer.seen++;
-        if (found == nullptr && (answer.only_time == 0 || answer.only_time == answer.seen)) {
+        answers.seen[i]++;
+        if (found == nullptr && (answer.only_time == 0 || answer.only_time == answers.seen[i])) {
             found = &answer;
         }
     }
@@ -101,7 +102,7 @@ bool send_all(int descriptor, const std::vector<uint8_t> &message, size_t count)
 
 } // namespace
 
-agent_channel::agent_channel(int descriptor, std::vector<agent_answer> &answers)
+agent_channel::agent_channel(int descriptor, agent_answers &answers)
     : descriptor_(descriptor), answers_(answers) {
 }
 

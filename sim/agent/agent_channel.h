@@ -7,11 +7,17 @@
 #include <cstdint>
 #include <vector>
 
+// The answers of a description, and how many requests each has fitted so far.
+struct agent_answers {
+    std::vector<agent_answer> described;
+    std::vector<uint32_t> seen = std::vector<uint32_t>(described.size());
+};
+
 class agent_channel {
 public:
     // `answers` are shared by all connections and outlive them; the descriptor becomes the
     // channel's.
-    agent_channel(int descriptor, std::vector<agent_answer> &answers);
+    agent_channel(int descriptor, agent_answers &answers);
     ~agent_channel();
     agent_channel(const agent_channel &) = delete;
     agent_channel &operator=(const agent_channel &) = delete;
@@ -28,7 +34,7 @@ private:
     bool answer_message(std::vector<uint8_t> message);
 
     int descriptor_;
-    std::vector<agent_answer> &answers_;
+    agent_answers &answers_;
     std::vector<uint8_t> received_;
 };
 

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <list>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -29,6 +30,7 @@ void feed_from(int pipe, agent_shell &shell) {
 // One thing after the other, as the agent itself does: a slow command keeps requests waiting.
 [[noreturn]] void serve(const agent_paths &paths, agent_description description) {
     std::list<agent_channel> channels;
+    agent_answers answers{std::move(description.answers)};
     agent_shell shell(description.commands);
     for (;;) {
         std::vector<pollfd> waiting = {{paths.listener(), POLLIN, 0}, {paths.pipe(), POLLIN, 0}};
@@ -50,7 +52,7 @@ void feed_from(int pipe, agent_shell &shell) {
         }
         const int client = accept4(paths.listener(), nullptr, nullptr, SOCK_CLOEXEC);
         if (client != -1) {
-            channels.emplace_back(client, description.answers);
+            channels.emplace_back(client, answers);
         }
     }
 }

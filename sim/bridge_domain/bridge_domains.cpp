@@ -1,7 +1,8 @@
-#include "sim/bridge_domain/bridge_domains.h"
+#include "sim/answer.h"
+
+#include "host/port.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace {
@@ -15,14 +16,21 @@ void answer_domain_count(host &state, exchange &talk) {
 void answer_next_index(host &state, exchange &talk) {
     const auto next = state.bridge_domains.by_index.upper_bound(talk.request.arg);
     if (next == state.bridge_domains.by_index.end()) {
-        talk.fail();
+        talk.fail(state);
     } else {
         talk.reply_with(next->first);
     }
 }
 
+void learn_next_index(host &state, const exchange &told) {
+    const auto index = told.reply_as<uint32_t>();
+    if (told.is_told() && index != 0) {
+        state.bridge_domains.by_index.try_emplace(index).first->second.record.index = index;
+    }
+}
+
 // nullptr when there is none of that index.
-const bridge_domain *find_bridge_domain(const host &state, uint32_t index) {
+template <typename Host> auto *find_bridge_domain(Host &state, uint32_t index) {
     const auto found = state.bridge_domains.by_index.find(index);
     return found == state.bridge_domains.by_index.end() ? nullptr : &found->second;
 }
@@ -33,12 +41,25 @@ kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
     return wire;
 }
 
+// A driver need not say the index of the one that was asked for.
 void answer_bridge_domain(host &state, exchange &talk) {
     const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
     if (found == nullptr || !found->known) {
-        talk.fail();
+        talk.fail(state);
     } else {
-        talk.reply_with(wire_record(talk.request.arg, *found));
+        talk.reply_with(found->record);
+    }
+}
+
+void learn_bridge_domain(host &state, const exchange &told) {
+    bridge_domain *found = find_bridge_domain(state, told.request.arg);
+    const auto record = told.reply_as<kx_bd_record>();
+    if (found == nullptr || record.vlan > KX_LAST_VLAN) {
+        return;
+    }
+    found->known = told.is_told();
+    if (found->known) {
+        found->record = record;
     }
 }
 
@@ -47,11 +68,10 @@ template <typename predicate> void find_record(host &state, exchange &talk, pred
     const auto asked = talk.input_as<kx_bd_record>();
     for (const auto &[index, found] : state.bridge_domains.by_index) {
         if (found.known && matches(found.record, asked)) {
-            talk.reply_with(wire_record(index, found));
-            return;
+            return talk.reply_with(wire_record(index, found));
         }
     }
-    talk.fail();
+    talk.fail(state);
 }
 
 void answer_by_vlan(host &state, exchange &talk) {
@@ -82,113 +102,132 @@ void answer_by_segment(host &state, exchange &talk) {
     });
 }
 
-void answer_port_count(host &state, exchange &talk) {
-    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
-    if (found == nullptr || !found->members) {
-        talk.fail();
+// A set of numbers that is counted and walked, and may be refused as a whole.
+
+void answer_count(const host &state, exchange &talk, const std::optional<number_set> *set) {
+    if (set == nullptr || !*set) {
+        talk.fail(state);
     } else {
-        talk.reply_with(static_cast<uint32_t>(found->members->size()));
+        talk.reply_with(static_cast<uint32_t>((*set)->size()));
     }
 }
 
-void answer_next_port(host &state, exchange &talk) {
-    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
-    if (found == nullptr || !found->members) {
-        talk.fail();
-        return;
+// Before any step of the walk.
+void learn_count(const exchange &told, std::optional<number_set> *set) {
+    if (set != nullptr && !told.is_told()) {
+        set->reset();
     }
-    const auto &members = *found->members;
-    const auto ltl = talk.input_as<uint32_t>();
-    const auto next = ltl == BEFORE_FIRST_LTL ? members.begin() : members.upper_bound(ltl);
-    if (next == members.end()) {
-        talk.fail();
+}
+
+void answer_step(const host &state, exchange &talk, const std::optional<number_set> *set,
+                 uint32_t from, uint32_t start) {
+    if (set == nullptr || !*set) {
+        return talk.fail(state);
+    }
+    const auto next = from == start ? (*set)->begin() : (*set)->upper_bound(from);
+    if (next == (*set)->end()) {
+        talk.fail(state);
     } else {
         talk.reply_with(*next);
     }
+}
+
+void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t least,
+                uint32_t most) {
+    const auto number = told.reply_as<uint32_t>();
+    if (set != nullptr && told.is_told() && number >= least && number <= most) {
+        (*set ? **set : set->emplace()).insert(number);
+    }
+}
+
+template <typename Host> auto *members_of(Host &state, const exchange &talk) {
+    auto *found = find_bridge_domain(state, talk.request.arg);
+    return found == nullptr ? nullptr : &found->members;
+}
+
+void answer_port_count(host &state, exchange &talk) {
+    answer_count(state, talk, members_of(state, talk));
+}
+
+void learn_port_count(host &state, const exchange &told) {
+    learn_count(told, members_of(state, told));
+}
+
+void answer_next_port(host &state, exchange &talk) {
+    answer_step(state, talk, members_of(state, talk), talk.input_as<uint32_t>(), BEFORE_FIRST_LTL);
+}
+
+void learn_next_port(host &state, const exchange &told) {
+    learn_step(told, members_of(state, told), 0, LAST_LTL);
+}
+
+void answer_vlan_count(host &state, exchange &talk) {
+    answer_count(state, talk, &state.bridge_domains.vlans);
+}
+
+void learn_vlan_count(host &state, const exchange &told) {
+    learn_count(told, &state.bridge_domains.vlans);
+}
+
+void answer_next_vlan(host &state, exchange &talk) {
+    answer_step(state, talk, &state.bridge_domains.vlans, talk.request.arg, 0);
+}
+
+void learn_next_vlan(host &state, const exchange &told) {
+    learn_step(told, &state.bridge_domains.vlans, 1, KX_LAST_VLAN);
+}
+
+// The first bridge domain of a VLAN has its groups.
+template <typename Host> auto *groups_of(Host &state, uint32_t vlan) {
+    for (auto &[index, bd] : state.bridge_domains.by_index) {
+        if (bd.known && bd.record.kind == 0 && bd.record.vlan == vlan) {
+            return &bd.groups;
+        }
+    }
+    return static_cast<decltype(&state.bridge_domains.by_index.begin()->second.groups)>(nullptr);
 }
 
 // Group 0 stands before the first one and, in the reply, behind the last one.
 void answer_next_group(host &state, exchange &talk) {
+    const auto *groups = groups_of(state, talk.request.arg);
+    if (groups == nullptr) {
+        return talk.fail(state);
+    }
     const auto group = talk.input_as<uint32_t>();
-    for (const auto &[index, bd] : state.bridge_domains.by_index) {
-        if (!bd.known || bd.record.kind != 0 || bd.record.vlan != talk.request.arg) {
-            continue;
-        }
-        const auto current = std::find(bd.groups.begin(), bd.groups.end(), group);
-        const auto next =
-            group == 0 ? bd.groups.begin() : current + (current == bd.groups.end() ? 0 : 1);
-        talk.reply_with(next == bd.groups.end() ? 0U : *next);
-        return;
-    }
-    talk.fail();
+    const auto current = std::find(groups->begin(), groups->end(), group);
+    const auto next = group == 0 ? groups->begin() : current + (current == groups->end() ? 0 : 1);
+    talk.reply_with(next == groups->end() ? 0U : *next);
 }
 
-void answer_vlan_count(host &state, exchange &talk) {
-    const auto &vlans = state.bridge_domains.vlans;
-    if (vlans) {
-        talk.reply_with(static_cast<uint32_t>(vlans->size()));
-    } else {
-        talk.fail();
+void learn_next_group(host &state, const exchange &told) {
+    auto *groups = groups_of(state, told.request.arg);
+    const auto group = told.reply_as<uint32_t>();
+    if (groups != nullptr && told.is_told() && group != 0 &&
+        std::find(groups->begin(), groups->end(), group) == groups->end()) {
+        groups->push_back(group);
     }
 }
 
-void answer_next_vlan(host &state, exchange &talk) {
-    const auto &vlans = state.bridge_domains.vlans;
-    if (!vlans) {
-        talk.fail();
-        return;
-    }
-    const auto next = vlans->upper_bound(talk.request.arg);
-    if (next == vlans->end()) {
-        talk.fail();
-    } else {
-        talk.reply_with(*next);
-    }
+constexpr answer lookup(kxdpa_opcode opcode, answer_function *reply) {
+    return exchanged<kx_bd_record>(opcode, reply, learn_nothing);
 }
 
 constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
-    {.opcode = KXDPA_OP_BD_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_domain_count},
-    {.opcode = KXDPA_OP_NEXT_BD, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_index},
-    {.opcode = KXDPA_OP_BD_RECORD,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_bridge_domain},
-    {.opcode = KXDPA_OP_BD_BY_VLAN,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_by_vlan},
-    {.opcode = KXDPA_OP_BD_BY_VLAN_L2,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_by_vlan},
-    {.opcode = KXDPA_OP_BD_BY_SWBD,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_by_swbd},
-    {.opcode = KXDPA_OP_BD_BY_NAME,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_by_name},
-    {.opcode = KXDPA_OP_BD_BY_SEGMENT,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_bd_record),
-     .reply = answer_by_segment},
-    {.opcode = KXDPA_OP_BD_PORT_COUNT,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = 4,
-     .reply = answer_port_count},
-    {.opcode = KXDPA_OP_BD_NEXT_PORT,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = 4,
-     .reply = answer_next_port},
-    {.opcode = KXDPA_OP_NEXT_VLAN_GROUP,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = 4,
-     .reply = answer_next_group},
-    {.opcode = KXDPA_OP_VLAN_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_vlan_count},
-    {.opcode = KXDPA_OP_NEXT_VLAN, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_vlan},
+    get<uint32_t>(KXDPA_OP_BD_COUNT, answer_domain_count, learn_nothing),
+    get<uint32_t>(KXDPA_OP_NEXT_BD, answer_next_index, learn_next_index),
+    get<kx_bd_record>(KXDPA_OP_BD_RECORD, answer_bridge_domain, learn_bridge_domain),
+    lookup(KXDPA_OP_BD_BY_VLAN, answer_by_vlan),
+    lookup(KXDPA_OP_BD_BY_VLAN_L2, answer_by_vlan),
+    lookup(KXDPA_OP_BD_BY_SWBD, answer_by_swbd),
+    lookup(KXDPA_OP_BD_BY_NAME, answer_by_name),
+    lookup(KXDPA_OP_BD_BY_SEGMENT, answer_by_segment),
+    get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_port_count, learn_port_count),
+    exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_next_port, learn_next_port),
+    exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group),
+    get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_vlan_count, learn_vlan_count).from_key("vlans"),
+    get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_next_vlan, learn_next_vlan).from_key("vlans"),
 };
 
 } // namespace
 
-constinit const family bridge_domain_family = {BRIDGE_DOMAIN_ANSWERS};
+constinit const family bridge_domain_family = BRIDGE_DOMAIN_ANSWERS;

@@ -1,4 +1,4 @@
-#include "sim/card/card.h"
+#include "sim/answer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,11 +8,70 @@
 
 namespace {
 
+// Most requests read or write one value: the member at the end of a path from the card.
+
+template <auto... path> auto &value_at(host &state) {
+    return (state.card.*....*path);
+}
+
+template <auto... path>
+using value_of =
+    typename std::remove_cvref_t<decltype(value_at<path...>(std::declval<host &>()))>::value_type;
+
+template <auto... path> void reply_value(host &state, exchange &talk) {
+    talk.tell(state, value_at<path...>(state));
+}
+
+template <auto... path> void learn_value(host &state, const exchange &told) {
+    told.learn(value_at<path...>(state));
+}
+
+// As far as a description goes: a caller may have room for more.
+template <auto... path> void learn_text(host &state, const exchange &told) {
+    auto &text = value_at<path...>(state);
+    told.learn(text);
+    if (text && text->size() > KX_CARD_NAME_CAPACITY) {
+        text->resize(KX_CARD_NAME_CAPACITY);
+    }
+}
+
+template <auto... path> void set_value(host &state, exchange &talk) {
+    value_at<path...>(state) = talk.input_as<value_of<path...>>();
+}
+
+template <auto... path> constexpr answer value(kxdpa_opcode opcode) {
+    return get<value_of<path...>>(opcode, reply_value<path...>, learn_value<path...>);
+}
+
+template <auto... path> constexpr answer value_with_input(kxdpa_opcode opcode) {
+    return exchanged<value_of<path...>>(opcode, reply_value<path...>, learn_value<path...>);
+}
+
+template <auto member> constexpr answer mac(kxdpa_opcode opcode) {
+    return get<kx_card_mac>(opcode, reply_value<&card_state::macs, member>,
+                            learn_value<&card_state::macs, member>);
+}
+
+template <auto... path> constexpr answer text(kxdpa_opcode opcode, uint32_t capacity) {
+    return get_variable(opcode, capacity, reply_value<path...>, learn_text<path...>);
+}
+
+template <auto member> constexpr answer version_text(uint32_t which) {
+    return text<&card_state::versions, member>(KXDPA_OP_VERSION_TEXT, KX_VERSION_CAPACITY)
+        .for_argument(which);
+}
+
+template <auto... path> constexpr answer set_to(kxdpa_opcode opcode) {
+    return set<value_of<path...>>(opcode, set_value<path...>);
+}
+
+// The others.
+
 void answer_domain(host &state, exchange &talk) {
     if (state.card.version_mismatch) {
-        talk.fail(KXDPA_STATUS_VERSION_MISMATCH);
+        talk.status = KXDPA_STATUS_VERSION_MISMATCH;
     } else {
-        talk.tell(state.card.domain);
+        talk.tell(state, state.card.domain);
     }
 }
 
@@ -23,7 +82,7 @@ void answer_card_api(host &, exchange &talk) {
 // The type is assumed to stand behind the caller's 48 bytes, whatever the text's length.
 void answer_uuid(host &state, exchange &talk) {
     if (!state.card.uuid) {
-        return talk.fail();
+        return talk.fail(state);
     }
     kx_card_uuid uuid{};
     const std::string &text = *state.card.uuid;
@@ -36,59 +95,32 @@ void answer_uuid(host &state, exchange &talk) {
     talk.returned = static_cast<uint32_t>(std::min(text.size() + 1, sizeof uuid.text));
 }
 
-void answer_card_mac(host &state, exchange &talk) {
-    const card_macs &macs = state.card.macs;
-    switch (talk.request.arg) {
-    case KX_CARD_MAC_CONTROL:
-        return talk.tell(macs.control);
-    case KX_CARD_MAC_PACKET:
-        return talk.tell(macs.packet);
-    case KX_CARD_MAC_SPAN:
-        return talk.tell(macs.span);
-    default:
-        return talk.fail();
-    }
-}
-
-void answer_max_ports(host &state, exchange &talk) {
-    switch (talk.request.arg) {
-    case KX_CARD_PHYSICAL_PORTS:
-        return talk.tell(state.card.physical_ports);
-    case KX_CARD_VIRTUAL_PORTS:
-        return talk.tell(state.card.virtual_ports);
-    default:
-        return talk.fail();
+void learn_uuid(host &state, const exchange &told) {
+    state.card.uuid.reset();
+    if (told.is_told()) {
+        const auto uuid = told.reply_as<kx_card_uuid>();
+        state.card.uuid.emplace(uuid.text, strnlen(uuid.text, sizeof uuid.text));
+        state.card.uuid_type =
+            told.reply.size() == sizeof uuid ? std::optional(uuid.type) : std::nullopt;
     }
 }
 
 // Asked for the index that was told before, 0 when that was refused.
+bool is_l3_control(const host &state, const kxdpa_request &request) {
+    return request.arg == (state.card.l3_control_index.value_or(0) | KX_L3_CONTROL_CLASS);
+}
+
 void answer_l3_control_vlan(host &state, exchange &talk) {
-    if (talk.request.arg == (state.card.l3_control_index.value_or(0) | KX_L3_CONTROL_CLASS)) {
-        talk.tell(state.card.l3_control_vlan);
+    if (is_l3_control(state, talk.request)) {
+        talk.tell(state, state.card.l3_control_vlan);
     } else {
-        talk.fail();
+        talk.fail(state);
     }
 }
 
-void answer_version(host &state, exchange &talk) {
-    const card_versions &versions = state.card.versions;
-    switch (talk.request.arg) {
-    case KX_VERSION_HMX:
-        return talk.tell(versions.hmx);
-    case KX_VERSION_KRT:
-        return talk.tell(versions.krt);
-    case KX_VERSION_SYSTEM:
-        return talk.tell(versions.system);
-    default:
-        return talk.fail();
-    }
-}
-
-void answer_uptime(host &state, exchange &talk) {
-    if (state.card.krt_uptime) {
-        talk.reply_with(kx_krt_uptime{*state.card.krt_uptime, {}});
-    } else {
-        talk.fail();
+void learn_l3_control_vlan(host &state, const exchange &told) {
+    if (is_l3_control(state, told.request)) {
+        told.learn(state.card.l3_control_vlan);
     }
 }
 
@@ -101,133 +133,74 @@ void set_uuid(host &state, exchange &talk) {
     state.card.uuid_type = talk.request.arg;
 }
 
-// Nothing reads it back.
-void set_management_ipv4(host &, exchange &) {
-}
-
-// Most requests read or write one member.
-
-template <auto member>
-using value_of = typename std::remove_reference_t<decltype(card_state{}.*member)>::value_type;
-
-template <auto member> void reply_member(host &state, exchange &talk) {
-    talk.tell(state.card.*member);
-}
-
-template <auto member> void reply_mac(host &state, exchange &talk) {
-    talk.tell(state.card.macs.*member);
-}
-
-template <auto member> void set_member(host &state, exchange &talk) {
-    state.card.*member = talk.input_as<value_of<member>>();
-}
-
-template <auto member> constexpr uint32_t SIZE_OF = sizeof(value_of<member>);
-
-template <auto member> void reply_version(host &state, exchange &talk) {
-    talk.tell(state.card.versions.*member);
-}
-
-template <auto member> void set_version(host &state, exchange &talk) {
-    auto &field = state.card.versions.*member;
-    field = talk.input_as<typename std::remove_reference_t<decltype(field)>::value_type>();
-}
-
-void answer_sdk_version(host &state, exchange &talk) {
-    talk.tell(state.card.versions.opflex_sdk);
-}
-
-template <auto member> constexpr answer get(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_OUT, SIZE_OF<member>, 0, 0, reply_member<member>};
-}
-
-template <auto member> constexpr answer get_with_input(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, SIZE_OF<member>, 0, 0, reply_member<member>};
-}
-
-template <auto member> constexpr answer get_mac(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_OUT, sizeof(kx_card_mac), 0, 0, reply_mac<member>};
-}
-
-template <auto member> constexpr answer set(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_IN, SIZE_OF<member>, 0, 0, set_member<member>};
-}
-
-constexpr answer get_text(kxdpa_opcode opcode, uint32_t capacity,
-                          void (*reply)(host &, exchange &)) {
-    return {opcode, KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, 0, 0, capacity, reply};
-}
-
-constexpr answer set_text(kxdpa_opcode opcode, uint32_t capacity,
-                          void (*reply)(host &, exchange &)) {
-    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, capacity, reply};
-}
-
-constexpr answer fixed(kxdpa_opcode opcode, uint8_t flags, uint32_t length,
-                       void (*reply)(host &, exchange &)) {
-    return {opcode, flags, length, 0, 0, reply};
+constexpr answer uuid() {
+    answer made = get_variable(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid, learn_uuid);
+    made.behind = sizeof kx_card_uuid::type;
+    return made;
 }
 
 constexpr answer CARD_ANSWERS[] = {
-    fixed(KXDPA_OP_CARD_DOMAIN, KXDPA_FLAG_OUT, 4, answer_domain),
-    fixed(KXDPA_OP_CARD_API, KXDPA_FLAG_OUT, 4, answer_card_api),
-    {.opcode = KXDPA_OP_CARD_UUID,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
-     .capacity = KX_CARD_UUID_CAPACITY,
-     .reply = answer_uuid,
-     .behind = sizeof kx_card_uuid::type},
-    get_text(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY, reply_member<&card_state::name>),
+    get<uint32_t>(KXDPA_OP_CARD_DOMAIN, answer_domain, learn_value<&card_state::domain>),
+    get<uint32_t>(KXDPA_OP_CARD_API, answer_card_api, learn_nothing).told_alike(always_alike),
+    uuid(),
+    text<&card_state::name>(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY),
     // Asked with whatever the request before has left.
-    get_text(KXDPA_OP_SWITCH_NAME, 0, reply_member<&card_state::switch_name>),
-    get_text(KXDPA_OP_SWITCH_ALIAS, 0, reply_member<&card_state::switch_alias>),
-    get_text(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY, reply_member<&card_state::switch_uuid>),
-    get<&card_state::slot>(KXDPA_OP_CARD_SLOT),
-    get<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
-    get<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
-    fixed(KXDPA_OP_L3_CONTROL_VLAN, KXDPA_FLAG_OUT, 4, answer_l3_control_vlan),
-    fixed(KXDPA_OP_CARD_MAC, KXDPA_FLAG_OUT, sizeof(kx_card_mac), answer_card_mac),
-    get_mac<&card_macs::agent>(KXDPA_OP_AGENT_MAC),
-    get_mac<&card_macs::primary_krt>(KXDPA_OP_PRIMARY_KRT_MAC),
-    get_mac<&card_macs::primary_krt_packet>(KXDPA_OP_PRIMARY_KRT_PACKET_MAC),
-    get_mac<&card_macs::primary_krt_management>(KXDPA_OP_PRIMARY_KRT_MANAGEMENT_MAC),
-    get_mac<&card_macs::standby_krt_control>(KXDPA_OP_STANDBY_KRT_CONTROL_MAC),
-    get_mac<&card_macs::secondary_krt>(KXDPA_OP_SECONDARY_KRT_MAC),
-    get<&card_state::management_ipv6>(KXDPA_OP_MANAGEMENT_IPV6),
-    get<&card_state::l3_control_ipv4>(KXDPA_OP_L3_CONTROL_IPV4),
-    get<&card_state::upgrade>(KXDPA_OP_UPGRADE_STATE),
-    fixed(KXDPA_OP_MAX_PORTS, KXDPA_FLAG_OUT, 4, answer_max_ports),
-    get<&card_state::control_vlan>(KXDPA_OP_CONTROL_VLAN),
-    get<&card_state::packet_vlan>(KXDPA_OP_PACKET_VLAN),
-    get<&card_state::control_multicast>(KXDPA_OP_CONTROL_MULTICAST),
-    get<&card_state::heartbeat>(KXDPA_OP_HEARTBEAT),
-    get<&card_state::dpa_up>(KXDPA_OP_AGENT_STATUS),
-    get<&card_state::processors>(KXDPA_OP_PROCESSORS),
-    get<&card_state::link_up_delay>(KXDPA_OP_LINK_UP_DELAY),
-    get_with_input<&card_state::uufb>(KXDPA_OP_GLOBAL_UUFB),
-    get<&card_state::load_balancing>(KXDPA_OP_LOAD_BALANCING),
-    get_with_input<&card_state::portset_event>(KXDPA_OP_PORTSET_EVENT),
-    get_with_input<&card_state::bpdu_guard>(KXDPA_OP_GLOBAL_BPDU_GUARD),
-    get<&card_state::leaf_mode>(KXDPA_OP_LEAF_MODE),
-    get_with_input<&card_state::bpdu_filter>(KXDPA_OP_GLOBAL_BPDU_FILTER),
-    get<&card_state::datapath_initialized>(KXDPA_OP_DATAPATH_INITIALIZED),
-    get<&card_state::tag_native_vlan>(KXDPA_OP_TAG_NATIVE_VLAN),
-    get<&card_state::l3sec>(KXDPA_OP_L3SEC_MODE),
+    text<&card_state::switch_name>(KXDPA_OP_SWITCH_NAME, 0),
+    text<&card_state::switch_alias>(KXDPA_OP_SWITCH_ALIAS, 0),
+    text<&card_state::switch_uuid>(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY),
+    value<&card_state::slot>(KXDPA_OP_CARD_SLOT),
+    value<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
+    value<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
+    get<uint32_t>(KXDPA_OP_L3_CONTROL_VLAN, answer_l3_control_vlan, learn_l3_control_vlan),
+    mac<&card_macs::control>(KXDPA_OP_CARD_MAC).for_argument(KX_CARD_MAC_CONTROL),
+    mac<&card_macs::packet>(KXDPA_OP_CARD_MAC).for_argument(KX_CARD_MAC_PACKET),
+    mac<&card_macs::span>(KXDPA_OP_CARD_MAC).for_argument(KX_CARD_MAC_SPAN),
+    mac<&card_macs::agent>(KXDPA_OP_AGENT_MAC),
+    mac<&card_macs::primary_krt>(KXDPA_OP_PRIMARY_KRT_MAC),
+    mac<&card_macs::primary_krt_packet>(KXDPA_OP_PRIMARY_KRT_PACKET_MAC),
+    mac<&card_macs::primary_krt_management>(KXDPA_OP_PRIMARY_KRT_MANAGEMENT_MAC),
+    mac<&card_macs::standby_krt_control>(KXDPA_OP_STANDBY_KRT_CONTROL_MAC),
+    mac<&card_macs::secondary_krt>(KXDPA_OP_SECONDARY_KRT_MAC),
+    value<&card_state::management_ipv6>(KXDPA_OP_MANAGEMENT_IPV6),
+    value<&card_state::l3_control_ipv4>(KXDPA_OP_L3_CONTROL_IPV4),
+    value<&card_state::upgrade>(KXDPA_OP_UPGRADE_STATE),
+    value<&card_state::physical_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_PHYSICAL_PORTS),
+    value<&card_state::virtual_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_VIRTUAL_PORTS),
+    value<&card_state::control_vlan>(KXDPA_OP_CONTROL_VLAN),
+    value<&card_state::packet_vlan>(KXDPA_OP_PACKET_VLAN),
+    value<&card_state::control_multicast>(KXDPA_OP_CONTROL_MULTICAST),
+    value<&card_state::heartbeat>(KXDPA_OP_HEARTBEAT),
+    value<&card_state::dpa_up>(KXDPA_OP_AGENT_STATUS),
+    value<&card_state::processors>(KXDPA_OP_PROCESSORS),
+    value<&card_state::link_up_delay>(KXDPA_OP_LINK_UP_DELAY),
+    value_with_input<&card_state::uufb>(KXDPA_OP_GLOBAL_UUFB),
+    value<&card_state::load_balancing>(KXDPA_OP_LOAD_BALANCING),
+    value_with_input<&card_state::portset_event>(KXDPA_OP_PORTSET_EVENT),
+    value_with_input<&card_state::bpdu_guard>(KXDPA_OP_GLOBAL_BPDU_GUARD),
+    value<&card_state::leaf_mode>(KXDPA_OP_LEAF_MODE),
+    value_with_input<&card_state::bpdu_filter>(KXDPA_OP_GLOBAL_BPDU_FILTER),
+    value<&card_state::datapath_initialized>(KXDPA_OP_DATAPATH_INITIALIZED),
+    value<&card_state::tag_native_vlan>(KXDPA_OP_TAG_NATIVE_VLAN),
+    value<&card_state::l3sec>(KXDPA_OP_L3SEC_MODE),
 
-    get_text(KXDPA_OP_VERSION_TEXT, KX_VERSION_CAPACITY, answer_version),
-    get_text(KXDPA_OP_OPFLEX_SDK_VERSION, KX_SDK_VERSION_CAPACITY, answer_sdk_version),
-    fixed(KXDPA_OP_GET_UPDATE_LEVEL, KXDPA_FLAG_OUT, 1,
-          reply_version<&card_versions::update_level>),
-    fixed(KXDPA_OP_GET_VERSION_WORD, KXDPA_FLAG_OUT, 8, reply_version<&card_versions::word>),
-    get_text(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime), answer_uptime),
+    version_text<&card_versions::hmx>(KX_VERSION_HMX),
+    version_text<&card_versions::krt>(KX_VERSION_KRT),
+    version_text<&card_versions::system>(KX_VERSION_SYSTEM),
+    text<&card_state::versions, &card_versions::opflex_sdk>(KXDPA_OP_OPFLEX_SDK_VERSION,
+                                                            KX_SDK_VERSION_CAPACITY),
+    value<&card_state::versions, &card_versions::update_level>(KXDPA_OP_GET_UPDATE_LEVEL),
+    value<&card_state::versions, &card_versions::word>(KXDPA_OP_GET_VERSION_WORD),
+    get_variable(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime), reply_value<&card_state::krt_uptime>,
+                 learn_value<&card_state::krt_uptime>),
 
-    fixed(KXDPA_OP_SET_MANAGEMENT_IPV4, KXDPA_FLAG_IN, 4, set_management_ipv4),
-    set<&card_state::management_ipv6>(KXDPA_OP_SET_MANAGEMENT_IPV6),
+    set<uint32_t>(KXDPA_OP_SET_MANAGEMENT_IPV4, accept), // nothing reads it back
+    set_to<&card_state::management_ipv6>(KXDPA_OP_SET_MANAGEMENT_IPV6),
     set_text(KXDPA_OP_SET_CARD_UUID, KX_CARD_UUID_CAPACITY, set_uuid),
     set_text(KXDPA_OP_SET_CARD_NAME, KX_CARD_NAME_CAPACITY, set_name),
-    fixed(KXDPA_OP_SET_UPDATE_LEVEL, KXDPA_FLAG_IN, 1, set_version<&card_versions::update_level>),
-    fixed(KXDPA_OP_SET_VERSION_WORD, KXDPA_FLAG_IN, 8, set_version<&card_versions::word>),
+    set_to<&card_state::versions, &card_versions::update_level>(KXDPA_OP_SET_UPDATE_LEVEL),
+    set_to<&card_state::versions, &card_versions::word>(KXDPA_OP_SET_VERSION_WORD),
 };
 
 } // namespace
 
-constinit const family card_family = {CARD_ANSWERS};
+constinit const family card_family = CARD_ANSWERS;

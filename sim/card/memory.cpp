@@ -1,4 +1,4 @@
-#include "sim/card/memory.h"
+#include "sim/answer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,43 +6,59 @@
 
 namespace {
 
+template <auto list>
+using record_of = typename std::remove_reference_t<decltype(memory_state{}.*list)>::value_type;
+
+template <typename records, typename record>
+auto find_by_name(records &entries, const record &named) {
+    return std::find_if(entries.begin(), entries.end(), [&](const record &entry) {
+        return std::memcmp(entry.name, named.name, sizeof named.name) == 0;
+    });
+}
+
 // The entry behind the one that the caller names; the first for an empty name.
 template <auto list> void answer_next(host &state, exchange &talk) {
     const auto &entries = state.memory.*list;
-    using record = typename std::remove_reference_t<decltype(entries)>::value_type;
-    const auto query = talk.input_as<record>();
+    const auto query = talk.input_as<record_of<list>>();
     auto next = entries.begin();
     if (query.name[0] != '\0') {
-        next = std::find_if(entries.begin(), entries.end(), [&](const record &entry) {
-            return std::memcmp(entry.name, query.name, sizeof query.name) == 0;
-        });
-        if (next != entries.end()) {
-            ++next;
-        }
+        next = find_by_name(entries, query);
+        next += next == entries.end() ? 0 : 1;
     }
     if (next == entries.end()) {
-        talk.fail();
+        talk.fail(state);
     } else {
         talk.reply_with(*next);
     }
 }
 
+// An entry without a name would start the walk again.
+template <auto list> void learn_next(host &state, const exchange &told) {
+    auto &entries = state.memory.*list;
+    const auto entry = told.reply_as<record_of<list>>();
+    if (told.is_told() && entry.name[0] != '\0' && find_by_name(entries, entry) == entries.end()) {
+        entries.push_back(entry);
+    }
+}
+
+template <auto list> constexpr answer walk(kxdpa_opcode opcode) {
+    return exchanged<record_of<list>>(opcode, answer_next<list>, learn_next<list>);
+}
+
 void answer_asserts(host &state, exchange &talk) {
-    talk.tell(state.memory.asserts);
+    talk.tell(state, state.memory.asserts);
+}
+
+void learn_asserts(host &state, const exchange &told) {
+    told.learn(state.memory.asserts);
 }
 
 constexpr answer MEMORY_ANSWERS[] = {
-    {.opcode = KXDPA_OP_NEXT_HEAP,
-     .flags = KXDPA_FLAG_IN | KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_heap_record),
-     .reply = answer_next<&memory_state::heaps>},
-    {.opcode = KXDPA_OP_NEXT_MEMORY_POOL,
-     .flags = KXDPA_FLAG_IN | KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_memory_pool_record),
-     .reply = answer_next<&memory_state::pools>},
-    {.opcode = KXDPA_OP_ASSERT_COUNT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_asserts},
+    walk<&memory_state::heaps>(KXDPA_OP_NEXT_HEAP).from_key("heaps"),
+    walk<&memory_state::pools>(KXDPA_OP_NEXT_MEMORY_POOL).from_key("memory_pools"),
+    get<uint32_t>(KXDPA_OP_ASSERT_COUNT, answer_asserts, learn_asserts).from_key("asserts"),
 };
 
 } // namespace
 
-constinit const family memory_family = {MEMORY_ANSWERS};
+constinit const family memory_family = MEMORY_ANSWERS;

@@ -1,69 +1,86 @@
-#include "sim/l2/l2_tables.h"
+#include "sim/answer.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+#include <cstring>
 #include <set>
 
 namespace {
 
-kx_l2_entry wire_entry(const l2_entry &entry, uint32_t now) {
-    kx_l2_entry wire{};
-    std::copy(entry.mac.begin(), entry.mac.end(), wire.mac);
-    wire.ltl = entry.ltl;
-    wire.pvlan = entry.pvlan;
-    wire.seen_time = now - entry.age;
-    wire.now = now;
-    wire.flags = entry.flags;
-    wire.dsn = entry.dsn;
-    wire.remote_ip = entry.remote_ip;
-    wire.slot = entry.slot;
-    wire.encap = entry.encap;
+constexpr uint8_t NO_MAC[KX_MAC_SIZE] = {};
+
+// The key of an entry.
+struct entry_key {
+    uint8_t mac[KX_MAC_SIZE];
+};
+
+bool is_mac(const uint8_t (&one)[KX_MAC_SIZE], const uint8_t (&other)[KX_MAC_SIZE]) {
+    return std::memcmp(one, other, KX_MAC_SIZE) == 0;
+}
+
+// As the driver tells it at the host's time.
+kx_l2_entry wire_entry(const host &state, const kx_l2_entry &entry) {
+    kx_l2_entry wire = entry;
+    wire.now += state.l2.now - L2_TIME;
+    wire.seen_time += state.l2.now - L2_TIME;
     return wire;
 }
 
-// The table of a bridge domain, empty when the host file says nothing about it; nullptr, with the
-// request failed, for a bridge domain that does not exist.
-l2_table *table_of(host &state, exchange &talk) {
-    const uint32_t index = talk.request.arg;
+// The table of a bridge domain, an empty one when the description says nothing about it; nullptr
+// for a bridge domain that does not exist.
+const l2_table *table_of(const host &state, uint32_t index) {
+    static const auto &empty = *new l2_table;
     if (!state.bridge_domains.by_index.contains(index)) {
-        talk.fail();
         return nullptr;
     }
-    return &state.l2.tables[index];
+    const auto found = state.l2.tables.find(index);
+    return found == state.l2.tables.end() ? &empty : &found->second;
 }
 
-void answer_limit(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk)) {
-        talk.tell(table->limit);
+// The same to be filled.
+l2_table *learnt_table(host &state, uint32_t index) {
+    return state.bridge_domains.by_index.contains(index) ? &state.l2.tables[index] : nullptr;
+}
+
+template <auto member> void answer_member(host &state, exchange &talk) {
+    if (const l2_table *table = table_of(state, talk.request.arg)) {
+        talk.tell(state, table->*member);
+    } else {
+        talk.fail(state);
     }
+}
+
+template <auto member> void learn_member(host &state, const exchange &told) {
+    if (l2_table *table = learnt_table(state, told.request.arg)) {
+        told.learn(table->*member);
+    }
+}
+
+template <auto member> constexpr answer member_of(kxdpa_opcode opcode) {
+    return get<uint32_t>(opcode, answer_member<member>, learn_member<member>);
 }
 
 void answer_entry_count(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk)) {
+    if (const l2_table *table = table_of(state, talk.request.arg)) {
         talk.reply_with(static_cast<uint32_t>(table->entries.size()));
-    }
-}
-
-void answer_aging_time(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk)) {
-        talk.tell(table->aging_time);
+    } else {
+        talk.fail(state);
     }
 }
 
 // The place of the entry behind the one with the address, of the first for the address zero, which
 // therefore is never told itself. A walk asks for one after the other, so the place of the last
 // answer is looked at first.
-size_t place_behind(l2_table &table, const mac_address &mac) {
+size_t place_behind(const l2_table &table, const uint8_t (&mac)[KX_MAC_SIZE], size_t &last) {
     const auto &entries = table.entries;
-    size_t &last = table.last_asked;
-    if (mac == mac_address{}) {
+    if (is_mac(mac, NO_MAC)) {
         last = 0;
         return 0;
     }
-    if (last >= entries.size() || entries[last].mac != mac) {
-        const auto found = std::find_if(entries.begin(), entries.end(),
-                                        [&](const l2_entry &entry) { return entry.mac == mac; });
+    if (last >= entries.size() || !is_mac(entries[last].mac, mac)) {
+        const auto found =
+            std::find_if(entries.begin(), entries.end(),
+                         [&](const kx_l2_entry &entry) { return is_mac(entry.mac, mac); });
         last = static_cast<size_t>(found - entries.begin());
     }
     last = std::min(last + 1, entries.size());
@@ -72,118 +89,167 @@ size_t place_behind(l2_table &table, const mac_address &mac) {
 
 // The first entry from a place on that `matches` holds for; the walk stands there then.
 template <typename predicate>
-const l2_entry *find_entry(l2_table &table, size_t first, predicate matches) {
+const kx_l2_entry *find_entry(const l2_table &table, size_t first, size_t &last,
+                              predicate matches) {
     for (size_t place = first; place < table.entries.size(); place++) {
-        const l2_entry &entry = table.entries[place];
-        if (entry.mac != mac_address{} && matches(entry)) {
-            table.last_asked = place;
+        const kx_l2_entry &entry = table.entries[place];
+        if (!is_mac(entry.mac, NO_MAC) && matches(entry)) {
+            last = place;
             return &entry;
         }
     }
     return nullptr;
 }
 
+// Where the walk of a bridge domain stands. Who does not keep it begins from the start.
+size_t &place_of(exchange &talk, uint32_t index, size_t &start) {
+    return talk.places == nullptr ? start : (*talk.places)[index];
+}
+
 void answer_next_entry(host &state, exchange &talk) {
-    l2_table *table = table_of(state, talk);
+    const l2_table *table = table_of(state, talk.request.arg);
     if (table == nullptr) {
-        return;
+        return talk.fail(state);
     }
-    const size_t first = place_behind(*table, talk.input_as<mac_address>());
-    const l2_entry *found = find_entry(*table, first, [](const l2_entry &) { return true; });
+    size_t start = 0;
+    size_t &last = place_of(talk, talk.request.arg, start);
+    const size_t first = place_behind(*table, talk.input_as<entry_key>().mac, last);
+    const kx_l2_entry *found =
+        find_entry(*table, first, last, [](const kx_l2_entry &) { return true; });
     if (found == nullptr) {
-        talk.fail();
+        talk.fail(state);
     } else {
-        talk.reply_with(wire_entry(*found, state.l2.now));
+        talk.reply_with(wire_entry(state, *found));
+    }
+}
+
+void learn_next_entry(host &state, const exchange &told) {
+    l2_table *table = learnt_table(state, told.request.arg);
+    const auto entry = told.reply_as<kx_l2_entry>();
+    if (table != nullptr && told.is_told() && !is_mac(entry.mac, NO_MAC)) {
+        table->entries.push_back(entry);
     }
 }
 
 // Behind the entry that the step names, the slot's next one: first in the same bridge domain.
 void answer_slot_step(host &state, exchange &talk) {
-    l2_state &l2 = state.l2;
+    const l2_state &l2 = state.l2;
     const auto step = talk.input_as<kx_l2_slot_step>();
     if (!l2.slots || talk.request.arg >= *l2.slots) {
-        talk.fail();
-        return;
+        return talk.fail(state);
     }
-    const auto in_slot = [&](const l2_entry &entry) {
-        return entry.mac.back() % *l2.slots == talk.request.arg;
+    const auto in_slot = [&](const kx_l2_entry &entry) {
+        return entry.mac[KX_MAC_SIZE - 1] % *l2.slots == talk.request.arg;
     };
     for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
         if (!state.bridge_domains.by_index.contains(table->first)) {
             continue; // nor does any other request find it
         }
+        size_t start = 0;
+        size_t &last = place_of(talk, table->first, start);
         const bool goes_on = table->first == step.bd_index;
-        const size_t first =
-            goes_on ? place_behind(table->second, std::to_array(step.entry.mac)) : 0;
-        if (const l2_entry *found = find_entry(table->second, first, in_slot)) {
-            talk.reply_with(kx_l2_slot_step{*l2.slots, table->first, wire_entry(*found, l2.now)});
-            return;
+        const size_t first = goes_on ? place_behind(table->second, step.entry.mac, last) : 0;
+        if (const kx_l2_entry *found = find_entry(table->second, first, last, in_slot)) {
+            return talk.reply_with(
+                kx_l2_slot_step{*l2.slots, table->first, wire_entry(state, *found)});
         }
     }
     talk.reply_with(kx_l2_slot_step{*l2.slots, 0, {}});
 }
 
-void answer_totals(host &state, exchange &talk) {
-    talk.tell(state.l2.totals);
+// The first step of the first slot tells how many there are.
+void learn_slot_step(host &state, const exchange &told) {
+    const auto asked = told.input_as<kx_l2_slot_step>();
+    if (told.request.arg != 0 || asked.bd_index != 0) {
+        return;
+    }
+    state.l2.slots.reset();
+    if (const uint32_t slots = told.reply_as<kx_l2_slot_step>().slot_count; slots != 0) {
+        state.l2.slots = slots;
+    }
 }
 
-void answer_aging(host &state, exchange &talk) {
-    talk.tell(state.l2.aging);
+// The time goes on while the host is asked.
+bool is_alike_step(const exchange &one, const exchange &other) {
+    auto a = one.reply_as<kx_l2_slot_step>();
+    const auto b = other.reply_as<kx_l2_slot_step>();
+    a.entry.now = b.entry.now;
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+template <auto member> void answer_common(host &state, exchange &talk) {
+    talk.tell(state, state.l2.*member);
+}
+
+template <auto member> void learn_common(host &state, const exchange &told) {
+    told.learn(state.l2.*member);
 }
 
 void answer_get_mac(host &state, exchange &talk) {
-    const l2_table *table = table_of(state, talk);
-    if (table == nullptr) {
-        return;
-    }
-    if (!table->announced) {
-        talk.fail();
-        return;
+    const l2_table *table = table_of(state, talk.request.arg);
+    if (table == nullptr || !table->announced) {
+        return talk.fail(state);
     }
     kx_get_mac_info info{};
-    for (const announced_mac &announced : *table->announced) {
-        kx_get_mac_entry &entry = info.entries[info.count++];
-        entry.bd_index = talk.request.arg;
-        std::copy(announced.mac.begin(), announced.mac.end(), entry.mac);
-        entry.sent = announced.sent;
-        entry.last_sent = announced.last_sent;
+    for (const kx_get_mac_entry &announced : *table->announced) {
+        info.entries[info.count] = announced;
+        info.entries[info.count++].bd_index = talk.request.arg;
     }
     talk.reply_with(info);
 }
 
+void learn_get_mac(host &state, const exchange &told) {
+    l2_table *table = learnt_table(state, told.request.arg);
+    if (table == nullptr) {
+        return;
+    }
+    table->announced.reset();
+    if (told.is_told()) {
+        const auto info = told.reply_as<kx_get_mac_info>();
+        table->announced.emplace(info.entries,
+                                 info.entries + std::min(info.count, KX_GET_MAC_ENTRIES));
+    }
+}
+
+constexpr answer slot_steps() {
+    answer made = exchanged<kx_l2_slot_step>(KXDPA_OP_L2_SLOTS, answer_slot_step, learn_slot_step)
+                      .told_alike(is_alike_step);
+    made.steps_by_reply = true;
+    return made;
+}
+
 constexpr answer L2_ANSWERS[] = {
-    {.opcode = KXDPA_OP_L2_TABLE_LIMIT, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_limit},
-    {.opcode = KXDPA_OP_L2_ENTRY_COUNT,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = 4,
-     .reply = answer_entry_count},
-    {.opcode = KXDPA_OP_L2_AGING_TIME,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = 4,
-     .reply = answer_aging_time},
-    {.opcode = KXDPA_OP_NEXT_L2_ENTRY,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO,
-     .len1 = KX_MAC_SIZE,
-     .len2 = sizeof(kx_l2_entry),
-     .reply = answer_next_entry},
-    {.opcode = KXDPA_OP_L2_SLOTS,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_l2_slot_step),
-     .reply = answer_slot_step},
-    {.opcode = KXDPA_OP_L2_ENTRY_TOTALS,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_l2_totals),
-     .reply = answer_totals},
-    {.opcode = KXDPA_OP_L2_AGING_STATISTICS,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_l2_aging_statistics),
-     .reply = answer_aging},
-    {.opcode = KXDPA_OP_GET_MAC_TABLE,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_get_mac_info),
-     .reply = answer_get_mac},
+    member_of<&l2_table::limit>(KXDPA_OP_L2_TABLE_LIMIT),
+    get<uint32_t>(KXDPA_OP_L2_ENTRY_COUNT, answer_entry_count, learn_nothing),
+    member_of<&l2_table::aging_time>(KXDPA_OP_L2_AGING_TIME),
+    {KXDPA_OP_NEXT_L2_ENTRY, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO, KX_MAC_SIZE,
+     sizeof(kx_l2_entry), 0, answer_next_entry, learn_next_entry},
+    slot_steps(),
+    get<kx_l2_totals>(KXDPA_OP_L2_ENTRY_TOTALS, answer_common<&l2_state::totals>,
+                      learn_common<&l2_state::totals>),
+    get<kx_l2_aging_statistics>(KXDPA_OP_L2_AGING_STATISTICS, answer_common<&l2_state::aging>,
+                                learn_common<&l2_state::aging>),
+    get<kx_get_mac_info>(KXDPA_OP_GET_MAC_TABLE, answer_get_mac, learn_get_mac),
 };
+
+bool is_default(const l2_table &table) {
+    const l2_table other;
+    return table.limit == other.limit && table.aging_time == other.aging_time &&
+           table.entries.empty() && table.announced && table.announced->empty();
+}
 
 } // namespace
 
-constinit const family l2_family = {L2_ANSWERS};
+constinit const family l2_family = L2_ANSWERS;
+
+void settle_l2(host &state) {
+    std::erase_if(state.l2.tables, [](const auto &table) { return is_default(table.second); });
+    for (auto &[index, table] : state.l2.tables) {
+        std::set<uint64_t> seen;
+        std::erase_if(table.entries, [&](const kx_l2_entry &entry) {
+            uint64_t mac = 0;
+            std::memcpy(&mac, entry.mac, sizeof entry.mac);
+            return !seen.insert(mac).second;
+        });
+    }
+}

@@ -7,7 +7,8 @@ namespace {
 
 constexpr const char *HELP =
     "Usage: tarnlab [--device] [--host FILE] [--trace FILE] COMMAND [ARGS...]\n"
-    "       tarnlab --check FILE | --print-host | --version | --help\n"
+    "       tarnlab --print-host [--full] [--host FILE]\n"
+    "       tarnlab --check FILE | --version | --help\n"
     "\n"
     "Runs COMMAND, a 32-bit program, on a simulated host: its kestrel driver device is answered\n"
     "from a description of the host, no driver is needed. Where the description has an agent, that\n"
@@ -20,7 +21,8 @@ constexpr const char *HELP =
     "  --trace FILE  write one line for every request to the driver into FILE, - for standard\n"
     "                error\n"
     "  --check FILE  print all that is wrong with the host description FILE, and run nothing\n"
-    "  --print-host  print the description of the built-in host\n"
+    "  --print-host  print the host description, and run nothing\n"
+    "  --full        print what is left out there, too: keys with their defaults\n"
     "  --version     print the version\n"
     "  --help        print this text\n"
     "\n"
@@ -35,11 +37,15 @@ const char *lab_help() {
 }
 
 bool read_options(int argc, char **argv, lab_options &options, std::string &error) {
-    static const option known[] = {
-        {"device", no_argument, nullptr, 'd'},      {"host", required_argument, nullptr, 'h'},
-        {"trace", required_argument, nullptr, 't'}, {"check", required_argument, nullptr, 'c'},
-        {"print-host", no_argument, nullptr, 'p'},  {"version", no_argument, nullptr, 'v'},
-        {"help", no_argument, nullptr, 'H'},        {nullptr, 0, nullptr, 0}};
+    static const option known[] = {{"device", no_argument, nullptr, 'd'},
+                                   {"host", required_argument, nullptr, 'h'},
+                                   {"trace", required_argument, nullptr, 't'},
+                                   {"check", required_argument, nullptr, 'c'},
+                                   {"print-host", no_argument, nullptr, 'p'},
+                                   {"full", no_argument, nullptr, 'f'},
+                                   {"version", no_argument, nullptr, 'v'},
+                                   {"help", no_argument, nullptr, 'H'},
+                                   {nullptr, 0, nullptr, 0}};
     opterr = 0;
     int letter = 0;
     // The options end at the first word that is none: the rest is the command's.
@@ -60,7 +66,10 @@ bool read_options(int argc, char **argv, lab_options &options, std::string &erro
             return true;
         case 'p':
             options.what = lab_options::task::print_host;
-            return true;
+            break;
+        case 'f':
+            options.full = true;
+            break;
         case 'v':
             options.what = lab_options::task::version;
             return true;
@@ -76,6 +85,15 @@ bool read_options(int argc, char **argv, lab_options &options, std::string &erro
         }
     }
     options.command = argv + optind;
+    const bool prints = options.what == lab_options::task::print_host;
+    if (prints && *options.command == nullptr && options.trace.empty() && !options.device) {
+        return true;
+    }
+    if (prints || options.full) {
+        error = "--print-host goes with --full and --host only, --full with --print-host; "
+                "see tarnlab --help";
+        return false;
+    }
     if (*options.command == nullptr) {
         error = "no command given; see tarnlab --help";
         return false;

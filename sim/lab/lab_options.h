@@ -10,7 +10,8 @@ struct lab_options {
     enum class task { run, check, print_host, version, help };
     task what = task::run;
     bool device = false; // a real file instead of a preloaded library
-    std::string host;    // to run or to check; empty for the built-in one
+    bool full = false;   // print defaults, too
+    std::string host;    // to run, to print or to check; empty for the built-in one
     std::string trace;   // "-" for standard error, empty for none
     char **command = nullptr;
 };

@@ -9,6 +9,7 @@
 #include "sim/model.h"
 #include "sim/preload_channel.h"
 #include "sim/trace.h"
+#include "sim/use.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -34,8 +35,6 @@ constexpr int EXIT_CANNOT_RUN = 126;
 constexpr int EXIT_NOT_FOUND = 127;
 constexpr int EXIT_SIGNAL_BASE = 128;
 
-constexpr size_t REPORT_LIMIT = 10; // lines about overrides
-
 void complain(const std::string &line) {
     std::fprintf(stderr, "tarnlab: %s\n", line.c_str());
 }
@@ -45,9 +44,9 @@ struct lab_run {
     lab_options options;
     std::string text; // of the host file
     host described;
-    int trace = -1;                // -1 for none
-    std::vector<uint8_t> met = {}; // by override, not 0 when a request met it
-    int signals = -1;              // where they are read, see ENDING_SIGNALS
+    int trace = -1;                  // -1 for none
+    std::vector<uint8_t> marks = {}; // of use, see use.h
+    int signals = -1;                // where they are read, see ENDING_SIGNALS
     sigset_t mask_before = {};
 };
 
@@ -108,7 +107,7 @@ bool open_channel(const lab_run &run, preload_channel &channel, std::string &err
         return false;
     }
     channel.host = nameless_file(run.text.data(), run.text.size());
-    channel.met = nameless_file(reinterpret_cast<const char *>(run.met.data()), run.met.size());
+    channel.met = nameless_file(reinterpret_cast<const char *>(run.marks.data()), run.marks.size());
     channel.trace = run.trace;
     if (channel.host == -1 || channel.met == -1) {
         error = std::string("the host description: ") + std::strerror(errno);
@@ -237,39 +236,18 @@ int run_preloaded(lab_run &run, const preload_channel &channel) {
         return EXIT_CANNOT_RUN;
     }
     const int exit_value = serve_command(command, run.signals);
-    [[maybe_unused]] const ssize_t got = pread(channel.met, run.met.data(), run.met.size(), 0);
+    [[maybe_unused]] const ssize_t got = pread(channel.met, run.marks.data(), run.marks.size(), 0);
     return exit_value;
 }
 
 int run_on_device(lab_run &run, int device) {
-    model driver;
-    driver.state = run.described;
-    driver.met = [&](size_t place) { run.met[place] = 1; };
+    model driver(run.described);
+    mark_use_of(driver, run.marks.data());
     if (run.trace != -1) {
         trace_into(driver, run.trace);
     }
     const pid_t command = start_command(run, nullptr);
     return command == -1 ? EXIT_CANNOT_RUN : serve_command(command, run.signals, device, &driver);
-}
-
-// What the host description says for nothing.
-void report_unused(const lab_run &run) {
-    size_t unused = 0;
-    for (size_t place = 0; place < run.met.size(); place++) {
-        if (run.met[place] == 0 && ++unused <= REPORT_LIMIT) {
-            complain("overrides[" + std::to_string(place) + "]: no request met it (opcode " +
-                     std::to_string(run.described.overrides[place].opcode) + ")");
-        }
-    }
-    if (unused > REPORT_LIMIT) {
-        complain("overrides: " + std::to_string(unused - REPORT_LIMIT) +
-                 " more that no request met");
-    }
-    for (const auto &[index, table] : run.described.l2.tables) {
-        if (!run.described.bridge_domains.by_index.contains(index)) {
-            complain("l2.tables: there is no bridge domain " + std::to_string(index));
-        }
-    }
 }
 
 // The command with everything that its host has besides the driver. Returns the exit value, or -1
@@ -296,7 +274,7 @@ int run(lab_run &run) {
     if (!run.options.device) {
         error = why_not_preloaded(run.options.command[0]);
     }
-    run.met.resize(run.described.overrides.size());
+    run.marks.resize(marks_of(run.described));
     const bool ready = error.empty() && hold_back_signals(run, error);
     const int exit_value = ready ? run_on_host(run, error) : -1;
     if (ready) {
@@ -307,7 +285,9 @@ int run(lab_run &run) {
         complain(error);
         return EXIT_WRONG_USE;
     }
-    report_unused(run);
+    for (const std::string &line : use_report(run.described, run.marks, run.options.host)) {
+        complain(line);
+    }
     return exit_value;
 }
 
@@ -332,6 +312,16 @@ int print(std::string_view text) {
     }
     complain(std::string("standard output: ") + std::strerror(errno));
     return EXIT_FAILURE;
+}
+
+int print_host(lab_run &planned) {
+    std::string error;
+    if (!read_host(planned, error)) {
+        complain(error);
+        return EXIT_WRONG_USE;
+    }
+    return print(planned.options.full ? write_host(planned.described, {.full = true})
+                                      : planned.text);
 }
 
 // Files that are opened here must not take the place of closed standard streams, whose texts would
@@ -362,7 +352,7 @@ int main(int argc, char **argv) {
     case lab_options::task::check:
         return check(planned.options.host);
     case lab_options::task::print_host:
-        return print(builtin_host_text());
+        return print_host(planned);
     case lab_options::task::version:
         return print("tarnlab " TARN_VERSION "\n");
     case lab_options::task::help:

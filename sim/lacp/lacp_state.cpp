@@ -1,45 +1,54 @@
-#include "sim/lacp/lacp_state.h"
+#include "sim/answer.h"
 
-#include <algorithm>
-#include <array>
-#include <iterator>
-#include <set>
+#include <type_traits>
 
 namespace {
 
-// Answers with a member of the uplink that the argument names; fails where it has none.
+template <auto member>
+using uplink_value = typename std::remove_reference_t<decltype(lacp_uplink{}.*member)>::value_type;
+
+// A member of the uplink that the argument names.
 template <auto member> void answer_uplink(host &state, exchange &talk) {
     const auto found = state.lacp.uplinks.find(talk.request.arg);
     if (found == state.lacp.uplinks.end()) {
-        talk.fail();
+        talk.fail(state);
     } else {
-        talk.tell(found->second.*member);
+        talk.tell(state, found->second.*member);
     }
 }
 
-void answer_offload(host &state, exchange &talk) {
-    talk.tell(state.lacp.offload);
+// What a driver refuses of a port of which it has told nothing is refused of any port.
+template <auto member> void learn_uplink(host &state, const exchange &told) {
+    const uint32_t ltl = told.request.arg;
+    if (told.is_told() || state.lacp.uplinks.contains(ltl)) {
+        told.learn(state.lacp.uplinks[ltl].*member);
+    }
 }
 
-void answer_carriers(host &state, exchange &talk) {
-    talk.tell(state.lacp.carriers);
+template <auto member> constexpr answer of_uplink(kxdpa_opcode opcode) {
+    return get<uplink_value<member>>(opcode, answer_uplink<member>, learn_uplink<member>);
 }
 
-constexpr answer record(kxdpa_opcode opcode, uint32_t size, void (*reply)(host &, exchange &)) {
-    return {.opcode = opcode, .flags = KXDPA_FLAG_OUT, .len1 = size, .reply = reply};
+template <auto member> void answer_common(host &state, exchange &talk) {
+    talk.tell(state, state.lacp.*member);
+}
+
+template <auto member> void learn_common(host &state, const exchange &told) {
+    told.learn(state.lacp.*member);
 }
 
 constexpr answer LACP_ANSWERS[] = {
-    record(KXDPA_OP_LACP_OFFLOAD, 4, answer_offload),
-    record(KXDPA_OP_LACP_CARRIERS, sizeof(kx_lacp_carriers), answer_carriers),
-    record(KXDPA_OP_LACP_BIT, 4, answer_uplink<&lacp_uplink::bit>),
-    record(KXDPA_OP_LACP_PORT_STATE, 4, answer_uplink<&lacp_uplink::port_state>),
-    record(KXDPA_OP_LACP_UPGRADE_NOTIFY, 4, answer_uplink<&lacp_uplink::upgrade_notify>),
-    record(KXDPA_OP_LACP_PDU_CACHE, sizeof(kx_lacp_pdu_cache), answer_uplink<&lacp_uplink::pdus>),
-    record(KXDPA_OP_LACP_HOST_DATA, sizeof(kx_lacp_host_data),
-           answer_uplink<&lacp_uplink::host_data>),
+    get<uint32_t>(KXDPA_OP_LACP_OFFLOAD, answer_common<&lacp_state::offload>,
+                  learn_common<&lacp_state::offload>),
+    get<kx_lacp_carriers>(KXDPA_OP_LACP_CARRIERS, answer_common<&lacp_state::carriers>,
+                          learn_common<&lacp_state::carriers>),
+    of_uplink<&lacp_uplink::bit>(KXDPA_OP_LACP_BIT),
+    of_uplink<&lacp_uplink::port_state>(KXDPA_OP_LACP_PORT_STATE),
+    of_uplink<&lacp_uplink::upgrade_notify>(KXDPA_OP_LACP_UPGRADE_NOTIFY),
+    of_uplink<&lacp_uplink::pdus>(KXDPA_OP_LACP_PDU_CACHE),
+    of_uplink<&lacp_uplink::host_data>(KXDPA_OP_LACP_HOST_DATA),
 };
 
 } // namespace
 
-constinit const family lacp_family = {LACP_ANSWERS};
+constinit const family lacp_family = LACP_ANSWERS;

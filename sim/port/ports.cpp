@@ -1,73 +1,137 @@
-#include "sim/port/ports.h"
+#include "sim/answer.h"
 
 #include "handlers/port/bridge_domain_record.h"
 #include "infra/utils/kxlibbmp.h"
 
+#include <cstring>
+
 namespace {
+
+// nullptr for none. Also the port of an argument with a view.
+template <typename Host> auto *find_port(Host &state, uint32_t ltl) {
+    const auto found = state.ports.by_ltl.find(ltl);
+    return found == state.ports.by_ltl.end() ? nullptr : &found->second;
+}
 
 void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
     const bool from_start = talk.request.arg == KX_LTL_BEFORE_FIRST;
     const auto next = from_start ? ports.begin() : ports.upper_bound(talk.request.arg);
     if (next == ports.end()) {
-        talk.fail();
+        talk.fail(state);
     } else {
         talk.reply_with(next->first);
+    }
+}
+
+void learn_next_ltl(host &state, const exchange &told) {
+    const auto ltl = told.reply_as<uint32_t>();
+    if (told.is_told() && ltl <= LAST_LTL) {
+        state.ports.by_ltl.try_emplace(ltl);
+    }
+}
+
+// Of a view of a described port the description learns change(view). What the other views say like
+// the HMX's own is not told twice, which is asked first.
+template <typename Is, typename Change>
+void learn_view(host &state, uint32_t argument, Is is_so, Change change) {
+    port *found = find_port(state, argument & LAST_LTL);
+    const auto view = static_cast<kx_port_view>(argument >> 24);
+    if (found != nullptr && view < PORT_VIEWS && !is_so(view_of(*found, view))) {
+        change(own_view(*found, view));
     }
 }
 
 void answer_port(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
     if (view == nullptr) {
-        talk.fail();
+        talk.fail(state);
     } else {
         talk.reply_with(view->record);
     }
 }
 
-void answer_mac(host &state, exchange &talk) {
+void learn_port(host &state, const exchange &told) {
+    const auto record = told.reply_as<kx_port_record>();
+    learn_view(
+        state, told.request.arg,
+        [&](const port_view &view) {
+            return view.known == told.is_told() &&
+                   (!view.known || std::memcmp(&view.record, &record, sizeof record) == 0);
+        },
+        [&](port_view &view) {
+            view.known = told.is_told();
+            view.record = view.known ? record : view.record;
+        });
+}
+
+template <auto member> void answer_member(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
     if (found == nullptr) {
-        talk.fail();
+        talk.fail(state);
     } else {
-        talk.tell(found->mac);
+        talk.tell(state, found->*member);
     }
 }
 
-void answer_security(host &state, exchange &talk) {
-    const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr) {
-        talk.fail();
-    } else {
-        talk.tell(found->security);
+template <auto member> void learn_member(host &state, const exchange &told) {
+    if (port *found = find_port(state, told.request.arg)) {
+        told.learn(found->*member);
     }
 }
 
 void answer_secure_state(host &state, exchange &talk) {
     const port *found = find_port(state, talk.request.arg);
     if (found == nullptr || !found->secure) {
-        talk.fail();
+        talk.fail(state);
     } else {
         talk.reply_with(uint32_t{1});
     }
 }
 
+void learn_secure_state(host &state, const exchange &told) {
+    if (port *found = find_port(state, told.request.arg)) {
+        found->secure = told.is_told();
+    }
+}
+
 void answer_forwarding(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
-    auto query = talk.input_as<kx_vlan_forwarding>();
     if (view == nullptr) {
-        talk.fail();
-        return;
+        return talk.fail(state);
     }
+    auto query = talk.input_as<kx_vlan_forwarding>();
     query.forwarding = view->forwards_on.contains(query.vlan) ? 1 : 0;
     talk.reply_with(query);
+}
+
+void learn_forwarding(host &state, const exchange &told) {
+    const auto vlan = told.input_as<kx_vlan_forwarding>().vlan;
+    const bool forwards = told.is_told() && told.reply_as<kx_vlan_forwarding>().forwarding != 0;
+    if (vlan > KX_LAST_VLAN) {
+        return;
+    }
+    learn_view(
+        state, told.request.arg,
+        [&](const port_view &view) { return view.forwards_on.contains(vlan) == forwards; },
+        [&](port_view &view) {
+            if (forwards) {
+                view.forwards_on.insert(vlan);
+            } else {
+                view.forwards_on.erase(vlan);
+            }
+        });
+}
+
+bool forward_alike(const exchange &one, const exchange &other) {
+    return (one.reply_as<kx_vlan_forwarding>().forwarding != 0) ==
+           (other.reply_as<kx_vlan_forwarding>().forwarding != 0);
 }
 
 void answer_vlan_set(host &state, exchange &talk) {
     const port_view *view = find_port_view(state, talk.request.arg);
     if (view == nullptr || !view->vlans) {
-        talk.fail();
-        return;
+        return talk.fail(state);
     }
     bmp4096 set{};
     set.size = sizeof set.bits;
@@ -77,49 +141,49 @@ void answer_vlan_set(host &state, exchange &talk) {
     talk.reply_with(set);
 }
 
+void learn_vlan_set(host &state, const exchange &told) {
+    std::optional<number_set> vlans;
+    if (told.is_told()) {
+        const auto set = told.reply_as<bmp4096>();
+        vlans.emplace();
+        for (uint32_t vlan = 0; vlan < sizeof set.bits * 8; vlan++) {
+            if (set.bits[vlan / 8] == 0) {
+                vlan |= 7;
+            } else if ((set.bits[vlan / 8] & 0x80U >> vlan % 8) != 0) {
+                vlans->insert(vlan);
+            }
+        }
+    }
+    learn_view(
+        state, told.request.arg, [&](const port_view &view) { return view.vlans == vlans; },
+        [&](port_view &view) { view.vlans = vlans; });
+}
+
 constexpr answer PORT_ANSWERS[] = {
-    {.opcode = KXDPA_OP_NEXT_LTL, .flags = KXDPA_FLAG_OUT, .len1 = 4, .reply = answer_next_ltl},
-    {.opcode = KXDPA_OP_PORT_RECORD,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_port_record),
-     .reply = answer_port},
-    {.opcode = KXDPA_OP_PORT_MAC,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_MAX,
-     .capacity = 6,
-     .reply = answer_mac},
-    {.opcode = KXDPA_OP_PORT_SECURITY,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = sizeof(kx_port_security_record),
-     .reply = answer_security},
-    {.opcode = KXDPA_OP_SECURE_PORT_STATE,
-     .flags = KXDPA_FLAG_OUT,
-     .len1 = 4,
-     .reply = answer_secure_state},
-    {.opcode = KXDPA_OP_VLAN_FORWARDING,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN,
-     .len1 = sizeof(kx_vlan_forwarding),
-     .reply = answer_forwarding},
-    {.opcode = KXDPA_OP_PORT_VLAN_SET,
-     .flags = KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_MAX,
-     .len1 = sizeof(bmp4096),
-     .capacity = sizeof(bmp4096),
-     .reply = answer_vlan_set},
+    get<uint32_t>(KXDPA_OP_NEXT_LTL, answer_next_ltl, learn_next_ltl),
+    get<kx_port_record>(KXDPA_OP_PORT_RECORD, answer_port, learn_port),
+    get_variable(KXDPA_OP_PORT_MAC, sizeof(mac_address), answer_member<&port::mac>,
+                 learn_member<&port::mac>),
+    get<kx_port_security_record>(KXDPA_OP_PORT_SECURITY, answer_member<&port::security>,
+                                 learn_member<&port::security>),
+    get<uint32_t>(KXDPA_OP_SECURE_PORT_STATE, answer_secure_state, learn_secure_state)
+        .told_alike(always_alike),
+    exchanged<kx_vlan_forwarding>(KXDPA_OP_VLAN_FORWARDING, answer_forwarding, learn_forwarding)
+        .told_alike(forward_alike),
+    {KXDPA_OP_PORT_VLAN_SET, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_MAX, sizeof(bmp4096), 0,
+     sizeof(bmp4096), answer_vlan_set, learn_vlan_set},
 };
 
 } // namespace
 
-port *find_port(host &state, uint32_t ltl) {
-    const auto found = state.ports.by_ltl.find(ltl);
-    return found == state.ports.by_ltl.end() ? nullptr : &found->second;
-}
-
-port_view *find_port_view(host &state, uint32_t argument) {
-    port *found = find_port(state, argument & LAST_LTL);
+const port_view *find_port_view(const host &state, uint32_t argument) {
+    const port *found = find_port(state, argument & LAST_LTL);
     const uint32_t view = argument >> 24;
-    if (found == nullptr || view >= PORT_VIEWS || !found->views[view].known) {
+    if (found == nullptr || view >= PORT_VIEWS) {
         return nullptr;
     }
-    return &found->views[view];
+    const port_view &seen = view_of(*found, static_cast<kx_port_view>(view));
+    return seen.known ? &seen : nullptr;
 }
 
-constinit const family port_family = {PORT_ANSWERS};
+constinit const family port_family = PORT_ANSWERS;

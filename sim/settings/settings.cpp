@@ -1,15 +1,14 @@
-#include "sim/settings/settings.h"
+#include "sim/answer.h"
 
 #include "handlers/bvl/bvl_record.h"
 #include "handlers/card/port_mode_record.h"
 #include "handlers/iscsi/iscsi_record.h"
 #include "handlers/port/bridge_domain_record.h"
-#include "sim/port/ports.h"
 
 namespace {
 
 // A trunk carries its native VLAN beside the others, an access port carries no other one.
-void set_port_mode(port_view &view, const kx_port_mode_request &request) {
+void set_mode_of(port_view &view, const kx_port_mode_request &request) {
     const bool trunk = request.mode == KX_PORT_TRUNK;
     view.record.vlan_mode = trunk ? KX_VLAN_MODE : 0;
     if (!trunk) {
@@ -27,52 +26,41 @@ void set_port_mode(port_view &view, const kx_port_mode_request &request) {
     }
 }
 
-void answer_port_mode(host &state, exchange &talk) {
-    port *found = find_port(state, talk.request.arg);
+void set_port_mode(host &state, exchange &talk) {
+    const auto found = state.ports.by_ltl.find(talk.request.arg);
     const auto request = talk.input_as<kx_port_mode_request>();
     const bool native = request.native_vlan >= 1 && request.native_vlan <= KX_LAST_VLAN;
     const bool trunk = request.mode == KX_PORT_TRUNK;
-    if (found == nullptr || (!trunk && request.mode != KX_PORT_ACCESS) ||
+    if (found == state.ports.by_ltl.end() || (!trunk && request.mode != KX_PORT_ACCESS) ||
         !(native || (trunk && request.native_vlan == KX_NO_NATIVE_VLAN))) {
-        talk.fail();
-        return;
+        return talk.fail(state);
     }
-    for (port_view &view : found->views) {
-        set_port_mode(view, request);
+    set_mode_of(found->second.hmx, request);
+    for (auto &[which, view] : found->second.others) {
+        set_mode_of(view, request);
     }
-}
-
-void accept_setting(host &, exchange &) {
-}
-
-constexpr answer set(kxdpa_opcode opcode, uint32_t length) {
-    return {opcode, KXDPA_FLAG_IN, length, 0, 0, accept_setting};
-}
-
-constexpr answer set_text(kxdpa_opcode opcode) {
-    return {opcode, KXDPA_FLAG_IN | KXDPA_FLAG_MAX, 0, 0, 1, accept_setting};
 }
 
 constexpr answer SETTING_ANSWERS[] = {
-    {KXDPA_OP_SET_PORT_MODE, KXDPA_FLAG_IN, sizeof(kx_port_mode_request), 0, 0, answer_port_mode},
-    {KXDPA_OP_ISCSI_PINNING_STATE, KXDPA_FLAG_OUT, 4, 0, 0, accept_setting},
-    set(KXDPA_OP_SET_ISCSI_PINNING, sizeof(kx_iscsi_pinning)),
-    set_text(KXDPA_OP_SET_ISCSI_NIC),
-    set_text(KXDPA_OP_CLEAR_ISCSI_NIC),
-    set_text(KXDPA_OP_SET_MIRRA_NIC),
-    set_text(KXDPA_OP_CLEAR_MIRRA_NIC),
-    {KXDPA_OP_SCHEDULER_CONTROL, KXDPA_FLAG_IN | KXDPA_FLAG_OUT, 8, 0, 0, accept_setting},
-    set(KXDPA_OP_SET_QOS_EXPORT, 4),
-    set(KXDPA_OP_SET_MAC_MOVE_TIMER, 4),
-    set(KXDPA_OP_SET_BVL_SGT, 2),
-    set(KXDPA_OP_SET_BVL_TRUST, 1),
-    set(KXDPA_OP_SET_BVL_ENABLE, 1),
-    set(KXDPA_OP_SET_BVL_ENFORCEMENT, 1),
-    set(KXDPA_OP_SET_BVL_PROPAGATE, 1),
-    set(KXDPA_OP_SET_BVL_POLICY, sizeof(kx_bvl_policy)),
-    {KXDPA_OP_CLEAR_PRINTK_COUNTS, KXDPA_FLAG_NODATA, 0, 0, 0, accept_setting},
+    set<kx_port_mode_request>(KXDPA_OP_SET_PORT_MODE, set_port_mode),
+    get<uint32_t>(KXDPA_OP_ISCSI_PINNING_STATE, accept, nullptr),
+    set<kx_iscsi_pinning>(KXDPA_OP_SET_ISCSI_PINNING, accept),
+    set_text(KXDPA_OP_SET_ISCSI_NIC, 1, accept),
+    set_text(KXDPA_OP_CLEAR_ISCSI_NIC, 1, accept),
+    set_text(KXDPA_OP_SET_MIRRA_NIC, 1, accept),
+    set_text(KXDPA_OP_CLEAR_MIRRA_NIC, 1, accept),
+    exchanged<uint64_t>(KXDPA_OP_SCHEDULER_CONTROL, accept),
+    set<uint32_t>(KXDPA_OP_SET_QOS_EXPORT, accept),
+    set<uint32_t>(KXDPA_OP_SET_MAC_MOVE_TIMER, accept),
+    set<uint16_t>(KXDPA_OP_SET_BVL_SGT, accept),
+    set<uint8_t>(KXDPA_OP_SET_BVL_TRUST, accept),
+    set<uint8_t>(KXDPA_OP_SET_BVL_ENABLE, accept),
+    set<uint8_t>(KXDPA_OP_SET_BVL_ENFORCEMENT, accept),
+    set<uint8_t>(KXDPA_OP_SET_BVL_PROPAGATE, accept),
+    set<kx_bvl_policy>(KXDPA_OP_SET_BVL_POLICY, accept),
+    command(KXDPA_OP_CLEAR_PRINTK_COUNTS, accept),
 };
 
 } // namespace
 
-constinit const family settings_family = {SETTING_ANSWERS};
+constinit const family settings_family = SETTING_ANSWERS;

@@ -9,7 +9,7 @@
 // --every only each Nth run and capture is done, each as it is without it, and no capture of a walk
 // upwards for ever: its host file takes the sanitizers minutes.
 #include "capture/capture.h"
-#include "capture/record/recording.h"
+#include "capture/recorder.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
 #include "host/host_file.h"
@@ -73,13 +73,16 @@ void replay(uint64_t seed, const std::string &command,
             give_up(seed, command, error);
         recorder_start();
         recorded = run_tool({command}, answer_hostile);
-        text = write_host(recorded_host(recorder_stop()));
+        bool too_large = false;
+        text = write_host(recorder_stop(&too_large).value_or(host()));
+        if (too_large)
+            give_up(seed, command, "the recording is too large");
     }
-    model simulated;
+    host read;
     host_programs programs;
-    if (!parse_host(text, "recording", simulated.state, error) ||
-        !programs.install(simulated.state, error))
+    if (!parse_host(text, "recording", read, error) || !programs.install(read, error))
         give_up(seed, command, error + "\n" + text);
+    model simulated(std::move(read));
     simulated.complain = [&](const std::string &line) { give_up(seed, command, line); };
     const tool_run replayed = run_tool({command}, driver_of(simulated));
     if (replayed != recorded) {
@@ -128,15 +131,14 @@ void replay_rows(uint64_t seed) {
 
 constexpr uint32_t CAPTURES_OF_A_SEED = 40;
 
-// Returns what the capture reports.
-std::vector<std::string> capture(uint64_t seed, const char *what, const test_driver &driver) {
+// Returns what was cut.
+std::vector<std::string> capture(uint64_t seed, const char *what, const test_driver &driver,
+                                 std::chrono::seconds time_limit = std::chrono::minutes(10)) {
     set_test_driver(driver);
-    kx_dpa_api_init();
-    host_capture capturing;
-    capture_host(capturing, {});
-    kx_dpa_api_exit();
+    host captured;
+    capture_host({.time_limit = time_limit}, "", captured);
     std::vector<std::string> unsaid;
-    const std::string text = write_host(capturing.captured, &unsaid);
+    const std::string text = write_host(captured, {}, &unsaid);
     host described;
     std::string error;
     if (!parse_host(text, "capture", described, error))
@@ -144,7 +146,7 @@ std::vector<std::string> capture(uint64_t seed, const char *what, const test_dri
     if (!unsaid.empty())
         give_up(seed, what, "no key says " + unsaid.front());
     done.captures++;
-    return capturing.driver.reports();
+    return captured.capture->cut.value_or(std::vector<std::string>());
 }
 
 void capture_hostile_drivers(uint64_t seed) {
@@ -161,7 +163,7 @@ void capture_hostile_drivers(uint64_t seed) {
 // Every walk goes on for ever, upwards or in a circle. Ports without VLANs keep it within memory.
 void capture_endless_driver(uint32_t circle) {
     uint32_t last = 0;
-    const std::vector<std::string> reports = capture(circle, "endless", [&](kxdpa_request &record) {
+    const std::vector<std::string> cut = capture(circle, "endless", [&](kxdpa_request &record) {
         const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
         auto *const bytes = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
         const uint32_t size = two ? record.len2 : record.len1;
@@ -171,8 +173,16 @@ void capture_endless_driver(uint32_t circle) {
             memcpy(bytes + at, &last, sizeof last);
         return 0;
     });
-    if (reports.empty())
-        give_up(circle, "endless", "nothing is reported");
+    if (cut.empty())
+        give_up(circle, "endless", "nothing is cut");
+}
+
+void capture_slow_driver() {
+    hostile_driver_restart(1);
+    const std::vector<std::string> cut =
+        capture(1, "slow", answer_hostile, std::chrono::seconds(0));
+    if (std::count(cut.begin(), cut.end(), "no end after 0 seconds") != 1)
+        give_up(1, "slow", "the time is not limited");
 }
 
 } // namespace
@@ -196,6 +206,7 @@ int main(int argc, char *argv[]) {
     if (every == 1)
         capture_endless_driver(0);
     capture_endless_driver(7);
+    capture_slow_driver();
     std::printf("captures of hostile drivers: %llu\n",
                 static_cast<unsigned long long>(done.captures));
     std::printf("recordings: %zu rows, %llu runs, %llu requests replayed\n", done.rows.size(),

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -74,6 +75,9 @@ TEST_P(OutputFile, ReplacesAFileAndKeepsItsModeAndLinks) {
     const fs::path file = folder / "host.json", link = folder / "link";
     const fs::path longest = folder / std::string(NAME_MAX, 'n');
     fs::create_symlink("host.json", link);
+    fs::create_directory(folder / "far");
+    fs::create_symlink("far/later", folder / "dangling");
+    fs::create_symlink(folder / "dangling", folder / "far" / "chain");
     const mode_t mask = umask(027);
     EXPECT_TRUE(check_output_file(file, error)) << error;
     EXPECT_FALSE(fs::exists(file));
@@ -89,7 +93,18 @@ TEST_P(OutputFile, ReplacesAFileAndKeepsItsModeAndLinks) {
     EXPECT_TRUE(check_output_file(longest, error)) << error;
     EXPECT_TRUE(write_output_file(longest, "third", error)) << error;
     EXPECT_EQ(read_file(longest), "third");
-    EXPECT_EQ(files(), 3);
+    EXPECT_TRUE(check_output_file(folder / "far" / "chain", error)) << error;
+    EXPECT_TRUE(write_output_file(folder / "far" / "chain", "fourth", error)) << error;
+    EXPECT_TRUE(fs::is_symlink(folder / "dangling") && fs::is_symlink(folder / "far" / "chain"));
+    EXPECT_EQ(read_file(folder / "far" / "later"), "fourth");
+    EXPECT_EQ(files(), 5);
+    for (const fs::path &refused : {folder / "far", folder / "none" / "file", folder / "loop"}) {
+        fs::remove(folder / "loop");
+        fs::create_symlink("loop", folder / "loop");
+        EXPECT_FALSE(check_output_file(refused, error));
+        EXPECT_FALSE(write_output_file(refused, "text", error));
+    }
+    EXPECT_EQ(error, (folder / "loop").string() + ": cannot be written: " + strerror(ELOOP));
 }
 
 TEST_P(OutputFile, LeavesTheOldFileAndNothingElseWhenItFails) {

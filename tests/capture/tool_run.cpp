@@ -100,6 +100,7 @@ tool_run run_tool(const std::vector<std::string> &words, test_driver driver) {
     if (setjmp(here) == 0)
         value = tarncmd_main(static_cast<int>(kept.size()), arguments.data());
     out_of_run = nullptr;
+    kx_run_from_shell = false; // what a capture runs is not typed
     kx_dpa_api_exit();
     return {replace_stamps(output.take(), "STAMP: "), value, asked};
 }

@@ -20,7 +20,7 @@ constexpr const char *DRIVER = R"({"overrides": [
 class KernelChannel : public testing::Test {
 protected:
     void SetUp() override {
-        driver.state = described(DRIVER);
+        driver.take(described(DRIVER));
         driver.trace = [this](const std::string &line) { requests += line + "\n"; };
         driver.complain = [](const std::string &line) { ADD_FAILURE() << line; };
         interpose_model(&driver);

@@ -44,7 +44,7 @@ std::vector<kestrel_cmd_row> rows_where(bool (*wanted)(const kestrel_cmd_row &))
 class HostProcess : public testing::Test {
 protected:
     void SetUp() override {
-        driver.state = described(builtin_host_text());
+        driver.take(described(builtin_host_text()));
         driver.trace = [this](const std::string &line) {
             ++requests;
             last_request = line;
@@ -208,12 +208,12 @@ TEST_F(HostProcess, EndsWalksThatTheDriverDoesNotEnd) {
         override_rule rule;
         rule.opcode = row.opcode;
         rule.reply = row.reply;
-        driver.state.overrides = {rule};
+        driver.take_overrides({rule});
         int asked = 0;
         driver.trace = [&](const std::string &line) {
             asked += line.starts_with("op " + std::to_string(row.opcode) + " ") ? 1 : 0;
             if (asked > row.asked) // a walk that goes on too long is ended here
-                driver.state.overrides[0].status = SIM_STATUS_NOT_FOUND;
+                driver.state.overrides[0].status = HOST_STATUS_NOT_FOUND;
         };
         run_from_shell(row.command);
         EXPECT_EQ(asked, row.asked) << row.command;
@@ -233,7 +233,7 @@ std::string expected_cut(const std::string &text, bool in_entry) {
 TEST_F(HostProcess, CutsATableThatIsLargerThanTheBuffer) {
     driver.state.acls.acls->assign(KX_ACL_LIMIT, access_list{});
     for (uint32_t i = 0; i < KX_ACL_LIMIT; ++i) {
-        access_list &acl = driver.state.acls.acls->at(i);
+        kx_acl_record &acl = driver.state.acls.acls->at(i).record;
         acl.id = i;
         memset(acl.name, 'x', sizeof acl.name);
     }

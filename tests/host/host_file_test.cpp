@@ -87,12 +87,15 @@ TEST(HostFile, IsWrittenInOneForm) {
     odd.record.segment_features = 0x81;
     odd.record.kind = 3;
     port &listed = lab.ports.by_ltl[7];
-    for (port_view &view : listed.views)
-        view.record.if_index = 0x2500C000;
-    listed.views[KX_VIEW_KRT].vlans.reset();
-    listed.views[KX_VIEW_SYSTEM].record.if_index = 0x1C000010;
-    lab.l2.tables[4].entries = {{.mac = {2, 0, 0, 0, 0, 9}, .flags = KX_L2_PVLAN},
-                                {.mac = {2, 0, 0, 0, 0, 1}}};
+    listed.hmx.record.if_index = 0x2500C000;
+    own_view(listed, KX_VIEW_KRT).vlans.reset();
+    own_view(listed, KX_VIEW_SYSTEM).record.if_index = 0x1C000010;
+    kx_l2_entry entry = l2_entry_defaults();
+    entry.mac[0] = 2;
+    entry.mac[5] = 1;
+    lab.l2.tables[4].entries = {entry, entry};
+    lab.l2.tables[4].entries[0].mac[5] = 9;
+    lab.l2.tables[4].entries[0].flags = KX_L2_PVLAN;
     override_rule &rule = lab.overrides.emplace_back();
     rule.opcode = 15;
     rule.in.emplace();
@@ -101,15 +104,14 @@ TEST(HostFile, IsWrittenInOneForm) {
     lab.bridge_domains.by_index[9].record.vlan = 4096;
     lab.ports.by_ltl[0x1000000] = {};
     std::vector<std::string> unsaid;
-    EXPECT_EQ(write_host(lab, &unsaid), golden_text("host_file.json"));
+    EXPECT_EQ(write_host(lab, {}, &unsaid), golden_text("host_file.json"));
     EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
 TEST(HostFile, InterfacesAreNamedOrNumbered) {
     for (const auto &row : golden("host_interfaces.tsv")) {
         const host parsed = described(R"({"ports": [{"ltl": 1, "interface": )" + row.at(0) + "}]}");
-        EXPECT_EQ(parsed.ports.by_ltl.at(1).views[KX_VIEW_HMX].record.if_index, number(row.at(1)))
-            << row[0];
+        EXPECT_EQ(parsed.ports.by_ltl.at(1).hmx.record.if_index, number(row.at(1))) << row[0];
     }
 }
 
@@ -189,7 +191,7 @@ std::string all_values(const host &of) {
 
 void check_round_trip(const std::string &text) {
     std::vector<std::string> unsaid;
-    const std::string written = write_host(described(text), &unsaid);
+    const std::string written = write_host(described(text), {}, &unsaid);
     EXPECT_EQ(unsaid, std::vector<std::string>{});
     EXPECT_EQ(write_host(described(written)), written);
 }

@@ -102,6 +102,10 @@ struct drawing {
         case key_type::text:
             drawn.bytes = text(row);
             break;
+        case key_type::texts:
+            for (uint64_t count = below(4); count > 0; count--)
+                drawn.texts.push_back(text(row));
+            break;
         case key_type::hex:
             drawn.bytes = bytes(static_cast<size_t>(one_in(10) ? 600 : below(12)));
             break;
@@ -175,16 +179,13 @@ struct drawing {
         if (row.type == key_type::object || row.type == key_type::list)
             row.access.drop(object);
         else
-            row.access.set(
-                object, {.is = key_value::state::refused, .number = 0, .bytes = {}, .numbers = {}});
+            row.access.set(object, {.is = key_value::state::refused});
     }
 
     // `unique` becomes what tells the object from others of its list.
     void fill(const key_table &table, void *object, const std::set<std::string> &without,
               std::string &unique) {
         for (const key &row : table.keys) {
-            if (row.prepare != nullptr)
-                row.prepare(object);
             if (without.contains(row.name))
                 continue;
             if (row.refusable && one_in(8))

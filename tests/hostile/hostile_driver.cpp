@@ -110,17 +110,18 @@ void return_length(const room &to, hostile_random &random) {
 }
 
 model &simulated_host() {
-    static model *host = [] {
-        auto *made = new model;
+    static model *simulated = [] {
+        host described;
         std::string error;
-        if (!parse_host(builtin_host_text(), "built-in host", made->state, error)) {
+        if (!parse_host(builtin_host_text(), "built-in host", described, error)) {
             fprintf(stderr, "%s\n", error.c_str());
             abort();
         }
+        auto *made = new model(std::move(described));
         made->complain = [](const std::string &) {};
         return made;
     }();
-    return *host;
+    return *simulated;
 }
 
 // True when the simulated host gave the answer, with its status.

@@ -31,7 +31,7 @@ struct bench {
     uint8_t buffer2[64];
 
     explicit bench(const std::string &host_text) {
-        driver.state = described(host_text);
+        driver.take(described(host_text));
         driver.trace = [this](const std::string &line) { trace.push_back(line); };
         driver.complain = [this](const std::string &line) { complaints.push_back(line); };
         memset(buffer1, NO_REPLY, sizeof buffer1);
@@ -138,20 +138,20 @@ TEST(Model, NeverWritesBeyondTheRoom) {
     size_t asked = 0;
     for (const char *override : {"", R"(, "reply": "77*9000")", R"(, "length": 9000)"}) {
         for (const family *part : all_families()) {
-            for (const answer &form : part->answers) {
+            for (const answer &form : *part) {
                 SCOPED_TRACE(form.opcode);
                 bench on(text);
                 if (*override != '\0') {
                     const std::string opcode = std::to_string(form.opcode);
-                    on.driver.state.overrides =
+                    on.driver.take_overrides(
                         described(R"({"overrides": [{"opcode": )" + opcode + override + "}]}")
-                            .overrides;
+                            .overrides);
                 }
                 std::vector<uint8_t> first(10000, NO_REPLY);
                 std::vector<uint8_t> second(10000, NO_REPLY);
                 const bool two = (form.flags & KXDPA_FLAG_TWO) != 0;
-                const uint32_t length = form.len1 == ANY_LENGTH ? 4 : form.len1;
-                kxdpa_request record = on.request(form.opcode, 0, form.flags, length);
+                const uint32_t argument = form.argument == ANY_ARGUMENT ? 0 : form.argument;
+                kxdpa_request record = on.request(form.opcode, argument, form.flags, form.len1);
                 record.buf1 = record.buf1 == 0 ? 0 : reinterpret_cast<uintptr_t>(first.data());
                 if ((form.flags & KXDPA_FLAG_MAX) != 0) {
                     record.max1 = form.capacity + 1;
@@ -191,7 +191,7 @@ TEST(Model, WantsRoomForAVariableReply) {
 TEST(Model, UnknownOpcodesAndViewsAreErrorsWithoutAComplaint) {
     bench on(R"({"ports": [{"ltl": 20}]})");
     EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 8), SIM_STATUS_UNKNOWN_OPCODE);
-    EXPECT_EQ(on.status_of(44, 3U << 24 | 20, KXDPA_FLAG_OUT, 1148), SIM_STATUS_NOT_FOUND);
+    EXPECT_EQ(on.status_of(44, 3U << 24 | 20, KXDPA_FLAG_OUT, 1148), HOST_STATUS_NOT_FOUND);
     EXPECT_TRUE(on.complaints.empty());
     EXPECT_EQ(on.written(), 0U);
 }
@@ -236,7 +236,7 @@ TEST(Model, OverridesAskForTheInput) {
     override_rule any;
     any.opcode = 9999;
     any.status = 1;
-    on.driver.state.overrides = {any};
+    on.driver.take_overrides({any});
     EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 2), 1U);
 }
 

@@ -1,9 +1,0 @@
-// Who answers about the card.
-#ifndef SIM_CARD_CARD_H
-#define SIM_CARD_CARD_H
-
-#include "sim/answer.h"
-
-extern const family card_family;
-
-#endif

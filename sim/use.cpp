@@ -1,0 +1,87 @@
+#include "sim/use.h"
+
+#include "host/keys.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr size_t REPORT_LIMIT = 10; // lines about overrides
+
+// What was asked for and not captured, as words with a blank before each.
+std::string missing_keys(const std::vector<std::string> &captured, std::span<const uint8_t> asked) {
+    std::string missing;
+    for (size_t place = 0; place < asked.size(); place++) {
+        const char *name = HOST_KEYS.keys[place].name;
+        if (asked[place] != 0 && std::count(captured.begin(), captured.end(), name) == 0) {
+            missing += std::string(" ") + name;
+        }
+    }
+    return missing;
+}
+
+std::string words(const std::vector<std::string> &list) {
+    std::string text;
+    for (const std::string &word : list) {
+        text += " " + word;
+    }
+    return text;
+}
+
+void report_overrides(const host &described, std::span<const uint8_t> met,
+                      std::vector<std::string> &lines) {
+    size_t unused = 0;
+    for (size_t place = 0; place < met.size(); place++) {
+        if (met[place] == 0 && ++unused <= REPORT_LIMIT) {
+            lines.push_back("overrides[" + std::to_string(place) + "]: no request met it (opcode " +
+                            std::to_string(described.overrides[place].opcode) + ")");
+        }
+    }
+    if (unused > REPORT_LIMIT) {
+        lines.push_back("overrides: " + std::to_string(unused - REPORT_LIMIT) +
+                        " more that no request met");
+    }
+}
+
+} // namespace
+
+size_t marks_of(const host &described) {
+    return described.overrides.size() + HOST_KEYS.keys.size();
+}
+
+void mark_use_of(model &driver, uint8_t *marks) {
+    driver.met = [marks](size_t place) { marks[place] = 1; };
+    if (driver.state.capture && driver.state.capture->keys) {
+        driver.asked = [keys = marks + driver.state.overrides.size()](const answer &form) {
+            if (const auto place = key_place(form)) {
+                keys[*place] = 1;
+            }
+        };
+    }
+}
+
+std::vector<std::string> use_report(const host &described, std::span<const uint8_t> marks,
+                                    const std::string &name) {
+    std::vector<std::string> lines;
+    const size_t overrides = described.overrides.size();
+    if (described.capture && described.capture->keys) {
+        const std::vector<std::string> &captured = *described.capture->keys;
+        const std::string missing = missing_keys(captured, marks.subspan(overrides));
+        if (!missing.empty()) {
+            lines.push_back(name +
+                            " was captured without what was asked for, so the output may "
+                            "differ from the host's; capture it with: tarncap" +
+                            words(captured) + missing);
+        }
+    }
+    // A capture answers all displays; no run meets all of it.
+    if (!described.capture) {
+        report_overrides(described, marks.first(overrides), lines);
+    }
+    for (const auto &[index, table] : described.l2.tables) {
+        if (!described.bridge_domains.by_index.contains(index)) {
+            lines.push_back("l2.tables: there is no bridge domain " + std::to_string(index));
+        }
+    }
+    return lines;
+}

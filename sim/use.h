@@ -1,0 +1,24 @@
+// What of a host description a run has used, a byte each: the overrides, and behind them the
+// top-level keys of the host file, which are marked where the description is a capture of some.
+#ifndef SIM_USE_H
+#define SIM_USE_H
+
+#include "sim/model.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+size_t marks_of(const host &described);
+
+// From now on requests mark what they use in `marks`, which are so many and outlive the model.
+void mark_use_of(model &driver, uint8_t *marks);
+
+// A line for each thing that is worth telling about the use of the host in the file `name`: a
+// capture of some keys that was asked for others, and what was described for nothing.
+std::vector<std::string> use_report(const host &described, std::span<const uint8_t> marks,
+                                    const std::string &name);
+
+#endif
