@@ -10,8 +10,10 @@
 // upwards for ever: its host file takes the sanitizers minutes.
 #include "capture/capture.h"
 #include "capture/recorder.h"
+#include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
+#include "handlers/port/counter_records.h"
 #include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "tests/capture/tool_run.h"
@@ -185,6 +187,30 @@ void capture_slow_driver() {
         give_up(1, "slow", "the time is not limited");
 }
 
+// More than a host file holds.
+void record_too_much() {
+    constexpr uint32_t REQUESTS = 400000;
+    set_test_driver([](kxdpa_request &record) {
+        auto *const bytes = reinterpret_cast<uint8_t *>(record.buf1);
+        memcpy(bytes, &record.arg, sizeof record.arg);
+        memset(bytes + sizeof record.arg, 1, record.len1 - sizeof record.arg);
+        record.status = KXDPA_STATUS_SUCCESS;
+        return 0;
+    });
+    for (const uint32_t requests : {1U, REQUESTS}) {
+        recorder_start();
+        kx_dpa_api_init();
+        kx_drop_counters counters{};
+        for (uint32_t i = 0; i < requests; i++)
+            kx_dpa_get(KXDPA_OP_DROP_COUNTERS, i, &counters);
+        kx_dpa_api_exit();
+        bool too_large = false;
+        const bool recorded = recorder_stop(&too_large).has_value();
+        if (too_large != (requests == REQUESTS) || recorded == too_large)
+            give_up(requests, "recording", too_large ? "is too large" : "is not limited");
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[]) {
@@ -203,8 +229,10 @@ int main(int argc, char *argv[]) {
     }
     if (done.runs == 0)
         give_up(0, argv[0], "no seed is given");
-    if (every == 1)
+    if (every == 1) {
         capture_endless_driver(0);
+        record_too_much();
+    }
     capture_endless_driver(7);
     capture_slow_driver();
     std::printf("captures of hostile drivers: %llu\n",

@@ -108,6 +108,27 @@ TEST(HostFile, IsWrittenInOneForm) {
     EXPECT_EQ(unsaid, (std::vector<std::string>{"bridge_domains[1].vlan", "ports[1].ltl"}));
 }
 
+TEST(HostFile, LeavesOutWhatHasNoKeyAtEveryDepth) {
+    host lab;
+    for (const uint32_t ltl : {0x1000000U, 0x1000001U, 1040U}) {
+        auto &record = lab.port_channels.by_ltl[ltl].record;
+        record.member_count = 1;
+        record.members[0].ltl = 20;
+    }
+    lab.ports.by_ltl[50].hmx.record.link_state = 7;
+    lab.ports.by_ltl[50].hmx.record.admin_state = 0xFF;
+    lab.ports.by_ltl[50].hmx.record.if_index = 0x1D000007;
+    std::vector<std::string> unsaid;
+    const std::string text = write_host(lab, {}, &unsaid);
+    const host read = described(text);
+    EXPECT_EQ(unsaid, (std::vector<std::string>{"port_channels[1].ltl", "port_channels[2].ltl"}));
+    ASSERT_EQ(read.port_channels.by_ltl.size(), 1U);
+    EXPECT_EQ(read.port_channels.by_ltl.at(1040).record.members[0].ltl, 20U);
+    for (const char *line : {"\"link\": \"down\"", "\"admin\": \"down\"",
+                             "\"interface\": 486539271", "\"interface_name\": \"vif7\""})
+        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+}
+
 TEST(HostFile, InterfacesAreNamedOrNumbered) {
     for (const auto &row : golden("host_interfaces.tsv")) {
         const host parsed = described(R"({"ports": [{"ltl": 1, "interface": )" + row.at(0) + "}]}");

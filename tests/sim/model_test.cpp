@@ -238,6 +238,10 @@ TEST(Model, OverridesAskForTheInput) {
     any.status = 1;
     on.driver.take_overrides({any});
     EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 2), 1U);
+    any.opcode = 9998; // in the place of the other one
+    on.driver.take_overrides({any});
+    EXPECT_EQ(on.status_of(9999, 0, KXDPA_FLAG_OUT, 2), SIM_STATUS_UNKNOWN_OPCODE);
+    EXPECT_EQ(on.status_of(9998, 0, KXDPA_FLAG_OUT, 2), 1U);
 }
 
 TEST(Model, OverrideOfTheSecondTimeHoldsOnce) {
