@@ -33,10 +33,16 @@ def host_files(repository):
             yield name, path.read_text()
 
 
-def written_once_more(text):
-    """The text as another program writes the same JSON: two blanks a level, nothing escaped."""
-    again = json.dumps(json.loads(text), indent=2, ensure_ascii=False)
-    return again.replace("\x7f", "\\u007f") + "\n"
+def written(value, indent=0):
+    """As another program writes the value: two blanks a level, lists of plain values on one line."""
+    items = value.values() if isinstance(value, dict) else value if isinstance(value, list) else ()
+    if not isinstance(value, dict) and not any(isinstance(item, (dict, list)) for item in items):
+        return json.dumps(value, ensure_ascii=False).replace("\x7f", "\\u007f")
+    keys = [written(key) + ": " for key in value] if isinstance(value, dict) else [""] * len(value)
+    blanks = "\n" + " " * indent
+    lines = [f"{blanks}  {key}{written(item, indent + 2)}" for key, item in zip(keys, items)]
+    left, right = "{}" if isinstance(value, dict) else "[]"
+    return left + ",".join(lines) + (blanks if lines else "") + right
 
 
 def main():
@@ -50,7 +56,7 @@ def main():
     assert len(files) >= 9, files
     for seed in range(RANDOM_HOSTS):
         text = output_of(random_host_file, str(seed))
-        assert text == written_once_more(text), f"random host {seed}"
+        assert text == written(json.loads(text)) + "\n", f"random host {seed}"
         files.append((f"random host {seed}", text))
     for name, text in files:
         wrong = jsonschema.exceptions.best_match(validator.iter_errors(json.loads(text)))
