@@ -1,6 +1,6 @@
-// A preloaded driver that answers by arithmetic, so that a measurement sees the tool and not the
-// simulated host. The host it stands for is set by BENCH_PORTS, BENCH_DOMAINS, BENCH_MACS (entries
-// in each bridge domain) and BENCH_VLAN_MODE in the environment.
+// A preloaded driver that computes its answers, so that a measurement sees the tool and not the
+// simulated host. The environment sets the host: BENCH_PORTS, BENCH_DOMAINS, BENCH_MACS (entries in
+// each bridge domain) and BENCH_VLAN_MODE.
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "dpa/userspace/kxdpa_request.h"
 #include "handlers/port/bridge_domain_record.h"
@@ -75,7 +75,7 @@ void fill_bd(uint32_t index, kx_bd_record *bd) {
     snprintf(bd->name, sizeof bd->name, "domain-%u", index);
 }
 
-// All of a bridge domain's numbers are its index.
+// All numbers of a bridge domain are its index.
 uint32_t find_bd(kx_bd_record *asked) {
     uint32_t index = asked->vlan != 0 ? asked->vlan : asked->swbd;
     if (asked->name[0] != '\0') {
@@ -176,7 +176,7 @@ uint32_t answer(kxdpa_request *request) {
     case KXDPA_OP_ACL_COUNT:
         *word = 0;
         return KXDPA_STATUS_SUCCESS;
-    case KXDPA_OP_PORT_PVLAN: // answers with what was asked: no private VLAN
+    case KXDPA_OP_PORT_PVLAN: // the request comes back unchanged: no private VLAN
         return KXDPA_STATUS_SUCCESS;
     case KXDPA_OP_PORT_MAC:
         memset(buffer<uint8_t>(request->buf1), 2, KX_MAC_SIZE);

@@ -1,6 +1,6 @@
-// What a program costs that does nothing but the same requests and the same rows as tarncmd: one
-// plain printf a row ("printf"), or the finished text in one write ("write"). Usage: bare
-// printf|write port|l2|stats
+// A bare program for comparison: it makes the same requests and prints the same rows as tarncmd,
+// and does nothing else. It prints with one plain printf a row ("printf"), or the finished text in
+// one write ("write"). Usage: bare printf|write port|l2|stats
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "dpa/userspace/kxdpa_request.h"
 #include "handlers/port/bridge_domain_record.h"

@@ -51,7 +51,7 @@ double now() {
     }
     setenv("LD_PRELOAD", driver.c_str(), 1);
     dup2(output, STDOUT_FILENO);
-    // What a capture says of refused requests is not measured.
+    // The complaints of a capture about refused requests are not measured.
     dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
     std::vector<char *> arguments;
     for (const std::string &word : words) {
@@ -94,8 +94,8 @@ std::string output_of(const command &words, const std::vector<std::string> &sett
     return text;
 }
 
-// Adds 1/times of the means over the middle half of the rounds, which leaves out those that
-// something else on the machine got into, and the greatest peak.
+// Adds 1/times of the means over the middle half of the rounds, and the greatest peak. The middle
+// half leaves out the rounds that other work on the machine disturbed.
 void summarize(std::vector<cost> &rounds, int times, cost &summary) {
     std::sort(rounds.begin(), rounds.end(),
               [](const cost &a, const cost &b) { return a.user + a.system < b.user + b.system; });
@@ -112,8 +112,9 @@ void summarize(std::vector<cost> &rounds, int times, cost &summary) {
     }
 }
 
-// The commands take turns, so that whatever else the machine does falls on all of them alike. Only
-// the rounds of one time are kept: what this program holds counts in the peak of what it starts.
+// The commands run in turns, so that other work on the machine slows all of them alike. Only the
+// rounds of one time are kept, since memory of this program counts in the peak of the programs that
+// it starts.
 std::vector<cost> measure(const std::vector<command> &commands,
                           const std::vector<std::string> &settings, const std::string &driver,
                           int rounds, int times) {
@@ -144,7 +145,7 @@ void print_ratio(const char *name, const cost &a, const cost &b) {
            a.memory / b.memory);
 }
 
-// A capture beside the two displays that ask for most of it.
+// A capture, beside the two displays that make most of the same requests.
 void measure_captures(const std::string &tarncap, const std::string &tarncmd,
                       const std::string &driver) {
     const struct {

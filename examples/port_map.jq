@@ -1,6 +1,6 @@
-# Draws a captured host as a picture: its virtual ports, grouped by where they are pinned or
-# forwarded, the uplinks, and the port channels that bundle them, with what `tarnask health` finds of
-# each. How many ports are pinned to an uplink is what "show pc" says.
+# Draws a captured host as a picture: its virtual ports, grouped by where they are pinned or forwarded, the
+# uplinks, and the port channels that bundle them. At each it shows what `tarnask health` finds. The number of
+# ports pinned to an uplink is that of "show pc".
 #
 #     tarncap | jq -rf examples/port_map.jq | dot -Tsvg >host.svg
 
@@ -12,13 +12,13 @@ def faint: "#7b8794";     # secondary text, ports that are down
 def line: "#9aa5b1";      # borders and edges
 def error_ink: "#ab091e"; # ports on which nothing goes
 
-# At most so many characters of a range list, and how many there are when that is not all.
+# The first numbers of a range list, and how many there are in all when it is cut.
 def list_text($most):
     range_text as $text
     | if ($text | length) <= $most then $text else
         ($text[:$most] | sub(",[^,]*$"; "")) + ",… (\(length))" end;
 
-# How a port looks by what is found of it.
+# The look of a port, by what is found about it.
 def is_stopped:
     is_up and any(.words[]; IN("err-disabled", "leaf-blocked", "leaf-wait", "not-forwarding", "port-channel-down"));
 def state_text: .error as $error
@@ -46,7 +46,7 @@ def colored($color): if . == "" then . else "<font color=\"\($color)\">\(. | @ht
 def small: if . == "" then . else "<font point-size=\"9\">\(.)</font>" end;
 def cell($attributes): "<td align=\"left\" \($attributes)>\(.)</td>";
 
-# The columns are as wide in every group.
+# The columns have the same widths in every group.
 def widths: [14, 110, 52, 150, 90];
 
 # A row of a group: state, name, interface, networks, what is wrong.
@@ -79,7 +79,8 @@ def uplink_label:
        | map("<tr><td>\(colored($port | text_color) | small)</td></tr>") | join(""))
     + "</table>";
 
-# Where a virtual port sends to, as LTLs: the uplinks that it is pinned to, else what shares a VLAN with it.
+# The LTLs to which a virtual port sends: the uplinks that it is pinned to, else those that share a VLAN with
+# it.
 def destinations($h):
     . as $port
     | pinned_to($h.leaf) as $group
@@ -96,9 +97,9 @@ def destinations($h):
 | [$ports[] | select(is_uplink)] as $uplinks
 | [$ports[] | select(is_port_channel)] as $channels
 | [$ports[] | select(is_virtual)] as $virtual
-# What is not about a port, below the title.
+# Findings that are not about a port, below the title.
 | [$findings[] | select(.ltl == null) | "\(.word): \(.text)"] as $of_host
-# How many ports are pinned to a member of a port channel, as "show pc" has it.
+# The number of ports pinned to a member of a port channel, as in "show pc".
 | (reduce ($host.port_channels[]?.members[]? | select(.pinned != null)) as $member ({};
     .[$member.ltl | number | tostring] //= ($member.pinned | number))) as $pinned
 | def title($to):

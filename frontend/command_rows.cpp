@@ -37,7 +37,7 @@ row_words typed_words(const kestrel_cmd_row &row) {
     return words;
 }
 
-// The row as a shell gives it. A cookie and its number are for host processes.
+// The row as typed in a shell. Cookies are only for host processes.
 row_words usage(const kestrel_cmd_row &row) {
     row_words words;
     for (const char *keyword : row.keywords) {
@@ -58,7 +58,7 @@ bool is_change(const kestrel_cmd_row &row) {
     return !is_display(row) && strcmp(row.keywords[0], "dump") != 0;
 }
 
-// The letters that are one too many, missing, wrong, or swapped with the next one.
+// The number of letters that are too many, missing, wrong, or swapped with the next one.
 size_t typing_errors(const char *typed, size_t typed_length, const char *keyword) {
     const size_t length = strlen(keyword);
     size_t errors[LONGEST_WORD][LONGEST_WORD];
@@ -83,25 +83,27 @@ size_t typing_errors(const char *typed, size_t typed_length, const char *keyword
     return errors[typed_length][length];
 }
 
-// The second word of the built display that is nearest to `typed`, NULL when none is near.
+// The second word of the built display that is nearest to `typed`, NULL when none is near. Of two
+// that are as near, the one with the same first letter: people get that right.
 const char *nearest_display(const char *typed, size_t typed_length) {
-    size_t least = typed_length < 6 ? 2 : 3;
+    size_t least = typed_length < 6 ? 4 : 6;
     const char *nearest = nullptr;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
         if (row.handler == nullptr || kx_is_stub(row.handler) || !is_display(row) ||
             kx_typed_keywords(row) < 2) {
             continue;
         }
-        const size_t errors = typing_errors(typed, typed_length, row.keywords[1]);
-        if (errors < least) {
-            least = errors;
+        const size_t distance = 2 * typing_errors(typed, typed_length, row.keywords[1]) +
+                                (kx_strncasecmp(typed, row.keywords[1], 1) == 0 ? 0 : 1);
+        if (distance < least) {
+            least = distance;
             nearest = row.keywords[1];
         }
     }
     return nearest;
 }
 
-// One line on standard error, after what standard output holds back.
+// One line on standard error; what standard output holds back is written first.
 __attribute__((format(printf, 1, 2))) void tell(const char *format, ...) {
     fflush(stdout);
     va_list arguments;

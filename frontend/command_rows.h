@@ -1,21 +1,21 @@
-// What a row of the command table says of itself: the words to type, and what there is to say of a
-// run of it.
+// What the command table tells about a row: the words to type, and what to tell the operator about
+// a run.
 #ifndef FRONTEND_COMMAND_ROWS_H
 #define FRONTEND_COMMAND_ROWS_H
 
 #include "frontend/kestrel_cmd_list.h"
 
-// How many keywords of the row are typed as they stand. The keywords after them document: a word
-// with a bracket or a bar, or "cookie", and everything after it.
+// How many keywords of the row are typed as they stand. The keywords after them only document: they
+// begin with the first word that has a bracket or a bar or is "cookie".
 int kx_typed_keywords(const kestrel_cmd_row &row);
 
-// Tell the operator what a run of `command` on this row, of which it gave the first `matched`
-// keywords, did not say by itself. One line on standard error, after what standard output holds
-// back:
-// - the row is the catch-all of unknown displays (with the nearest display that there is), or a
-//   command only begins like a row that is not built;
+// Tell the operator what the output does not say about a run of `command` on this row, whose first
+// `matched` keywords the command has. One line on standard error; what standard output holds back
+// is written first. The cases:
+// - the row is the catch-all of unknown displays (the line names the nearest display), or the row
+// is not built and the command has only its first words;
 // - the row is not built;
-// - a command that only begins like the row was run as one that sets or clears;
+// - the row sets or clears, and it ran although the command has only its first words;
 // - a display has printed nothing.
 // Prints nothing for any other run.
 void kx_explain_run(const kestrel_cmd_row &row, int matched, const char *command);

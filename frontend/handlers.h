@@ -1,8 +1,7 @@
 // The handlers of the command table.
 //
-// A handler gets the rest of the command after the matched keywords, NULL when nothing follows,
-// and returns 0 for success, -1 for failure, -2 to stop the commands after it in the same text as
-// well.
+// A handler gets the words after the matched keywords, NULL when there are none. It returns 0 for
+// success, -1 for failure, and -2 to stop the later commands of the same text, too.
 #ifndef FRONTEND_HANDLERS_H
 #define FRONTEND_HANDLERS_H
 
@@ -87,8 +86,8 @@ int kx_show_lacp_hostdata(const char *arg);
 // Commands run inside the agent (dpa/command/).
 int kx_dpa_cmd(const char *arg);
 
-// Handlers of subsystems that are not built yet: they print nothing and return -1
-// (handlers/stubs.cpp). A handler that lands leaves this list and is declared above.
+// Handlers that are not built yet: they print nothing and return -1 (handlers/stubs.cpp). When you
+// build one, move it from this list to a declaration above.
 // clang-format off
 #define KESTREL_STUB_HANDLERS(STUB) \
     STUB(kx_show_dp_heap_usage) STUB(kx_mcast_dump) STUB(kx_show_storm_stats) \

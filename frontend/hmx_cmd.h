@@ -1,14 +1,14 @@
 /*
  * The command layer as a host process sees it.
  *
- * tarncmd itself calls these entry points for one command line and exits. A process that serves the
- * switch's remote CLI calls them again and again, in agent-driven mode: it points the output sink
+ * tarncmd itself calls these functions for one command line and exits. A process that serves the
+ * switch's remote CLI calls them again and again, in agent-driven mode. It points the output sink
  * at hmx_rcli_buffer, runs a command text, sends the buffer on, and asks for the next page with the
- * continuation word that the command left behind:
+ * key that the command stored in hmx_rcli_more_output:
  *
  *     kx_dpa_api_init(), hmx_cmd_init()           once
  *     hmx_rcli_fromdpa = 1;                       once
- *     hmx_rcli_buffer[0] = '\0';                  before every run, as are the next four
+ *     hmx_rcli_buffer[0] = '\0';                  before every run, like the next four
  *     hmx_rcli_buffer_ptr = hmx_rcli_buffer;
  *     hmx_rcli_entry_start_ptr = NULL;
  *     hmx_rcli_print_len = 0;
@@ -16,21 +16,22 @@
  *     hmx_cmd_run(text, (int)strlen(text), 1);
  *     the page is the NUL-terminated text in hmx_rcli_buffer
  *     hmx_rcli_buffer_ptr is not where that text ends: the page did not fit, its end is lost
- *     hmx_rcli_more_output != 0: the next page is the same text with " cookie N" after it, N being
- *         hmx_rcli_more_output in decimal; the same N twice in a row ends the table as 0 does,
- *         and so does page 1048576: a driver may answer in circles
+ *     hmx_rcli_more_output is not 0: for the next page run the same text with " cookie N" after it;
+ *         N is hmx_rcli_more_output in decimal
+ *     the table ends when N is 0; stop also when N is the same twice in a row, and at page 1048576,
+ *         since a driver may answer in circles
  *     hmx_cmd_exit(), kx_dpa_api_exit()           once
  *
- * Nothing here resets the sink: what the host leaves in it, the next run finds. A command that
- * refuses its cookie leaves hmx_rcli_more_output alone, so a host that does not clear it takes the
- * old word for a next page. A page that ends with LTL 0, which a driver may show, leaves the word
- * 0: the table seems to end there.
+ * The library never resets the sink: the next run finds what the host left in it. A command that
+ * refuses its cookie does not change hmx_rcli_more_output, so a host that did not clear it takes
+ * the old key for that of a next page. A driver may show LTL 0; a page that ends with it stores 0,
+ * so the table seems to end there.
  *
- * All state is one set per process and is not locked: one command runs at a time, and no two
- * threads may be in here at once. Lines about refused and unknown commands, complaints of commands
- * that set something, and trace lines go to standard output, never into the buffer. Nothing here
- * writes to standard error, which is the host's own; the shell that "show card" asks for the
- * management address inherits it and may.
+ * The process has one set of state, without locks: run one command at a time, and call these
+ * functions from one thread at a time. Lines about refused and unknown commands, complaints of
+ * commands that set something, and trace lines go to standard output, never into the buffer. The
+ * library writes nothing to standard error, which is the host's own. "show card" starts a shell to
+ * get the management address; that shell inherits standard error and may write to it.
  *
  * Everything is 32-bit x86 code. This header can be included from C and from C++.
  */
@@ -50,7 +51,7 @@
 extern "C" {
 #endif
 
-/* These names, and no others, leave the library. */
+/* The library exports these names and no others. */
 #pragma GCC visibility push(default)
 
 /* Bytes of the remote-CLI output buffer; its end bounds every buffered write. */
@@ -87,7 +88,7 @@ int hmx_cmd_run(const char *text, int length, int from_agent);
 int hmx_cmd_help(char *buffer, unsigned int size);
 
 /*
- * Clear the drop counters of all pipeline stages, which no command does. Returns the driver's
+ * Clear the drop counters of all pipeline stages. No command does that. Returns the driver's
  * status: 0, or why it refused. Needs the open request channel.
  */
 uint32_t kx_port_drops_clear(void);
@@ -100,34 +101,35 @@ extern char hmx_rcli_buffer[HMX_RCLI_BUFFER_SIZE];
 
 /*
  * Next write position; NULL (at start) selects standard output. The host sets it to the buffer's
- * start before each run. Writes that find no room are dropped but move it all the same, by the
- * length of the write before, and may move it past the buffer's end. So after a run everything
- * fitted when it stands at the text's end,
+ * start before each run. A write that finds no room is dropped, but it still moves the position, by
+ * the length of the write before, maybe past the buffer's end. So everything fitted when, after a
+ * run, the position is at the text's end,
  *
  *     hmx_rcli_buffer_ptr == hmx_rcli_buffer + strlen(hmx_rcli_buffer)
  *
- * and when it stands after the end, what came last is lost. A page is made of whole entries, and one entry
- * alone may be larger than the buffer: the MAC table of one bridge domain, for one.
+ * and when it is after the text's end, the end of the page is lost. A page consists of whole
+ * entries, and a single entry, such as the MAC table of one bridge domain, may be larger than the
+ * buffer.
  */
 extern char *hmx_rcli_buffer_ptr;
 
 /*
- * Start of the entry being written, owned by the host: the command layer only reads it. While it is
- * NULL a write needs 201 free bytes in the buffer; while it is set a write goes in as long as one
- * byte is free, and is cut at the end.
+ * Start of the entry being written. The host owns it; the command layer only reads it. While it is
+ * NULL, a write needs 201 free bytes in the buffer. While it is set, a write needs one free byte,
+ * and is cut at the buffer's end.
  */
 extern char *hmx_rcli_entry_start_ptr;
 
 /*
  * Characters that the last write into the buffer needed, also when it was cut. The host clears it
- * before a run, as a first write that finds no room moves the position by it.
+ * before a run, because a first write that finds no room moves the position by it.
  */
 extern int32_t hmx_rcli_print_len;
 
 /*
  * Continuation word of paging commands: 0 when the output is complete, otherwise the cookie for the
- * next page, the key of the last entry. Commands that do not page leave it alone, so the host
- * clears it before a run.
+ * next page, which is the key of the last entry. Commands that do not page do not change it, so the
+ * host clears it before a run.
  */
 extern uint32_t hmx_rcli_more_output;
 
@@ -141,10 +143,11 @@ extern int32_t hmx_rcli_fromdpa;
 extern int32_t hmx_rcli_dpa_loga_log;
 
 /*
- * Debug words, one a module, 0x87 at start. A trace line is printed to standard output when its bit
- * is set: value 16 for ordinary traces, 4 for length and parse complaints, 1 for some failures, and
- * 8 for what a few settings sent (the card's name and UUID, vmnic flags, the MAC-move timer) and
- * for MAC addresses that were completed before they were read. 2 and 128 print nothing.
+ * Debug words, one for each module, 0x87 at start. A trace line goes to standard output when its
+ * bit is set: 16 for ordinary traces, 4 for length and parse complaints, 1 for some failures, and 8
+ * for what a few settings sent (the card's name and UUID, vmnic flags, the MAC-move timer) and for
+ * MAC addresses with a digit missing, which were completed before they were read. 2 and 128 print
+ * nothing.
  */
 extern uint32_t kx_debug_print_kxdump;             /* command handlers */
 extern uint32_t kx_debug_print_hmx_cmds;           /* command entry and card settings */
@@ -152,8 +155,8 @@ extern uint32_t kx_debug_print_kxdpa_indirect;     /* kernel request channel */
 extern uint32_t kx_debug_print_kxtarncmd_indirect; /* agent socket channel */
 extern uint32_t kx_debug_print_kxcmd;              /* command matcher */
 extern uint32_t kx_debug_print_kxstrings;          /* text parsing */
-extern uint32_t kx_debug_print_dpa_platform;       /* what the host's shell tells of its address */
-extern uint32_t kx_debug_print_dpa_main;           /* the agent's main loop; no line here */
+extern uint32_t kx_debug_print_dpa_platform;       /* the host's address as its shell says it */
+extern uint32_t kx_debug_print_dpa_main;           /* the agent's main loop; prints no line here */
 
 #pragma GCC visibility pop
 

@@ -34,7 +34,7 @@ constexpr kestrel_cmd_row end_of_table() {
 
 } // namespace
 
-// One row a line: keywords, argument hint, help text, handler, where it may come from.
+// One row a line: keywords, argument hint, help text, handler, from where it may be run.
 // clang-format off
 constinit kestrel_cmd_row kestrel_cmd_list[KESTREL_CMD_ROWS] = {
     heading("tarncmd help:"),

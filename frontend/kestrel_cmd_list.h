@@ -22,8 +22,8 @@ using kestrel_cmd_handler = int (*)(const char *arg);
 // Writes its line of help at `position`, `room` bytes at most; returns the characters written.
 using kestrel_cmd_help_callback = int (*)(char *position, int room);
 
-// Fourteen 32-bit words. Keywords in brackets are documentation: they never equal a value that is
-// typed, so the row matches through its last literal keyword and the handler receives the rest.
+// Fourteen 32-bit words. Keywords in brackets only document: no typed word equals them. So the row
+// matches up to its last literal keyword, and the handler receives the rest.
 struct kestrel_cmd_row {
     kestrel_cmd_kind kind;
     kestrel_cmd_handler handler;
@@ -44,7 +44,7 @@ static_assert(offsetof(kestrel_cmd_row, keywords) == 5 * 4);
 static_assert(offsetof(kestrel_cmd_row, reserved) == 12 * 4);
 static_assert(offsetof(kestrel_cmd_row, allowed_from_agent) == 13 * 4);
 
-// In catalogue order, which decides ties in matching, until the help sorts it in place.
+// In catalogue order, which decides between equal matches, until the help sorts it in place.
 extern kestrel_cmd_row kestrel_cmd_list[KESTREL_CMD_ROWS];
 
 #endif

@@ -27,7 +27,7 @@ const char *text_or_empty(const char *text) {
     return text == nullptr ? "" : text;
 }
 
-// The deepest row that matches, and how many keywords less one it matches by.
+// The deepest row that matches, and one less than the number of keywords that match.
 struct match {
     int row;
     int depth;
@@ -43,7 +43,8 @@ match find_deepest(const kestrel_cmd_row *table, const char *const words[WORDS])
     match best{-1, -1};
     for (int row = 0; table[row].kind != KESTREL_CMD_END; ++row) {
         const char *const *keywords = table[row].keywords;
-        // Most rows are settled by the first keyword that would make them deeper than the best.
+        // For most rows one comparison is enough: of the first keyword that would make the row
+        // deeper than the best one.
         const int deeper = best.depth + 1;
         if (table[row].handler == nullptr || deeper == KESTREL_CMD_KEYWORDS ||
             !is_match(words[deeper], keywords[deeper])) {
@@ -84,7 +85,7 @@ int table_end(const kestrel_cmd_row *table) {
     return row;
 }
 
-// An exchange sort over the commands of [begin, end); every other row keeps its place.
+// An exchange sort of the commands in [begin, end); every other row keeps its place.
 void sort_region(kestrel_cmd_row *table, int begin, int end) {
     for (int i = begin; i < end; ++i) {
         if (table[i].kind != KESTREL_CMD_COMMAND) {

@@ -1,13 +1,13 @@
 // Matching command texts against a command table, and the help catalogue.
 //
-// A command is matched by whole keywords, without regard to case and without abbreviation; the row
-// that matches the most keywords wins, the earliest of equally deep ones.
+// A command is matched by whole keywords, ignoring case; abbreviations do not match. The row that
+// matches the most keywords wins, and the earliest of equally deep ones.
 #ifndef FRONTEND_KXCMD_H
 #define FRONTEND_KXCMD_H
 
 #include "frontend/kestrel_cmd_list.h"
 
-// A handler's result that stops the commands after it in the same text.
+// The result of a handler that stops the later commands of the same text.
 constexpr int KXCMD_STOP = -2;
 
 // Split `text` of `length` bytes (no NUL needed) into commands at ";" and at bytes outside 32..126,
@@ -20,14 +20,15 @@ void kxcmd_parse_multiple(kestrel_cmd_row *table, const char *text, int length, 
 int kxcmd_parse_single(kestrel_cmd_row *table, const char *command, int length, int from_agent);
 
 // Sort the table in place and write the catalogue into `buffer` of `size` bytes. Returns the
-// characters written, or `size` when the text reached it (the buffer holds what fitted).
+// characters written, or `size` when the text did not fit (the buffer then holds the part that
+// did).
 int kxcmd_snprintf_help(kestrel_cmd_row *table, char *buffer, int size);
 
-// Exchange two rows of the table when the second orders before the first: keyword by keyword in
-// byte order, a shorter sequence before its continuations.
+// Exchange two rows of the table when the second belongs before the first: keyword by keyword in
+// byte order; a row with fewer keywords comes before those that continue it.
 void kxcmd_compare_and_swap(kestrel_cmd_row *a, kestrel_cmd_row *b);
 
-// Count the characters of `text`, complaining about bytes that are neither printable nor white
+// Count the characters of `text`, and complain about bytes that are neither printable nor white
 // space. Returns the count, or -1 when there is no NUL within `max_length` bytes.
 int kxcmd_validate_data(const char *text, int max_length);
 

@@ -15,7 +15,7 @@ char cmdbuffer[20480];
 
 constexpr const char *TRUNCATED_HELP = "***WARNING*** Help text has been truncated.";
 
-// Ask for the card domain, which the driver refuses to a tool of another version. The domain itself
+// Ask for the card domain. The driver refuses this to a tool of another version; the domain itself
 // is not used. Returns the request's status.
 uint32_t check_version() {
     uint32_t domain = 0;
@@ -24,8 +24,8 @@ uint32_t check_version() {
                                  &unused_capacity);
 }
 
-// Join the words with single blanks into cmdbuffer. False when they do not fit: what is left of a
-// cut line could be another command, one that clears more than was asked for.
+// Join the words with single blanks into cmdbuffer. False when they do not fit: the beginning of a
+// cut line could be another command, one that clears more than the operator asked for.
 bool join_arguments(int count, char *const words[]) {
     size_t length = 0;
     for (int i = 0; i < count; ++i) {
@@ -51,17 +51,18 @@ void print_help() {
     }
 }
 
-// What an operator can do without the driver. `error` is errno of the open, or 0.
+// Tell the operator what to do without the driver. `error` is errno of the open, or 0.
 void explain_no_driver(int error) {
     fflush(stdout);
     fprintf(stderr,
-            "tarncmd: %s: %s; \"tarnlab tarncmd help\" shows the commands on a simulated host, "
+            "tarncmd: %s: %s%s; \"tarnlab tarncmd help\" shows the commands on a simulated host, "
             "\"man tarncmd\" explains them\n",
             KX_DEVICE_PATH,
-            error != 0 ? strerror(error) : "the HMX there is of another version than this tarncmd");
+            error != 0 ? strerror(error) : "the HMX there is of another version than this tarncmd",
+            error == EACCES ? " (try as root)" : "");
 }
 
-// The words by which a program is usually asked for its help, which no command has.
+// The usual words to ask a program for help; no command has them.
 bool asks_for_help(const char *word) {
     return strcmp(word, "--help") == 0 || strcmp(word, "-h") == 0 || strcmp(word, "--version") == 0;
 }

@@ -10,11 +10,10 @@
 
 namespace {
 
-// A write outside an entry needs this many free bytes, so that a row is not begun that cannot be
-// finished.
+// A write outside an entry needs this many free bytes, so that no row is begun that does not fit.
 constexpr size_t ROOM_FOR_A_ROW = 201;
 
-// Bytes that a row is formatted in on its way to standard output; a longer text is left to printf.
+// Bytes in which a row is formatted for standard output; printf formats a longer text.
 constexpr size_t ROW_SIZE = 512;
 
 // Standard output is sought back to its start once it has passed this position.
@@ -30,7 +29,7 @@ char *buffer_end() {
     return hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
 }
 
-// Positions are compared as numbers: after a cut write the pointer lies past the buffer.
+// Positions are compared as numbers: after a cut write the pointer is past the buffer.
 bool has_room(uintptr_t position) {
     const auto end = reinterpret_cast<uintptr_t>(buffer_end());
     if (position >= end) {
@@ -39,8 +38,8 @@ bool has_room(uintptr_t position) {
     return hmx_rcli_entry_start_ptr != nullptr || end - position >= ROOM_FOR_A_ROW;
 }
 
-// printf itself copies each of a row's some twenty pieces into the stream, which takes longer than
-// all of the formatting. The stream gets the finished row in one piece instead.
+// printf copies each of the about twenty pieces of a row into the stream, which takes longer than
+// all of the formatting. Here the stream gets the finished row in one piece.
 __attribute__((format(printf, 1, 0))) void print_to_stdout(const char *format, va_list arguments) {
     const char *const conversion = strchrnul(format, '%');
     if (*conversion == '\0') {
@@ -93,8 +92,8 @@ void kx_print(const char *format, ...) {
                 vsnprintf(hmx_rcli_buffer_ptr, reinterpret_cast<uintptr_t>(buffer_end()) - position,
                           format, arguments);
         }
-        // Dropped writes advance the pointer too; it may run far past the end but must not wrap
-        // around to the buffer again.
+        // Dropped writes advance the pointer, too. It may move far past the end but must not wrap
+        // around into the buffer again.
         const auto advance =
             static_cast<uintptr_t>(hmx_rcli_print_len < 0 ? 0 : hmx_rcli_print_len);
         if (advance <= UINTPTR_MAX - position) {

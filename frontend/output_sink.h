@@ -16,19 +16,19 @@ enum kx_debug_bit : uint32_t {
 };
 
 // Print through the output sink. Without a buffer pointer this is printf. With one, the text is
-// formatted at the pointer, bounded by the buffer's end, when there is room (see
-// hmx_rcli_entry_start_ptr), and dropped otherwise; either way the pointer advances by
+// formatted at the pointer, up to the buffer's end, when there is room (see
+// hmx_rcli_entry_start_ptr), and dropped otherwise. Either way the pointer advances by
 // hmx_rcli_print_len, the length that the last write needed. Never fails.
 void kx_print(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 // Print one line to standard output after the time stamp "Mon dd hh:mm:ss.uuuuuu: ", whatever the
-// debug words say. A standard output that has grown past 1 MiB is then sought back to its start,
+// debug words are. When standard output has grown past 1 MiB, it is then sought back to its start,
 // so that a trace log in a file stays bounded.
 void kx_print_stamped(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 // The same line, printed only when `bit` (kx_debug_bit) is set in the module's `debug_word`. A
-// macro, since requests are traced by the hundred thousand and a trace that is off must cost one
-// test.
+// macro: requests are traced by the hundred thousand, and a trace that is off must cost no more
+// than one test.
 #define kx_trace(debug_word, bit, ...)                                                             \
     do {                                                                                           \
         if (((debug_word) & (bit)) != 0) {                                                         \

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 
-// True in tarncmd itself, where an operator reads standard error. Only the tool's own main sets it,
-// and not the library, whatever its sink points at: in a host process standard error is the host's.
+// True in tarncmd itself, where an operator reads standard error. Only the tool's main sets it. The
+// library never does, whatever its sink points at: standard error belongs to its host process.
 extern bool kx_run_from_shell;
 
-// What a handler has done since its command began: printed something, and the requests that its
-// walks have made.
+// What happened since the command began: whether it printed something, and how many requests its
+// walks made.
 extern bool kx_has_printed;
 extern uint32_t kx_walked_requests;
 
@@ -18,9 +18,9 @@ extern bool kx_has_unbuilt_groups;
 // True once a broken invariant has ended the run; the tool then exits with -1. It is never cleared.
 extern bool kx_run_broken;
 
-// What a handler returns after a broken invariant has been reported. A run from a shell ends there:
-// the commands after it are not run, and the tool exits with -1. Driven by the agent it is this
-// command alone that fails, since a diagnostic must not take its host process down.
+// What a handler returns after it has reported a broken invariant. A run from a shell ends there:
+// the commands after it do not run, and the tool exits with -1. In agent-driven mode only this
+// command fails, since a diagnostic must not end its host process.
 int kx_give_up();
 
 #endif

@@ -36,7 +36,8 @@ uint32_t number_of(const std::string &text) {
     const std::string_view body = without_leading_space(text);
     const bool negative = body.starts_with('-');
     const size_t sign = negative || body.starts_with('+') ? 1 : 0;
-    // The sign is taken off: 64 bits then hold every magnitude that matters. A second one is none.
+    // The sign is taken off, so 64 bits hold every magnitude that matters. A second sign is an
+    // error.
     start = text.c_str() + (text.size() - body.size()) + sign;
     if (isdigit(static_cast<unsigned char>(*start)) == 0) {
         return 0;
@@ -52,7 +53,7 @@ void check_number(const char *text) {
     fuzz_require(kx_parse_number(text) == number_of(text), "number");
 }
 
-// The C library takes no leading zeros, so they are taken off the fields.
+// The C library accepts no leading zeros, so they are taken off the fields.
 void check_ip(const char *text) {
     const std::string_view word = first_word(without_leading_space(text));
     std::string plain;
@@ -82,7 +83,7 @@ void check_mac(const char *text) {
         }
         return;
     }
-    // All of its digits, in order, are the address.
+    // All digits of the text, in order, are the address.
     std::string digits;
     for (const char byte : first_word(without_leading_space(text))) {
         if (isxdigit(static_cast<unsigned char>(byte)) != 0) {

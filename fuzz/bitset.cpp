@@ -1,5 +1,5 @@
-// The bit set operations against a plain vector. The input is a program: an operation and its
-// numbers, again and again, over three sets of one size.
+// The bit set operations, compared with a plain vector. The input is a program: an operation and
+// its numbers, again and again, on three sets of one size.
 #include "fuzz/fuzz.h"
 #include "infra/utils/kxlibbmp.h"
 
@@ -53,8 +53,8 @@ std::string list_of(const plain &bits) {
     return text;
 }
 
-// Piece by piece, in buffers that may be small, but never so small that the list stops. A piece
-// does not begin with a comma.
+// Piece by piece, in buffers that may be small, but large enough that the list always goes on. A
+// piece does not begin with a comma.
 std::string listed(const bitset *set, size_t room) {
     std::string text;
     int done = 0;

@@ -1,4 +1,4 @@
-// Command texts: splitting, matching and every handler, on a driver that hardly answers.
+// Command texts: splitting, matching and every handler, on a driver that answers hardly anything.
 #include "dpa/userspace/kxdpa_request.h"
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
@@ -15,7 +15,7 @@ constexpr uint32_t NO_ENTRY = 61;
 constexpr uint32_t PATIENCE = 32; // requests that are all answered alike
 
 uint32_t requests = 0;
-bool answers = false; // with what stands in the buffer already, instead of no entry
+bool answers = false; // with the buffer unchanged, instead of "no entry"
 
 std::string typed_row(uint32_t row) {
     return command_of(kestrel_cmd_list[row % KESTREL_CMD_ROWS]) + " ";
@@ -25,7 +25,7 @@ int no_conversation(const char * /*arg*/) {
     return 0;
 }
 
-// The agent would be waited for.
+// The handler that talks to the agent would wait for it.
 bool leave_the_agent_out() {
     for (kestrel_cmd_row &row : kestrel_cmd_list) {
         if (row.handler == kx_dpa_cmd) {
@@ -42,7 +42,7 @@ extern "C" int ioctl(int /*descriptor*/, unsigned long code, ...) noexcept {
     va_start(values, code);
     auto *record = va_arg(values, kxdpa_request *);
     va_end(values);
-    // Walks end with a failure, and one command asks again until a request succeeds.
+    // A failure ends a walk; but one command repeats a request until it succeeds.
     const bool late = ++requests > PATIENCE;
     record->status = (late ? requests % 4 == 0 : answers) ? 0 : NO_ENTRY;
     return 0;
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     [[maybe_unused]] static const bool without_agent = leave_the_agent_out();
     fuzz_input input(bytes, size);
     const auto choice = input.take<uint8_t>();
-    // Most inputs name a row by its number, which finds more of the handlers than spelling does.
+    // Most inputs name a row by its number: that reaches more handlers than spelling does.
     const std::string command = (choice & 16) != 0 ? "" : typed_row(input.take<uint8_t>());
     size_t rest_length = 0;
     const std::unique_ptr<char[]> rest = input.take_rest(&rest_length);

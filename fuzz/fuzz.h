@@ -1,5 +1,5 @@
 // What the fuzz targets share. Each target is one function over the bytes that libFuzzer makes up;
-// it aborts when something does not hold.
+// it aborts when a check fails.
 #ifndef FUZZ_FUZZ_H
 #define FUZZ_FUZZ_H
 
@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-// The commands and parsers print; libFuzzer itself writes to standard error.
+// The commands and parsers print to standard output; libFuzzer itself writes to standard error.
 extern "C" __attribute__((used)) inline int LLVMFuzzerInitialize(int * /*argc*/,
                                                                  char *** /*argv*/) {
     return freopen("/dev/null", "w", stdout) == nullptr ? 1 : 0;
@@ -25,7 +25,7 @@ inline void fuzz_require(bool holds, const char *what) {
     }
 }
 
-// Takes the input apart from its front; after its end everything is zero.
+// Takes the input apart from the front; after its end all values are zero.
 class fuzz_input {
 public:
     fuzz_input(const uint8_t *bytes, size_t size) : bytes_(bytes), size_(size) {
@@ -43,7 +43,7 @@ public:
         return size_ == 0;
     }
 
-    // All that is left, up to a NUL. The text stands in memory of its own size.
+    // The rest of the input, up to a NUL. The text is in memory of exactly its own size.
     std::unique_ptr<char[]> take_text() {
         const auto *end = static_cast<const uint8_t *>(memchr(bytes_, 0, size_));
         const size_t length = end == nullptr ? size_ : static_cast<size_t>(end - bytes_);
@@ -53,7 +53,7 @@ public:
         return text;
     }
 
-    // All that is left, with every byte, in memory of its own size without a terminator.
+    // The rest of the input with every byte, in memory of exactly its own size, without a NUL.
     std::unique_ptr<char[]> take_rest(size_t *size) {
         *size = size_;
         auto rest = std::make_unique<char[]>(size_);

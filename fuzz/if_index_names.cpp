@@ -1,5 +1,5 @@
-// Every naming form over arbitrary indexes and buffer sizes: the bound is kept, the text ends, and
-// a cut name is the beginning of the whole one.
+// Every form of names with arbitrary indexes and buffer sizes: a name stays within its buffer and
+// ends with a NUL, and a cut name is the beginning of the whole one.
 #include "fuzz/fuzz.h"
 #include "if_index/if_index_name.h"
 

@@ -1,5 +1,5 @@
-// Typed interface names: the parser never reads past a name, and what it builds is an index whose
-// own names are bounded. The first bytes are the keyword and numbers of the other entry.
+// Typed interface names: the parser never reads past a name, and it builds an index whose own names
+// are bounded. The first bytes of the input are the keyword and numbers of the other function.
 #include "fuzz/fuzz.h"
 #include "if_index/if_index_name.h"
 #include "if_index/if_index_parse.h"

@@ -1,4 +1,4 @@
-// The IPv6 parser gives what the C library's conversion gives. Nothing deviates.
+// The IPv6 parser gives what the C library's conversion gives, without exceptions.
 #include "fuzz/fuzz.h"
 #include "infra/utils/kxstrings.h"
 

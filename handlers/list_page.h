@@ -9,8 +9,8 @@ struct kx_list_page {
     uint32_t number; // otherwise the cookie after which the page begins, 0 without words
 };
 
-// Read the words of an agent-driven list. Returns 0; -1, with a complaint, when the word "cookie"
-// stands without a value.
+// Read the words of an agent-driven list. Returns 0, or -1 with a complaint when the word "cookie"
+// has no value after it.
 int kx_read_list_page(const char *arg, kx_list_page *page);
 
 #endif

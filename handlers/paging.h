@@ -1,9 +1,9 @@
 // Paging of long tables for the remote CLI.
 //
-// Run from a shell a table is printed whole. Driven by the agent a handler prints one page and
-// leaves a cookie, the key of the last entry it printed; the remote CLI runs the command again with
-// the word "cookie" and that key, and the page after it follows. A cookie of 0 says that the table
-// is complete.
+// From a shell, a table is printed whole. In agent-driven mode, a handler prints one page and
+// leaves a cookie, the key of the last entry that it printed. The remote CLI runs the command again
+// with the word "cookie" and that key, and gets the page after it. A cookie of 0 says that the
+// table is complete.
 #ifndef HANDLERS_PAGING_H
 #define HANDLERS_PAGING_H
 
@@ -15,9 +15,8 @@ inline bool kx_is_agent_driven() {
     return hmx_rcli_fromdpa != 0;
 }
 
-// The page ends here and the next one goes on after `cookie`. REQUIRES: agent-driven. A key of 0
-// cannot be a cookie: after LTL 0, should a DPA show that internal port, the table reads as
-// complete.
+// The page ends here, and the next one starts after `cookie`. REQUIRES: agent-driven. A key of 0
+// cannot be a cookie: if a DPA shows internal LTL 0, the table seems complete after it.
 inline void kx_end_page(uint32_t cookie) {
     hmx_rcli_more_output = cookie;
 }

@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 bool kx_split_setting(kx_setting_words *setting, const char *arg, int count) {
-    // One word more is enough to see that there are too many.
+    // One word more, to notice that there are too many.
     return kx_split_words(setting->copy, sizeof setting->copy, arg, setting->words, count + 1) ==
            count;
 }

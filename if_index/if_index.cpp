@@ -73,7 +73,7 @@ static int read_fields(uint32_t if_index, std::initializer_list<field_output> ou
     if (status != IF_INDEX_OK) {
         return status;
     }
-    // A satellite's fabric interface has slot and port where the satellite's ports have them.
+    // A satellite's fabric interface has slot and port in the same bits as the satellite's ports.
     const uint8_t kind = type == IF_TYPE_SAT_FIF ? (uint8_t)IF_TYPE_SAT : type;
     for (const field_output &output : outputs) {
         if (output.field.type != type && output.field.type != kind) {
@@ -127,7 +127,7 @@ IF_INDEX_LAYOUT(ACCESSORS_1, ACCESSORS_2, ACCESSORS_3, ACCESSORS_4)
 #define NAMED_4(kind, type, a, ah, al, ab, ...) {#a, kind##_##a}, NAMED_3(kind, type, __VA_ARGS__)
 static constexpr named_field named_fields[] = {IF_INDEX_LAYOUT(NAMED_1, NAMED_2, NAMED_3, NAMED_4)};
 
-// The field that the index's type has under the name, or null.
+// The field with that name of the index's type, or null.
 static const if_index_field *field_of_name(uint32_t if_index, const char *name) {
     const uint8_t type = if_index_type_bits(if_index);
     const bool vfc_without_slot =
@@ -457,8 +457,7 @@ int if_index_get_next_if_index_in_range(const if_index_range *range, uint32_t *i
     return IF_INDEX_OK;
 }
 
-// --- Byte order, comparison, FSPF
-// -----------------------------------------------------------------
+// --- Byte order, comparison, FSPF --------------------------------------------------------------
 
 uint32_t hton_if_index(uint32_t if_index) {
     return __builtin_bswap32(if_index);
@@ -481,7 +480,7 @@ uint32_t convert_fspf_if_index_to_if_index(uint32_t fspf_if_index) {
     return convert_if_index_to_fspf_if_index(fspf_if_index);
 }
 
-// Where the 16-bit form has the type, and where a Fibre Channel index has slot and port.
+// The bits of the type in the 16-bit form, and of slot and port in a Fibre Channel index.
 static constexpr uint32_t FSPF16_TYPE_SHIFT = 12;
 static constexpr uint32_t FSPF16_NUMBER_MASK = 0x0FFF;
 static constexpr uint32_t FC_SLOT_PORT_SHIFT = phy_fc_port.low;

@@ -1,10 +1,9 @@
 // The interface index: a 32-bit number that identifies every interface of the switch data path.
 //
-// The index describes itself: its type and the meaning of its other bits are in
-// if_index_layout.h. The functions here are arithmetic over the value; none allocates or holds
-// state. Unless a function says otherwise its return value is an if_index_status, results go
-// through output pointers and are left alone when the status is not IF_INDEX_OK, and a null
-// output pointer gives IF_INDEX_OUT_OF_RANGE.
+// The index describes itself: if_index_layout.h has the types and the meaning of the other bits.
+// The functions here compute with the value; none allocates or holds state. Unless a function says
+// otherwise, it returns an if_index_status and stores results through output pointers. It stores
+// nothing when the status is not IF_INDEX_OK. A null output pointer gives IF_INDEX_OUT_OF_RANGE.
 #ifndef IF_INDEX_IF_INDEX_H
 #define IF_INDEX_IF_INDEX_H
 
@@ -31,12 +30,12 @@ struct if_index_range {
 
 // --- Types -------------------------------------------------------------------------------------
 
-// Store the type number of the index, also when it is not valid. IF_INDEX_INVALID_TYPE unless the
+// Store the type number of the index, even when it is not valid. IF_INDEX_INVALID_TYPE unless the
 // number is 1 to 74 except 3.
 int if_index_get_type(uint32_t if_index, uint8_t *type);
 
-// Whether this release builds interfaces of the type: 0 to 38 except 3 and 27. Narrower than what
-// if_index_get_type accepts, except for type 0.
+// Whether this release builds interfaces of the type: 0 to 38 except 3 and 27. Except for type 0,
+// if_index_get_type accepts all of these and more.
 bool if_index_is_type_valid_in_current_release(uint8_t type);
 
 // Step `*type` up to the next type of this release. IF_INDEX_NO_MORE at the end: `*type` is then
@@ -47,7 +46,7 @@ int if_index_get_next_type(uint8_t *type);
 bool if_index_is_virtual_type(uint8_t type);
 
 // The index that stands for every interface of the type, or 0 for a type that has none. The
-// loopback goes by its whole top byte, 0xFE.
+// loopback is identified by its whole top byte, 0xFE.
 uint32_t if_index_get_if_index_all_for_type(uint8_t type);
 
 // --- Accessors ---------------------------------------------------------------------------------
@@ -57,10 +56,10 @@ uint32_t if_index_get_if_index_all_for_type(uint8_t type);
 //     int if_index_KIND_get_FIELD(uint32_t if_index, uint32_t *value);
 //     int if_index_KIND_get_fields(uint32_t if_index, uint32_t *FIELD, ...);   in table order
 //
-// Values are stored ones, without the base that names add. IF_INDEX_INVALID_TYPE for an index
-// without a type, IF_INDEX_WRONG_TYPE for one of another type than the kind's. The sub-type of an
-// index is not checked: it is for the caller to know which form of a vfc, inband port or
-// port-channel it reads. The sat accessors also read the satellite fabric interfaces.
+// Values are the stored ones, without the base that names add. IF_INDEX_INVALID_TYPE for an index
+// without a type, IF_INDEX_WRONG_TYPE for one of another type. The sub-type of an index is not
+// checked: the caller must know which form of a vfc, inband port or port-channel it reads. The sat
+// accessors also read the satellite fabric interfaces.
 // NOLINTBEGIN(bugprone-macro-parentheses): parameter names cannot stand in parentheses
 #define IF_INDEX_ACCESSOR(kind, field)                                                             \
     int if_index_##kind##_get_##field(uint32_t if_index, uint32_t *value);
@@ -102,10 +101,10 @@ int if_index_get_port(uint32_t if_index, uint32_t *port);
 // port-channels other than the plain sub-type.
 int if_index_get_sub_intf(uint32_t if_index, uint32_t *sub_intf);
 
-// The main interface of a sub-interface; a main interface is its own. Statuses as above.
+// The main interface of a sub-interface, or of itself. Statuses as above.
 int if_index_get_mainintf_from_subintf(uint32_t if_index, uint32_t *main_if_index);
 
-// The given sub-interface of an index's main interface. Statuses as above.
+// The sub-interface with the given number of an index's main interface. Statuses as above.
 int if_index_get_subintf_from_mainintf(uint32_t if_index, uint32_t sub_intf,
                                        uint32_t *sub_if_index);
 
@@ -121,16 +120,16 @@ int if_index_get_max_channel_id_for_ifindex(uint32_t if_index, uint16_t *max_cha
 
 // --- Constructors ------------------------------------------------------------------------------
 
-// Constructors that do nothing but check that each number fits its field. One row each: the
-// constructor's stem, the kind of the layout table, the body bits that every index of this form
-// carries, and the fields in the order of the arguments:
+// Constructors that only check that each number fits its field. One row each: the constructor's
+// stem, the kind of the layout table, the body bits that every index of this form has, and the
+// fields in the order of the arguments:
 //
 //     int if_index_STEM_init(uint32_t *if_index, uint32_t FIELD, ...);       numbers as stored
 //     int if_index_STEM_cli_init(uint32_t *if_index, uint32_t FIELD, ...);   as a user types them
 //
-// A user's numbers are the ones that names show: one more than stored where the table's base is 1.
-// IF_INDEX_OUT_OF_RANGE, with `*if_index` untouched, when a number does not fit. The I rows have
-// no _cli_init here but one with a rule of its own below.
+// Users type the numbers that names show: one more than stored where the table's base is 1.
+// IF_INDEX_OUT_OF_RANGE, with `*if_index` unchanged, when a number does not fit. The I rows have no
+// _cli_init here; theirs has a rule of its own below.
 //
 // clang-format off
 #define IF_INDEX_VFC_FORM(subtype) if_field_bits(if_layout::vfc_vfc_subtype, subtype)
@@ -197,8 +196,8 @@ IF_INDEX_CONSTRUCTORS(IF_INDEX_INITS_1, IF_INDEX_INITS_2, IF_INDEX_INITS_3, IF_I
 #undef IF_INDEX_INIT_2
 #undef IF_INDEX_INIT_3
 
-// The constructors below have rules of their own. All leave `*if_index` untouched and answer
-// IF_INDEX_OUT_OF_RANGE when a number is outside the given range.
+// The constructors below have rules of their own. When a number is outside the given range, all
+// return IF_INDEX_OUT_OF_RANGE and leave `*if_index` unchanged.
 
 // As typed: slot 1..32, port 1..128, third 0..63, sub-interface 0..4095. Without a third number
 // this is a Gigabit Ethernet port. With one it is a satellite port: slot - 1 as the satellite,
@@ -206,9 +205,9 @@ IF_INDEX_CONSTRUCTORS(IF_INDEX_INITS_1, IF_INDEX_INITS_2, IF_INDEX_INITS_3, IF_I
 int if_index_phy_eth_port_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port, uint32_t third,
                                    uint32_t sub_intf);
 
-// Port-channels. Channel 0..4095 (1..4096 as typed), of which a type-4 index keeps the low eight
-// bits. Sub-type 0..3, sub-interface 0..4095. The internal form of the Ethernet port-channel
-// writes the bits of the other kind's internal form, not its own layout.
+// Port-channels. Channel 0..4095 (1..4096 as typed); a type-4 index keeps only its low eight bits.
+// Sub-type 0..3, sub-interface 0..4095. The internal form of the Ethernet port-channel writes the
+// bits of the other kind's internal form, not those of its own layout.
 int if_index_port_channel_init(uint32_t *if_index, uint32_t channel);
 int if_index_port_channel_init_internal(uint32_t *if_index, uint32_t channel, uint32_t subtype,
                                         uint32_t sub_intf);
@@ -223,18 +222,18 @@ int if_index_eth_port_channel_cli_init(uint32_t *if_index, uint32_t channel, uin
 // As typed in mgmtPORT/MODULE: port 0..127; module 1..32, or 0 for the supervisor's own port.
 int if_index_mgmt_sup_port_cli_init(uint32_t *if_index, uint32_t port, uint32_t module);
 
-// As typed: slot 1..32, port 1..128, number 0..4095. Slot 31 (IF_VSAN_SLOT) is kept as it is and
-// makes a VSAN interface, whose port 0..127 is kept too.
+// As typed: slot 1..32, port 1..128, number 0..4095. Slot 31 (IF_VSAN_SLOT) is stored unchanged and
+// makes a VSAN interface; its port 0..127 is stored unchanged, too.
 int if_index_vsan_port_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port, uint32_t vsan);
 
-// VDC 0..255, VLAN 1..4094; both as stored in either form.
+// VDC 0..255, VLAN 1..4094; both forms take them as stored.
 int if_index_vlan_port_init(uint32_t *if_index, uint32_t vdc, uint32_t vlan);
 int if_index_vlan_port_cli_init(uint32_t *if_index, uint32_t vdc, uint32_t vlan);
 
 // Move a VLAN interface to another VDC. IF_INDEX_WRONG_TYPE for any other type.
 int if_index_vlan_port_convert_to_vdc(uint32_t *if_index, uint8_t vdc);
 
-// Tunnel type (the low eight bits count) and number 0..65535; as stored in either form.
+// Tunnel type (the low eight bits count) and number 0..65535; both forms take them as stored.
 int if_index_tunnel_init(uint32_t *if_index, uint32_t tunnel_type, uint32_t number);
 int if_index_tunnel_cli_init(uint32_t *if_index, uint32_t tunnel_type, uint32_t number);
 
@@ -244,8 +243,8 @@ int if_index_get_tunnel_range(uint8_t tunnel_type, if_index_range *range);
 // As typed: slot 1..1024, port 1..4096, and the sub-interface as names show it: 0, 4, 8 or 12.
 int if_index_lveth_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port, uint32_t sub_intf);
 
-// Satellite, slot and port 0..255 each, sub-interface 0..63. Slot and port are ORed in unmasked:
-// a number that is too large for its field runs into the field above.
+// Satellite, slot and port 0..255 each, sub-interface 0..63. Slot and port are ORed in unmasked: a
+// number that is too large for its field changes the field above.
 int if_index_sat_phy_eth_port_init(uint32_t *if_index, uint32_t satellite, uint32_t slot,
                                    uint32_t port, uint32_t sub_intf);
 
@@ -253,12 +252,12 @@ int if_index_sat_phy_eth_port_init(uint32_t *if_index, uint32_t satellite, uint3
 int if_index_sat_phy_eth_port_cli_init(uint32_t *if_index, uint32_t satellite, uint32_t slot,
                                        uint32_t port, uint32_t sub_intf);
 
-// Overlay kind 0..255 (IF_OVERLAY_...) and number 0..65503; as stored in either form. The kind is
-// ORed in unmasked: one above 31 runs into the type.
+// Overlay kind 0..255 (IF_OVERLAY_...) and number 0..65503; both forms take them as stored. The
+// kind is ORed in unmasked: one above 31 changes the type.
 int if_index_overlay_init(uint32_t *if_index, uint32_t kind, uint32_t number);
 int if_index_overlay_cli_init(uint32_t *if_index, uint32_t kind, uint32_t number);
 
-// All numbers of an overlay kind that can be allocated: the top 32 are set aside.
+// The range of all numbers of an overlay kind that can be allocated: the top 32 are reserved.
 int if_index_get_overlay_range(uint8_t kind, if_index_range *range);
 
 // Host switch module Ethernet ports: module 0..514, port 0..255, sub-interface 0..63, as stored.
@@ -272,7 +271,7 @@ int if_index_hmx_eth_init_from_slot(uint32_t *if_index, uint32_t slot, uint32_t 
 int if_index_hmx_eth_cli_init(uint32_t *if_index, uint32_t module, uint32_t port,
                               uint32_t sub_intf);
 
-// Loopback port 0..1023; as stored in either form. The type of such an index is never valid.
+// Loopback port 0..1023; both forms take it as stored. The type of such an index is never valid.
 int if_index_loopback_port_init(uint32_t *if_index, uint32_t port);
 int if_index_loopback_port_cli_init(uint32_t *if_index, uint32_t port);
 
@@ -285,7 +284,7 @@ uint32_t if_index_get_null_interface();
 
 // --- Predicates --------------------------------------------------------------------------------
 
-// All answer false for an index without a valid type.
+// All return false for an index without a valid type.
 bool if_index_is_port_channel_intf(uint32_t if_index);
 bool if_index_is_eth_port_channel_intf(uint32_t if_index);
 bool if_index_is_tunnel_intf(uint32_t if_index);
@@ -311,10 +310,10 @@ bool if_index_is_valid_vlan_id(uint32_t vlan_id);
 
 // --- Ranges ------------------------------------------------------------------------------------
 
-// A range runs over the number field of its type (the sub-interface when the last index has one,
-// else the port, channel, VLAN or whatever number the type counts); first and last are equal in
-// all other bits. IF_INDEX_INVALID_TYPE or IF_INDEX_WRONG_TYPE when they have no type or not the
-// same, or one without numbers; IF_INDEX_OUT_OF_RANGE when they are no range.
+// A range counts the number field of its type: the sub-interface when the last index has one, else
+// the port, channel, VLAN or other number of the type. First and last are equal in all other bits.
+// IF_INDEX_INVALID_TYPE or IF_INDEX_WRONG_TYPE when one has no type, when the types differ, or when
+// the type has no numbers; IF_INDEX_OUT_OF_RANGE when the two are not a range.
 
 // Store how many indexes the range holds.
 int if_index_get_num_ports_in_if_index_range(const if_index_range *range, uint32_t *count);
@@ -328,14 +327,13 @@ int if_index_get_if_index_in_range(const if_index_range *range, uint32_t *if_ind
 // IF_INDEX_OUT_OF_RANGE outside the range.
 int if_index_get_next_if_index_in_range(const if_index_range *range, uint32_t *if_index);
 
-// --- Byte order, comparison, FSPF
-// -----------------------------------------------------------------
+// --- Byte order, comparison, FSPF --------------------------------------------------------------
 
 // Between host and wire order: the four bytes reversed (the host is little-endian).
 uint32_t hton_if_index(uint32_t if_index);
 uint32_t ntoh_if_index(uint32_t if_index);
 
-// Order of two indexes: the sign of the wrapping difference a - b, which is returned.
+// The order of two indexes: returns the wrapping difference a - b, whose sign counts.
 int32_t if_index_compare(uint32_t a, uint32_t b);
 
 // The numbering of the fabric routing protocol (FSPF), for Fibre Channel ports and port-channels.

@@ -33,14 +33,14 @@ static int store(uint32_t *if_index, uint32_t type, uint32_t body) {
     return IF_INDEX_OK;
 }
 
-// Store the index of the fields' type, when every number fits its field.
+// Store the index of the fields' type, if every number fits its field.
 static int build(uint32_t *if_index, numbering numbers, uint32_t form,
                  std::initializer_list<field_input> inputs) {
     uint32_t body = form;
     uint32_t type = 0;
     for (const field_input &input : inputs) {
         const uint32_t base = numbers == numbering::as_typed ? input.field.base : 0;
-        // A typed 0 where numbers count from 1 wraps to a number that fits no field.
+        // Where numbers count from 1, a typed 0 wraps to a number that fits no field.
         const uint32_t value = input.value - base;
         if (value > if_field_max(input.field)) {
             return IF_INDEX_OUT_OF_RANGE;
@@ -198,7 +198,7 @@ int if_index_get_tunnel_range(uint8_t tunnel_type, if_index_range *range) {
 }
 
 int if_index_lveth_cli_init(uint32_t *if_index, uint32_t slot, uint32_t port, uint32_t sub_intf) {
-    // Names show the sub-interface where it stands in the index, so it is typed that way too.
+    // Names show the sub-interface with its place in the index, so it is typed that way, too.
     const uint32_t shown_bits = if_field_bits(lveth_sub_intf, if_field_max(lveth_sub_intf));
     if ((sub_intf & ~shown_bits) != 0) {
         return IF_INDEX_OUT_OF_RANGE;
@@ -211,7 +211,7 @@ int if_index_sat_phy_eth_port_init(uint32_t *if_index, uint32_t satellite, uint3
     if (satellite > 0xFF || slot > 0xFF || port > 0xFF || sub_intf > if_field_max(sat_sub_intf)) {
         return IF_INDEX_OUT_OF_RANGE;
     }
-    // Deliberate: numbers too large for their field run into the one above.
+    // Deliberate: a number too large for its field changes the field above.
     return store(if_index, IF_TYPE_SAT,
                  satellite << sat_sat_num.low | slot << sat_slot.low | port << sat_port.low |
                      sub_intf);
@@ -228,7 +228,7 @@ int if_index_overlay_init(uint32_t *if_index, uint32_t kind, uint32_t number) {
     if (kind > 0xFF || number > OVERLAY_NUMBER_MAX) {
         return IF_INDEX_OUT_OF_RANGE;
     }
-    // Deliberate: a kind too large for its field runs into the type.
+    // Deliberate: a kind too large for its field changes the type.
     return store(if_index, IF_TYPE_OVERLAY, kind << overlay_port_type.low | number);
 }
 
@@ -244,7 +244,7 @@ int if_index_get_overlay_range(uint8_t kind, if_index_range *range) {
     return if_index_overlay_init(&range->last, kind, OVERLAY_NUMBER_MAX);
 }
 
-// A host switch module port whose module has been checked.
+// A host switch module port; the module is checked already.
 static int build_hmx_eth(uint32_t *if_index, uint32_t module, uint32_t port, uint32_t sub_intf) {
     return build(if_index, numbering::as_stored, 0,
                  {{hmx_eth_slot, module}, INPUT(hmx_eth, port), INPUT(hmx_eth, sub_intf)});

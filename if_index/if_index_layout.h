@@ -1,4 +1,4 @@
-// The layout of the interface index: every type's number and fields, once, as data.
+// The layout of the interface index: the number and the fields of every type, once, as data.
 //
 // An interface index is one 32-bit word in host byte order:
 //
@@ -80,10 +80,10 @@ enum {
     IF_OVERLAY_PEER_ID = 4,
 };
 
-// The table. One row a kind: name, type, then for each field its name, high bit, low bit and base.
-// Base is what the displayed number has more than the stored one: 1 for fields that hold n-1.
-// A field whose high bit is below its low bit goes on from bit 23 to bit 0.
-// A type whose layout depends on a sub-type has one row for each form.
+// The table. One row for each kind: name, type, then for each field its name, high bit, low bit and
+// base. Base is the displayed number minus the stored one: 1 for fields that hold n-1. A field
+// whose high bit is below its low bit continues from bit 23 to bit 0. A type whose layout depends
+// on a sub-type has one row for each form.
 //
 // clang-format off
 #define IF_INDEX_LAYOUT(K1, K2, K3, K4) \
@@ -138,8 +138,9 @@ struct if_index_field {
     uint8_t base; // displayed number minus stored number
 };
 
-// The fields under the names KIND_FIELD, for example if_layout::veth_vport. They are not inline: an
-// inline variable would show in the static library, since no tool makes its symbol local.
+// The fields under the names KIND_FIELD, for example if_layout::veth_vport. They are not inline: no
+// tool can make the symbol of an inline variable local, so it would be visible in the static
+// library.
 namespace if_layout {
 #define IF_INDEX_FIELD(kind, type, field, high, low, base)                                         \
     constexpr if_index_field kind##_##field = {IF_TYPE_##type, high, low, base};

@@ -15,7 +15,7 @@ static void clear_buffer(char *buffer, size_t size) {
 
 static int shown_sub_intf(uint32_t if_index, const name_form &form) {
     switch (form.type) {
-    case IF_TYPE_LVETH: // deliberately shown where it stands in the index, as 4, 8 or 12
+    case IF_TYPE_LVETH: // deliberately shown with its place in the index, as 4, 8 or 12
         return (int)if_field_bits(form.sub_intf, stored(if_index, form.sub_intf));
     case IF_TYPE_SAT: // deliberately not shown
         return 0;
@@ -57,7 +57,7 @@ static int print_native(char *buffer, size_t size, uint32_t if_index, bool is_lo
     }
     const name_form *form = find_name_form(type, if_index);
     const int length = form == nullptr ? 0 : print_form(buffer, size, if_index, *form, is_long);
-    // Deliberate: a vfc whose bits also read as an overlay kind goes by the overlay's name.
+    // Deliberate: a vfc whose bits also read as an overlay kind has the overlay's name.
     const name_form *overlay =
         type == IF_TYPE_VFC ? find_name_form(IF_TYPE_OVERLAY, if_index) : nullptr;
     return overlay == nullptr ? length : print_form(buffer, size, if_index, *overlay, is_long);

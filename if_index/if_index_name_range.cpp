@@ -6,7 +6,7 @@
 
 using namespace if_layout;
 
-// The number in which a range that ends with the index ends, or -1 for names without range form.
+// The number with which the range ends, or -1 for names without a range form.
 static int last_number(uint32_t if_index) {
     const uint8_t type = if_index_type_bits(if_index);
     if (type == IF_TYPE_VFC) { // deliberately the same bits for every sub-type
@@ -52,13 +52,13 @@ static int print_range(char *buffer, size_t size, const if_index_range *range,
         return 2 * length; // deliberate: the first name is counted twice
     }
 
-    // Deliberate: the end is bounded by the whole size and not by what the first name left of it,
-    // for which the caller has storage.
+    // Deliberate: the limit of the end is the whole size, not what the first name left of it. The
+    // caller's buffer has room for that.
     char *end = buffer + length;
     int appended = 0;
     if (first_type == IF_TYPE_PHY_FC && stored(range->last, phy_fc_sub_intf) != 0) {
-        // Deliberate: this form repeats the first name. The copy is there because the text it
-        // repeats is in the buffer that it is written to.
+        // Deliberate: this form repeats the first name. A copy is needed, because the text to
+        // repeat is in the buffer that is written.
         char first_name[IF_INDEX_NAME_SIZE];
         snprintf(first_name, sizeof first_name, "%s", buffer);
         appended = snprintf(end, size, "%s-%d", first_name, number);

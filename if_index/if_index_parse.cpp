@@ -20,8 +20,8 @@ namespace {
 
 constexpr int MOST_NUMBERS = 3; // that any keyword takes
 
-// Builds the index of a keyword from its numbers; sub-interfaces that are not given are 0. A
-// status, as the constructors return it.
+// Builds the index of a keyword from its numbers; a sub-interface that is not given is 0. Returns
+// the constructor's status.
 using name_builder = int (*)(uint32_t *if_index, const uint32_t *n);
 
 // The least and most numbers of a keyword: those of its name, and one more for a sub-interface.
@@ -47,7 +47,7 @@ int build(uint32_t *if_index, const uint32_t *n) {
     return INIT(if_index, n[0], n[1], n[2]);
 }
 
-// The environment tells the VDC that VLAN interfaces belong to.
+// The VDC of VLAN interfaces comes from the environment.
 int build_vlan(uint32_t *if_index, const uint32_t *n) {
     const char *vdc = getenv("SYSMGR_VDC_ID");
     return if_index_vlan_port_cli_init(
@@ -120,13 +120,13 @@ int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbe
     if (keyword >= IF_KEYWORD_COUNT || numbers == nullptr) {
         return 0;
     }
-    // Deliberate: keywords are told apart by six bits, so 65 and above come round to 1.
+    // Deliberate: only six bits of a keyword count, so 65 and above mean 1 and above.
     keyword = ((keyword - 1) & 63) + 1;
     for (const keyword_rule &rule : rules) {
         if (rule.keyword == keyword && count >= rule.least && count <= rule.most) {
             uint32_t n[MOST_NUMBERS] = {};
             memcpy(n, numbers, (size_t)count * sizeof n[0]);
-            // Deliberate: what the constructor says of the numbers does not count.
+            // Deliberate: it does not count whether the constructor accepts the numbers.
             return rule.build(if_index, n) != IF_INDEX_NO_DATABASE;
         }
     }
@@ -187,7 +187,7 @@ int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index) {
         if (count == IF_NAME_MAX_NUMBERS) {
             return 0;
         }
-        // Too large a number becomes the largest one, which is out of every range.
+        // A number that is too large becomes the largest one, which is out of every range.
         numbers[count++] = (uint32_t)strtol(text, nullptr, 10);
         text = skip_to_digit(skip_digits(text));
         if (text[-1] == ',' || text[-1] == '-') {

@@ -1,10 +1,10 @@
-// Interface names typed by a user: from ethernet4/1, port-channel5 or veth12 to the index.
+// From an interface name that a user typed (ethernet4/1, port-channel5, veth12) to the index.
 #ifndef IF_INDEX_IF_INDEX_PARSE_H
 #define IF_INDEX_IF_INDEX_PARSE_H
 
 #include <cstdint>
 
-// The keywords that a name can begin with, in the order in which they are tried. Keyword numbers
+// The keywords with which a name can begin, in the order in which they are tried. Keyword numbers
 // are not type numbers.
 //
 // clang-format off
@@ -90,15 +90,15 @@ enum if_keyword : uint32_t {
 // The texts of the keywords, by keyword number.
 extern const char *const INTERFACE_TYPE_TABLE_PREFIXinterface_type_names[IF_KEYWORD_COUNT];
 
-// The most numbers that are read from a name.
+// The largest count of numbers that is read from a name.
 constexpr int IF_NAME_MAX_NUMBERS = 10;
 
 // Turn a name into an index: leading blanks, a keyword in any case (ASCII, whatever the locale),
 // then its numbers with anything but digits between them, up to a "," or "-" right before a number.
 // Returns 1 when the keyword builds an index and the count of numbers is right, else 0.
 //
-// 1 does not say that the numbers are in range: when they are not, *if_index is left as it was, so
-// preset it.
+// 1 does not mean that the numbers are in range. When they are not, *if_index is unchanged, so set
+// it before the call.
 int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index);
 
 // The same from a keyword number (if_keyword) and its numbers, as a user types them. The numbers
@@ -107,7 +107,8 @@ int vsh_interface_name_to_ifindex(const char *text, uint32_t *if_index);
 int vsh_interface_coordinates_to_ifindex(uint32_t keyword, const uint32_t *numbers, int count,
                                          uint32_t *if_index);
 
-// The seam for an interface database: find the index of a name. Answers IF_INDEX_NO_DATABASE.
+// An interface database would find the index of a name here. There is none: returns
+// IF_INDEX_NO_DATABASE.
 int if_db_str2ifindex_wrapper(const char *text, uint32_t *if_index);
 
 #endif

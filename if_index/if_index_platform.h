@@ -1,13 +1,13 @@
 // The platform selector: which of a few display variants the interface names take.
 //
-// Every question below first runs the probe, which pins the selector. So the answers are the same
+// Every question below first runs the probe, which fixes the selector. So the answers are the same
 // on every platform, whatever cli_set_platform stored. That is deliberate.
 #ifndef IF_INDEX_IF_INDEX_PLATFORM_H
 #define IF_INDEX_IF_INDEX_PLATFORM_H
 
 #include <cstdint>
 
-// The selector: 0 before anything ran, then one of the values below.
+// The selector: 0 before any call, then one of the values below.
 extern uint32_t g_cli_platform;
 
 enum : uint32_t {
@@ -17,22 +17,22 @@ enum : uint32_t {
     CLI_PLATFORM_PROBED = 4,
 };
 
-// Store the selector: by the first flag when it is non-zero, else by the second, else the default.
+// Store the selector: by the first flag if it is non-zero, else by the second, else the default.
 void cli_set_platform(int first_flag, int second_flag);
 
-// Pin the selector to CLI_PLATFORM_PROBED. Always answers false.
+// Set the selector to CLI_PLATFORM_PROBED. Always returns false.
 bool cli_platform_probe();
 
-// Whether host switch modules count from 128 (false, by the pinning).
+// Whether host switch modules count from 128 (false, because of the probe).
 bool cli_platform_is_module_base_128();
 
-// Whether the control network is named "control" (true, by the pinning).
+// Whether the control network is named "control" (true, because of the probe).
 bool cli_platform_is_control_eobc();
 
-// Whether Fibre Channel port-channels carry a SAN name of their own (true, by the pinning).
+// Whether Fibre Channel port-channels have a SAN name of their own (true, because of the probe).
 bool cli_platform_uses_san_pc();
 
-// Whether "Po" is the only port-channel prefix. Always false; does not probe.
+// Whether "Po" is the only port-channel prefix. Always false; does not run the probe.
 bool cli_platform_is_po_only();
 
 #endif

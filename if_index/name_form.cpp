@@ -18,7 +18,7 @@ static constexpr if_index_field from(uint8_t base, if_index_field field) {
     return field;
 }
 
-// The first row that fits counts. Each platform's words come before those of any platform.
+// The first row that fits is used. The rows for one platform come before those for any platform.
 //
 // clang-format off
 static constexpr name_form forms[] = {

@@ -2,7 +2,9 @@
 # for two captures of a host another tab and file.
 include "tarn" {search: "./"};
 
-def nothing: "Nothing found";
+# The line that says so is no text: a driver may call a port "Nothing found".
+def nothing($where): {nothing: "Nothing found\($where)"};
+def nothing: nothing("");
 
 # Ends a question about a capture that cannot answer it.
 def cannot_answer($why): error({complaint: $why});
@@ -17,15 +19,16 @@ def is_host:
         . == null or type == "array");
 
 # Print the lines of each capture, with its name in front where names are wanted, and end with an exit value: that
-# of $exits.found when a line began otherwise than with `nothing`, else that of $exits.nothing; 2 when a capture could
+# of $exits.found when a line was another than `nothing`, else that of $exits.nothing; 2 when a capture could
 # not answer. Where no capture has a line, all have those of `otherwise`. The input of both is the capture, or the
 # list of two.
 def ask($exits; lines; otherwise):
-    def answer: split("\t") | .[0] as $name | .[1:]
-        | try ([.[] | fromjson | if . == null or is_host then . else error("no host file") end]
+    def answer: split("\t") | .[0] as $name | .[1:] | length as $count
+        | try ([.[] | fromjson | if is_host or . == null and $count > 1 then . else error("no host file") end]
                | if length == 1 then .[0] else . end
                # What came from standard input is called as its card is.
-               | {name: (if $name != "-" then $name else (try .card.name catch null) // $name end),
+               | {name: (if $name != "-" then $name
+                         else (try .card.name catch null | select(. != "")) // $name end),
                   lines: [lines], otherwise: [otherwise]})
           catch {$name, complaint: "tarnask: \($name | text): \(
               .complaint? // "no host file; tarnlab --check tells more")\n"}
@@ -34,11 +37,12 @@ def ask($exits; lines; otherwise):
     foreach (inputs, null) as $line ({found: false, complaints: "", unheard: []};
         (if $line == null then {lines: .unheard} else $line | answer end) as $answer
         | .lines = $answer.lines
-        | .found = (.found or any(.lines[].line; startswith(nothing) | not))
+        | .found = (.found or any(.lines[].line; type == "string"))
         | .complaints += ($answer.complaint // "")
         | .answered = (.answered or .lines != [])
         | .unheard = if .answered then [] else .unheard + ($answer.otherwise // []) end;
-        (.lines[] | if $ARGS.named.names == "yes" then "\(.name | text): \(.line)" else .line end),
+        (.lines[] | (.line | .nothing? // .) as $line
+         | if $ARGS.named.names == "yes" then "\(.name | text): \($line)" else $line end),
         if $line != null then empty
         elif .complaints != "" then .complaints | halt_error(2)
         elif (if .found then $exits.found else $exits.nothing end) != 0 then "" | halt_error(1)

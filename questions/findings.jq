@@ -77,9 +77,10 @@ def indexed:
 
 def port_of($h; $ltl): $h.ports[$ltl | tostring] // {ltl: $ltl, name: "", interface: "", known: false, vlans: []};
 
-# The command that shows the addresses of a bridge domain.
-def address_command: if .kind == "segment" then "show l2 segment \(.segment)"
-    elif (.vlan // 0) != 0 then "show l2 \(.vlan)" else "show l2 all" end;
+# The command that shows the addresses of bridge domains.
+def address_command: if length != 1 then "show l2 all" else .[0]
+    | if .kind == "segment" then "show l2 segment \(.segment)"
+      elif (.vlan // 0) != 0 then "show l2 \(.vlan)" else "show l2 all" end end;
 
 # "VLAN 10", "VLANs 10,20-29", at most so many characters of them.
 def vlans_text:
@@ -99,8 +100,11 @@ def cause($leaf):
     elif $leaf then first((.leaf_block, .leaf_wait) | select(IN("bpdu", "zero-mac", "ack", "policy"))) // null
     elif .error == "none" then null else .error end;
 
-# Whether it works at all: the first obstacle alone, since the others follow from it. $usable are those of its VLANs
-# that the host has, with a bridge domain.
+# Those of its VLANs that the host has, with a bridge domain: $usable below.
+def usable($h): (if $h.knows_domains then only($h.by_vlan) else . end)
+    | (if $h.knows_vlans then only($h.vlans) else . end);
+
+# Whether it works at all: the first obstacle alone, since the others follow from it.
 def state_findings($h; $usable):
     if .known | not then found("unknown"; "has no record in the HMX"; "show port")
     elif is_up | not then
@@ -148,7 +152,10 @@ def vlan_findings($h; $usable):
       (select(.does_forward) | .blocked | only($is_usable) | select(. != [])
         | of_port("vlan-blocked"; "is blocked on \(vlans_text)"; "show port vlans")),
       ($outside | select(. != [])
-        | of_port("not-member"; "is not among the ports of \(vlans_text)"; "show vlan \(.[0])"));
+        | of_port("not-member"; "is not among the ports of \(vlans_text)"; "show vlan \(.[0])")),
+      (select(.segment != 0 and .forwarding) | .ltl as $ltl | $h.by_segment[.segment | tostring]
+        | select(. != null and .has_members and (.has_member[$ltl | tostring] | not)) | .segment as $segment
+        | $port | found("not-member"; "is not among the ports of segment \($segment)"; "show segment \($segment)"));
 
 # A port channel without a member that is up.
 def channel_findings($h):
@@ -185,12 +192,12 @@ def address_findings($h):
     | (select($addresses == [] and $h.knows_addresses and is_up
             and .port_channel == 0 and ($h.is_member[.ltl | tostring] | not)
             and (.forwards != [] or .segment != 0 and .forwarding))
-       | ($h.by_vlan[.forwards[0] | tostring] // $h.by_segment[.segment | tostring]) as $domain
-       | found("no-address"; "has no address behind it"; $domain | address_command)),
+       | [$h.by_vlan[.forwards[] | tostring], $h.by_segment[.segment | tostring] // empty] as $domains
+       | found("no-address"; "has no address behind it"; $domains | address_command)),
       ([$addresses[] | select(.drop == true)] as $dropped
        | select($dropped != [])
        | found("address-dropped"; "sends from \([$dropped[].mac | text] | join(", ")), which is dropped";
-           $h.by_index[$dropped[0].domain | tostring] | address_command));
+           [$h.by_index[$dropped[].domain | tostring]] | unique | address_command));
 
 def drop_findings($h; $least):
     def many: . != 0 and (is_below($least) | not);
@@ -212,7 +219,8 @@ def krt_findings:
     | if $krt.known | not then found("krt-differs"; "has no record in the KRT"; "show port krt")
       else [("admin", "link" | select($port[.] != $krt[.]) | "\(.) \($krt[.])"),
             ("forwarding", "vlan_mode", "vlans", "forwards_on", "port_channel"
-                | select($port[.] != $krt[.]) | gsub("_"; " "))] as $keys
+                | select($port[.] != $krt[.] and (. != "vlans" or $port.has_vlans and $krt.has_vlans)) # not refused
+                | gsub("_"; " "))] as $keys
         | select($keys != [])
         | found("krt-differs"; "differs in the KRT's view: \($keys | join(", "))"; "show port krt") end;
 
@@ -232,13 +240,21 @@ def way_findings($h; $usable):
     | [$usable[] | select(tostring as $vlan | any($up[]; .has_vlan[$vlan]) | not)] as $absent
     | [$usable[] | select(tostring as $vlan
         | any($up[]; .has_vlan[$vlan]) and (any($up[]; .forwards_vlan[$vlan]) | not))] as $blocked
+    # Up, but err-disabled or the like: all else follows from it.
+    | (if any($up[]; .does_forward) then []
+       else [$up[] | state_findings($h; .vlans | usable($h)) | {word, text, command}] end) as $stopped
     | def goes: if $pinned != null then "is pinned to \(titles)" else "goes out through \(titles)" end;
       (if $ways == [] then
          (if $pinned == null then "no uplink is there" else "no uplink has sub-group \($pinned)" end) as $why
          | way("uplink-missing"; "has no way out: \($why)"; "show port"; $why; [])
        elif $up == [] then
-         way("uplink-down"; "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
+         select(any($ways[]; is_up | not)) # else it is told below of the port channel
+         | way(if all($ways[]; is_port_channel) then "port-channel-down" else "uplink-down" end;
+             "\($ways | goes), which \(if $ways | length == 1 then "is" else "are all" end) down";
              "show port"; null; [])
+       elif $stopped != [] then
+         $stopped[0] as $first
+         | way($first.word; "has no way out: \([$stopped[].text] | join("; "))"; $first.command; null; [])
        else
          (select($absent != [])
             | way("vlan-not-on-uplink"; "\($up | goes), without \($absent | vlans_text)"; "show port vlans";
@@ -256,8 +272,7 @@ def way_findings($h; $usable):
 
 # All about a port, from itself outwards. $drops is the least number of drops that is told.
 def port_findings($h; $drops):
-    (.vlans | (if $h.knows_domains then only($h.by_vlan) else . end)
-     | (if $h.knows_vlans then only($h.vlans) else . end)) as $usable
+    (.vlans | usable($h)) as $usable
     | state_findings($h; $usable),
       (select(.known and .ltl >= 18 and (is_uplink or is_port_channel | not))
         | vlan_findings($h; $usable), way_findings($h; $usable)),
@@ -320,7 +335,7 @@ def table_findings($h; $least):
     | select($count | is_full($limit; $least.full))
     | ($h.by_index[.bridge_domain | number | tostring] // {index: (.bridge_domain | number), vlan: 0})
     | host_found("table-nearly-full"; "the L2 table of \(network) is nearly full"; "\($count) of \($limit)";
-        address_command);
+        [.] | address_command);
 
 # An address that two ports have, as their own or behind them: two virtual ports, or one and an uplink.
 def address_on_two_findings($h):
@@ -345,16 +360,18 @@ def folded_way_findings:
 # The least numbers that are told, and the percents from which something is nearly full.
 def usual_thresholds: {drops: 100, full: 90, asserts: 1, denied: 1, rejected: 1};
 
+def cut_finding: .capture | select(. != null and .whole == false)
+    | host_found("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null);
+
 # All about a host, worst first.
 def host_findings($least):
     indexed as $h
     | [$h.ports[] | select(.known and .ltl >= 18 and (is_empty | not)) | port_findings($h; $least.drops)] as $of_ports
-    | [(.capture | select(. != null and .whole == false)
-          | host_found("capture-cut"; "the capture is not whole: \([.cut[]? | text] | join("; "))"; null)),
+    | [cut_finding,
        (select(is_known("card")) | .card | select(. != null) | card_findings),
        memory_findings($least), table_findings($h; $least), address_on_two_findings($h),
        ($of_ports[] | select(has("group") | not)), ($of_ports | folded_way_findings),
        ($h.members | keys[] | port_of($h; tonumber) | channel_findings($h))]
-    | unique_by([.word, .ltl, .text])
+    | unique_by([.word, .ltl, .text, .count])
     | (words | to_entries | map({(.value): .key}) | add) as $rank
     | sort_by([$rank[.word], .ltl // -1, .text])[];

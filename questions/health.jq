@@ -24,6 +24,6 @@ ask({found: 1, nothing: 0};
     if has("ports") or has("card") or .capture != null then
         asked_text as $asked
         | [host_findings($least) | select(.word | IN($only[]) and (IN($without[]) | not))]
-        | if . == [] then nothing + $asked else .[] | finding_line end
+        | if . == [] then nothing($asked) else .[] | finding_line end
     else cannot_answer("it has neither ports nor a card") end;
     empty)

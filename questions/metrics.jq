@@ -29,7 +29,7 @@ def counter($name; $unit; $help; samples): metric($name; "counter"; $unit; $help
 def gauge($name; $unit; $help; samples): metric($name; "gauge"; $unit; $help; samples);
 
 ask({found: 0, nothing: 0};
-    . as $file
+    (if is_known("traffic") or is_known("drops") then needs("ports") else . end) as $file
     | {host: (if $ARGS.named.host != "-" then $ARGS.named.host else .card.name // "-" end)} as $host
     | ($host | labels) as $host_label
     | indexed as $h
@@ -48,6 +48,8 @@ ask({found: 0, nothing: 0};
       def domain_labels($index): ($h.by_index[$index | tostring] // {index: $index, vlan: 0, name: ""})
         | $host + {bridge_domain: .index, network: network, name} | labels;
       def of_tables(f): .l2.tables[]? | {labels: domain_labels(.bridge_domain | number), value: f};
+      def of_stages($key): [stages] as $stages | .[$key] | objects | stage_drops($stages)[]
+        | {labels: with_host("stage"; .name), value: .count};
       def of_acls($key): .acls[]? | {labels: ($host + {id, name: (.name // "")} | labels), value: (.[$key] | number)};
 
       gauge("capture_timestamp_seconds"; "seconds"; "When the capture began."; of_host(capture_time)),
@@ -81,6 +83,8 @@ ask({found: 0, nothing: 0};
       counter("port_stage_drop_packets"; "packets"; "Packets of the port dropped at a stage; stages without are left out.";
         $h.drops | to_entries[] | $port_labels[.key] as $port | select($port) | .value[] | select(.count != 0)
         | {labels: "\($port),\({stage: .name} | labels)", value: .count}),
+      counter("multicast_drop_packets"; "packets"; "Multicast packets dropped at a stage."; of_stages("multicast_drops")),
+      counter("flood_drop_packets"; "packets"; "Flooded packets dropped at a stage."; of_stages("flood_drops")),
 
       gauge("port_channel_members"; ""; "Members of the port channel."; of_channels(.members | length)),
       gauge("port_channel_members_up"; ""; "Members of the port channel that are up.";
@@ -88,7 +92,7 @@ ask({found: 0, nothing: 0};
 
       gauge("l2_table_addresses"; ""; "Addresses in the L2 table of a bridge domain."; of_tables(.entries | length)),
       gauge("l2_table_limit"; ""; "Most addresses of that table.";
-        of_tables(if has("limit") then .limit else 1024 end)),
+        of_tables(if has("limit") then .limit else 1024 end | if . == null then . else number end)),
       counter("l2_aged_addresses"; ""; "Addresses that were forgotten.";
         select(is_known("l2")) | of_host(.l2.aged | number)),
       counter("l2_rejected_addresses"; ""; "Addresses that found no room.";

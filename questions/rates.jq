@@ -46,6 +46,9 @@ def compared($old; $new):
 def by_ltl(f): reduce f as $item ({}; .[$item.ltl | tostring] = $item);
 def counters: . as $traffic | reduce traffic_counters[] as $key ({}; .[$key] = $traffic[$key]);
 
+# Whether the drops were asked for. A host that dropped nothing has none, but it has stages.
+def knows_drops: is_known("drops") or .capture == null and has("stages");
+
 # The drops of the ports, and of what belongs to none: {ltl, counts: {STAGE: number}}.
 def all_drops:
     [stages] as $stages
@@ -56,12 +59,16 @@ def all_drops:
 ask({found: 0, nothing: 0};
     . as [$old, $new]
     | (if any(.[]; is_known("traffic") | not) then cannot_answer("a capture has no traffic; was it asked for it?")
+       elif any(.[]; is_known("ports") | not) then cannot_answer("a capture has no ports; was it asked for them?")
        elif [.[].card.uuid? // "" | select(. != "")] | unique | length > 1 then cannot_answer("these are two hosts")
        else seconds($old; $new) end) as $seconds
     | def shown: if $ARGS.named.total then tostring else a_second($seconds) end;
       ($old | by_ltl(traffic)) as $before
     | ($old | by_ltl(ports)) as $ports_before
     | ($old | by_ltl(all_drops)) as $drops_before
+    # Of what was refused before, or not asked for, nothing can be said here, either.
+    | (if $old | knows_drops then [$old.drops[]? | select(.known == false) | .ltl | number | tostring] else null end)
+      as $refused
     | ($new | by_ltl(ports)) as $ports
     # A port that is new has counted from 0; of one whose counters were refused before nothing can be said.
     | [$new | traffic
@@ -71,7 +78,8 @@ ask({found: 0, nothing: 0};
                        else {reset: "another port before, \($earlier.port | title)"} end] as $rows
     | (reduce $rows[] as $row ({}; .[$row.ltl | tostring] = $row.reset)) as $is_reset
     | [$new | all_drops | (.ltl | tostring) as $ltl
-       | select(($ports[$ltl] or ($ltl | test("^[MF]"))) and ($is_reset[$ltl] | not))
+       | select($drops_before[$ltl] or $ports[$ltl] and $refused and ($refused | index($ltl) == null))
+       | select($ports[$ltl] and ($is_reset[$ltl] | not) or ($ltl | test("^[MF]")))
        | {ltl, name: ($ports[$ltl] | if . then .name | text else "" end)}
          + compared($drops_before[$ltl].counts // {}; .counts)] as $drops
     | [$drops[] | select(.difference) | . as $row | .difference | to_entries[] | select(.value != 0)

@@ -18,7 +18,9 @@ def pair_of_digits($base):
 
 # REQUIRES: a number, or a text with one in C notation
 def pair:
-    if type == "number" then [(. / 1000000000 | floor), . % 1000000000]
+    # The rest of a number beyond 2^53, which jq has rounded, may be too much or too little.
+    if type == "number" then (. / 1000000000 | floor) as $high
+        | [$high, ([0, . - $high * 1000000000, 999999999] | sort[1])]
     elif test("^0[xX][0-9a-fA-F]{1,16}$") then .[2:] | pair_of_digits(16)
     elif test("^0[0-7]{0,22}$") then pair_of_digits(8)
     elif test("^[0-9]{1,20}$") then pair_of_digits(10)
@@ -189,11 +191,15 @@ def traffic_of(ports):
     | reduce traffic_counters[] as $counter ({ltl: $port.ltl, $port}; .[$counter] = ($counted[$counter] | number));
 def traffic: traffic_of(ports);
 
-# The stages that are shown, {key, name}: `key` is what the drops at it stand under.
+# The stages that are shown, {key, name}: `key` is what the drops at it stand under. A capture that was not asked
+# for them has those that drops stand under.
 def stages:
-    [.stages[]?] | to_entries[]
+    if is_known("stages") | not then
+        [(.drops[]?, .multicast_drops, .flood_drops) | objects | keys_unsorted[] | select(test("^[0-9]+$"))]
+        | unique_by(tonumber)[] | {key: ., name: "stage \(.)"}
+    else [.stages[]?] | to_entries[]
     | select(.key <= 40 and (.value.present == null or (.value.present | flag)))
-    | {key: (.key | tostring), name: (.value.name // "")};
+    | {key: (.key | tostring), name: (.value.name // "")} end;
 
 # What a record of drops counts, [{key, name, count}], the stages at which nothing was dropped too.
 def stage_drops($stages):

@@ -1,5 +1,5 @@
 # Why has this port no traffic? What stands in its way, from the port outwards, the first obstacle first; or
-# "Nothing found".
+# "Nothing found". Of a capture that is not whole the last line says so.
 #
 #     tarnask why PORT [FILE...]    PORT is an LTL, an interface or a name
 #
@@ -18,6 +18,7 @@ $ARGS.named.port as $wanted
     | [port($wanted).ltl | tostring] as $ltls
     | select($ltls != [])
     | indexed as $h
-    | [$h.ports[$ltls[]] | port_findings($h; 1)]
+    | [($h.ports[$ltls[]] | port_findings($h; 1)), cut_finding]
     | if . == [] then nothing else .[] | finding_line end;
-    "unknown: no port is called \($wanted | text)\(like($wanted)) (tarncmd show port)")
+    "unknown: no port is called \($wanted | text)\(like($wanted)) (tarncmd show port)",
+    (cut_finding | finding_line))

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// The rows of a table, without the comment lines that begin with "#". "\x0a" in it is the byte of
-// that number. An empty table is a failure of the test.
+// The rows of a table, without the comment lines, which begin with "#". "\x0a" stands for the byte
+// with that number. An empty table fails the test.
 std::vector<std::vector<std::string>> golden(const char *name);
 
 // A whole file of tests/golden, as it stands.

@@ -1,4 +1,4 @@
-// The rows of the command table as their keywords tell of them.
+// The rows of the command table, read from their keywords.
 #ifndef TESTS_ROWS_H
 #define TESTS_ROWS_H
 
@@ -6,7 +6,7 @@
 
 #include <string>
 
-// True for a keyword that tells of the arguments instead of being typed.
+// True for a keyword that describes the arguments and is not typed.
 bool is_documentation(const char *keyword);
 
 // The keywords as they stand, so that exactly this row matches.

@@ -21,7 +21,7 @@ std::string host_path(const std::string &name) {
     return fs::path(TESTS_DIR) / "hosts" / name;
 }
 
-// The functions below return what is wrong, or nothing.
+// The functions below return the error, or nothing.
 
 std::string read_host(const std::string &name, std::string &host) {
     host = host_path(name);

@@ -1,5 +1,5 @@
 // The files of tests/transcripts: a described host, a command, the exact text that it prints and
-// the exact requests that it makes. The format is told in tests/transcripts/README.md.
+// the exact requests that it makes. tests/transcripts/README.md explains the format.
 #ifndef TESTS_TRANSCRIPT_H
 #define TESTS_TRANSCRIPT_H
 
@@ -33,7 +33,7 @@ struct transcript {
     text_lines errors; // "NAME:LINE: what is wrong with it"
 };
 
-// Reads lines that were split already; the name is for messages.
+// Reads lines that are already split; the name is for messages.
 transcript read_transcript(std::string name, text_lines lines);
 
 // Blank-separated words; double quotes keep blanks.
@@ -42,7 +42,7 @@ text_lines split_words(const std::string &text);
 text_lines split_lines(const std::string &text);
 std::string join_lines(const text_lines &lines);
 
-// The lines of a file with other results for one of its cases.
+// The lines of a file after one of its cases got other results.
 text_lines with_results(text_lines lines, const transcript_case &of, const text_lines &results);
 
 // What a failed case prints: where it is, its command, and the lines of the file that differ,

@@ -1,4 +1,4 @@
-// What the runner of the transcripts says to somebody who edits them.
+// The messages of the transcript runner to somebody who edits transcripts.
 #include "tests/transcript.h"
 
 #include <string>

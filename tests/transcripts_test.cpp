@@ -1,10 +1,10 @@
 // Runs the transcripts of tests/transcripts.
 //
-// Without TARN_COMMAND in the environment every case runs the tool's own code in a child of this
-// process, on the model. With it the shell cases run that command instead, with "{host}" and
-// "{trace}" in it replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without
-// "{trace}" the requests are not compared. TARN_ACCEPT_TRANSCRIPTS=1 writes the results that were
-// seen into the files (scripts/accept-transcripts).
+// Without TARN_COMMAND in the environment, every case runs the tool's own code in a child of this
+// process, on the model. With it, the shell cases run that command instead; "{host}" and "{trace}"
+// in it are replaced by files: "tarnlab --host {host} --trace {trace} tarncmd". Without "{trace}"
+// the requests are not compared. TARN_ACCEPT_TRANSCRIPTS=1 writes the results of the run into the
+// files (scripts/accept-transcripts).
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
 #include "frontend/kestrel_cmd_list.h"
@@ -63,8 +63,7 @@ struct scratch_folder {
     scratch_folder &operator=(const scratch_folder &) = delete;
 };
 
-// A handler knows nothing but its argument, so each row has one of its own that tells which row it
-// is.
+// A handler knows only its argument. So each row gets a handler of its own, which knows the row.
 kestrel_cmd_handler handlers[KESTREL_CMD_ROWS];
 int (*on_row)(size_t row, const char *arg);
 
@@ -82,8 +81,8 @@ constexpr auto ROW_RUNNERS = row_runners(std::make_index_sequence<KESTREL_CMD_RO
 
 int noted_results = -1; // a file
 
-// Every handler notes its result. The rows that have nothing to answer keep their own: the command
-// layer knows them by it.
+// Every handler notes its result. Rows that are not built keep their handlers, by which the command
+// layer recognizes them.
 void note_results() {
     on_row = [](size_t row, const char *arg) {
         const int result = handlers[row](arg);
@@ -117,7 +116,7 @@ void run_agent(const transcript_case &asked) {
         fwrite(hmx_rcli_buffer, 1, std::min<size_t>(used, HMX_RCLI_BUFFER_SIZE), stdout);
         if (hmx_rcli_more_output == 0)
             break;
-        // A control character, so that no output of a command reads like it.
+        // It begins with a control character, so that no output of a command looks like it.
         if (hmx_rcli_more_output == LEFT_ALONE)
             printf("\001more -\n");
         else
@@ -166,7 +165,7 @@ int run_in_process(const transcript_case &asked, const fs::path &folder) {
     _exit(127);
 }
 
-// Every hexadecimal number after the word, which ends in its "0x", becomes ADDRESS.
+// Replaces every hexadecimal number after the word, which ends with the number's "0x", by ADDRESS.
 std::string replace_addresses(std::string text, std::string_view word) {
     for (size_t at = 0; (at = text.find(word, at)) != std::string::npos;) {
         at += word.size() - 2;
@@ -176,7 +175,7 @@ std::string replace_addresses(std::string text, std::string_view word) {
     return text;
 }
 
-// A stretch of output as result lines: a mark in front, "|" at the end where a newline was.
+// A part of the output as result lines: a mark in front, "|" at the end where a newline was.
 void show_output(text_lines &results, char mark, std::string text, bool mask_stamps) {
     if (mask_stamps) {
         text = replace_stamps(text, "STAMP: ");
@@ -207,7 +206,7 @@ text_lines collect_results(const transcript_case &asked, int exit_value, const f
     text_lines results;
     show_output(results, '|', read_file(folder / "out"), asked.mask_stamps);
     show_output(results, '!', read_file(folder / "err"), asked.mask_stamps);
-    // What tarnlab finds unused in the host file is no output of the tool.
+    // tarnlab's report of unused parts of the host file is not output of the tool.
     std::erase_if(results, [](const auto &line) { return line.starts_with("!tarnlab: "); });
     if (exit_value != 0)
         results.push_back("exit " + std::to_string(exit_value));
@@ -246,7 +245,7 @@ text_lines run_case(const transcript_case &asked, const char *command) {
     return collect_results(asked, value, folder.path);
 }
 
-// What TARN_COMMAND does not tell is not compared.
+// What TARN_COMMAND does not show is not compared.
 void leave_out_unseen(transcript_case &asked, bool traced) {
     std::erase_if(asked.results, [](const auto &line) { return line.starts_with("result "); });
     if (!traced && asked.compare_requests) {
@@ -297,7 +296,7 @@ TEST_P(Transcript, PrintsAndAsksWhatItSays) {
         }
     }
     if (accept) {
-        // The last one first, so that the lines of the others stay where they are.
+        // From the last to the first, so that the lines of the others do not move.
         text_lines lines = file.lines;
         for (auto one = failed.rbegin(); one != failed.rend(); ++one)
             lines = with_results(lines, *one->first, one->second);

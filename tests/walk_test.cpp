@@ -1,5 +1,5 @@
-// How far the walks over the driver's tables go at most; that each of them counts is seen by the
-// hostile sweep.
+// The limits of the walks over the driver's tables. The hostile sweep shows that each walk obeys
+// them.
 #include "handlers/walk.h"
 
 #include "frontend/hmx_cmd.h"
@@ -35,7 +35,7 @@ TEST(Walk, EndsWithTheWalksOfItsCommand) {
     }
     EXPECT_EQ(asked, 16777216U);
 
-    // The next command has its own.
+    // The next command has a new limit.
     model driver;
     int steps = 0;
     driver.trace = [&](const std::string &line) { steps += line.starts_with("op 25 ") ? 1 : 0; };

@@ -1,5 +1,5 @@
-// Writes what documents and shells need to know of the command table, so that none of it is kept by
-// hand: command_reference markdown | mdoc | words
+// Writes what documents and shells need to know about the command table, so that nobody maintains
+// it by hand: command_reference markdown | mdoc | words
 #include "frontend/command_rows.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
@@ -62,7 +62,7 @@ command_row read_row(const kestrel_cmd_row &row) {
     return read;
 }
 
-// The headings between the two kinds of commands part the table.
+// The headings between the rows divide the table into the two kinds of commands.
 std::vector<command_section> read_table() {
     std::vector<command_section> sections = {{"Display commands", {}}, {"Set commands", {}}};
     size_t section = 0;
@@ -91,7 +91,7 @@ size_t count_built(const std::vector<command_row> &rows) {
 
 // --- markdown ---
 
-// A bar would end the cell, in a code span too.
+// A bar would end the cell, even in a code span.
 std::string cell(std::string text, bool code) {
     for (size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) {
         text.insert(at, 1, '\\');
@@ -133,14 +133,14 @@ void write_markdown() {
 
 // --- mdoc ---
 
-// A word that the formatter would take for a macro or an escape.
+// A word that the formatter would read as a macro or an escape.
 std::string mdoc_words(const std::string &text) {
     std::string safe;
     for (size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string::npos;) {
         const size_t end = std::min(text.find(' ', at), text.size());
         const std::string word = text.substr(at, end - at);
         safe += (safe.empty() ? "" : " ");
-        // Delimiters and two-letter words stand after a zero-width space.
+        // A zero-width space protects delimiters and two-letter words.
         const bool special = word.size() <= 3 || std::strchr(".,:;()[]?!|", word.back()) != nullptr;
         safe += (special ? "\\&" : "") + word;
         at = end;
@@ -148,9 +148,24 @@ std::string mdoc_words(const std::string &text) {
     return safe;
 }
 
+// What a shell may give after the typed keywords. A cookie and its number are for host processes.
+std::string shell_arguments(const command_row &row) {
+    const auto cookie = std::find(row.keywords.begin(), row.keywords.end(), "cookie");
+    std::string arguments =
+        joined(row.keywords, row.typed, static_cast<size_t>(cookie - row.keywords.begin()));
+    if (cookie == row.keywords.end()) {
+        arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
+    }
+    return arguments;
+}
+
+std::string shell_usage(const command_row &row) {
+    return joined(row.keywords, 0, row.typed) + " " + shell_arguments(row);
+}
+
 using command_rows = std::vector<const command_row *>;
 
-// What is typed of each row, once, as a sentence.
+// The typed words of each row, once, as a sentence.
 void write_typed(const char *lead, const command_rows &rows) {
     words typed;
     for (const command_row *row : rows) {
@@ -166,17 +181,13 @@ void write_typed(const char *lead, const command_rows &rows) {
 void write_mdoc() {
     const std::vector<command_section> sections = read_table();
     for (const command_section &section : sections) {
-        std::printf(".Ss %s\n.Bl -tag -width Ds -compact\n", section.title);
-        command_rows unbuilt;
+        std::printf(".Ss %s\n.Bl -tag -width 36n -compact\n", section.title);
         std::string before;
         for (const command_row &row : section.rows) {
             const bool repeated = before == joined(row.keywords);
             before = joined(row.keywords);
-            if (!row.built) {
-                unbuilt.push_back(&row);
-            } else if (!repeated && !row.help.empty()) {
-                std::string arguments = joined(row.keywords, row.typed);
-                arguments += (arguments.empty() || row.hint.empty() ? "" : " ") + row.hint;
+            if (row.built && !repeated && !row.help.empty()) {
+                const std::string arguments = shell_arguments(row);
                 std::printf(".It Cm %s%s%s\n%s.\n",
                             mdoc_words(joined(row.keywords, 0, row.typed)).c_str(),
                             arguments.empty() ? "" : " Ar ", mdoc_words(arguments).c_str(),
@@ -184,7 +195,6 @@ void write_mdoc() {
             }
         }
         std::printf(".El\n");
-        write_typed("Not built in this version:", unbuilt);
     }
 
     command_rows doing;
@@ -194,19 +204,18 @@ void write_mdoc() {
             (row.built ? doing : unbuilt_doing).push_back(&row);
         }
     }
-    std::printf(
-        ".Ss Which commands change something\nAll set commands that are built do, at once.\n");
+    std::printf(".Ss Which commands change something\nThe set commands do, at once.\n");
     write_typed("Among the display commands these do more than show something:", doing);
     write_typed("And these would, but are not built in this version:", unbuilt_doing);
 }
 
 // --- words ---
 
-// One thing to type: its choices, or the kind of a value alone; none for a value of some kind.
+// One thing to type: its choices, or only a kind of value; no choices for a value of any kind.
 using choices = words;
 using sequence = std::vector<choices>;
 
-// Other pieces of the notation picture a value: "0-255", "ddd.ddd.ddd.ddd".
+// Other pieces of the notation show the form of a value: "0-255", "ddd.ddd.ddd.ddd".
 bool is_word(std::string_view text) {
     return !text.empty() && std::isalpha(static_cast<unsigned char>(text[0])) != 0 &&
            std::all_of(text.begin(), text.end(), [](unsigned char byte) {
@@ -228,7 +237,7 @@ std::string value_kind(const std::string &notation) {
     return "*";
 }
 
-// Cut at bars; "<eid>" among the pieces is a value, as "num" is.
+// Cut at bars. Among the pieces, "<eid>" is a value, and so is "num".
 choices split_choices(const std::string &text) {
     choices found;
     for (size_t at = 0; at <= text.size();) {
@@ -244,7 +253,7 @@ choices split_choices(const std::string &text) {
 }
 
 // The table's own notation: "<x>" a value, "[x]" may be left out, "{x|y}", "<x|y>" and "x|y" one of
-// them. In "[vlan]" and its like the one word names a value.
+// them. In "[vlan]" and the like, the one word names a value.
 class usage_reader {
 public:
     explicit usage_reader(std::string text) : text_(std::move(text)) {
@@ -330,12 +339,12 @@ void write_words() {
     words lines = {"+ help"};
     for (const command_section &section : read_table()) {
         for (const command_row &row : section.rows) {
-            for (const sequence &way : usage_reader(joined(row.keywords) + " " + row.hint).read()) {
+            for (const sequence &way : usage_reader(shell_usage(row)).read()) {
                 lines.push_back((row.built ? "+" : "-") + line_of(way));
             }
         }
     }
-    // A line that another one begins with tells nothing.
+    // A line adds nothing when another one begins with it.
     std::sort(lines.begin(), lines.end());
     for (size_t i = 0; i < lines.size(); ++i) {
         if (i + 1 == lines.size() || !(lines[i + 1] + " ").starts_with(lines[i] + " ")) {

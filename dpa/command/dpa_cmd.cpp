@@ -32,16 +32,16 @@ constexpr size_t END_MARKER_LENGTH = sizeof END_MARKER - 1;
 constexpr size_t READ_SIZE = 127;
 constexpr int IDLE_READS_LIMIT = 20;
 
-// An agent that is busy opens its pipe late. It is waited for as long as its output is.
+// A busy agent opens its pipe late. The tool waits for it as long as for its output.
 constexpr int PIPE_READER_TRIES = 200;
 constexpr int PIPE_READER_PAUSE = 100; // milliseconds
 
 constexpr int ONE_SECOND = 1000; // milliseconds
 
-// These end the conversation in order, before they do what they did without it.
+// These signals end the conversation in order. Then they do what they do without it.
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGHUP, SIGTERM};
 
-// The last of them that came, 0 for none. A signal handler can reach nothing else.
+// The last of these signals that came, 0 for none. A signal handler can reach nothing else.
 volatile sig_atomic_t ended_by = 0;
 
 void end_conversation(int signal) {
@@ -53,11 +53,11 @@ struct conversation {
     int file = -1; // what the agent prints
     char file_name[OUTPUT_FILE_NAME_SIZE] = "";
 
-    // Who read standard output has gone away, as when ssh is killed. Only a write would bring a
-    // signal, and a conversation that waits writes nothing: every wait looks for it.
+    // The reader of standard output has gone away, as when ssh is killed. Only a write would raise
+    // a signal, and a conversation that waits writes nothing. So every wait looks for a reader.
     bool reader_is_gone = false;
 
-    // What the process did on a signal before, a host's own handlers among it.
+    // What the process did on a signal before; a host process may have handlers of its own.
     struct sigaction before[std::size(ENDING_SIGNALS)]{};
     struct sigaction on_broken_pipe {};
 };
@@ -66,10 +66,10 @@ bool is_over(const conversation &talk) {
     return ended_by != 0 || talk.reader_is_gone;
 }
 
-// No wait is taken up again after one of the signals. One that is ignored, as a hang-up under
-// nohup, stays so. A broken pipe waits until the file is removed: an agent that goes away in the
-// middle is a failed write and not the end of the tool, and a standard output that went away is
-// looked for.
+// A wait that one of the signals interrupts is not resumed. A signal that is ignored, as a hang-up
+// under nohup, stays ignored. SIGPIPE comes only after the file is removed. So an agent that goes
+// away in the middle causes a failed write and not the end of the tool. The waits notice a standard
+// output without a reader.
 void catch_ending_signals(conversation &talk) {
     struct sigaction ignored {};
     ignored.sa_handler = SIG_IGN;
@@ -91,13 +91,13 @@ void restore_ending_signals(const conversation &talk) {
     sigaction(SIGPIPE, &talk.on_broken_pipe, nullptr);
 }
 
-// A pipe says that it has no reader by POLLERR, a socket by POLLHUP, a file never.
+// poll reports a missing reader of a pipe as POLLERR, of a socket as POLLHUP, and of a file never.
 bool tells_of_no_reader(const pollfd &output) {
     return (output.revents & (POLLERR | POLLHUP)) != 0;
 }
 
-// Wait, less when one of the signals comes or nobody reads standard output any more. An operator
-// sees the output as it comes, also through a pipe.
+// Wait, but not on after one of the signals or when nobody reads standard output any more. The
+// flush shows an operator the output as it comes, also through a pipe.
 void wait_for(conversation &talk, int milliseconds) {
     fflush(stdout);
     pollfd output = {STDOUT_FILENO, 0, 0};
@@ -105,7 +105,7 @@ void wait_for(conversation &talk, int milliseconds) {
     if (found > 0 && tells_of_no_reader(output)) {
         talk.reader_is_gone = true;
     } else if (found > 0 || (found < 0 && errno != EINTR)) {
-        // Standard output is closed, or cannot be looked at.
+        // Standard output is closed, or poll cannot watch it.
         usleep(static_cast<useconds_t>(milliseconds) * 1000);
     }
 }
@@ -114,9 +114,9 @@ bool is_own_file(const struct stat &file) {
     return S_ISREG(file.st_mode) && file.st_uid == geteuid() && file.st_nlink == 1;
 }
 
-// A file that is there already was left behind by a run with the same process number, and is
-// emptied; but only a plain file of the caller's that goes by no other name. Returns 0, or the
-// errno that says why there is none.
+// A file that exists is left over from a run with the same process number, and is emptied. But it
+// must be a plain file of the caller's without another name. Returns 0, or the errno that says why
+// there is no file.
 int create_output_file(const char *name) {
     const int created =
         open(name, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, OUTPUT_FILE_MODE);
@@ -148,13 +148,13 @@ bool open_output_file(conversation &talk) {
     return talk.file != -1;
 }
 
-// A plain open would wait for a reader forever, so that a missing agent could not be told.
+// A plain open would wait for a reader forever, and a missing agent could not be reported.
 int try_command_pipe() {
     return open(COMMAND_PIPE, O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
 }
 
-// The pipe lies in a folder that everybody writes to: what stands there instead of a FIFO must at
-// least be a file that is nobody else's to lose.
+// Everybody may write to the folder of the pipe. If there is no FIFO but something else, it must at
+// least be a file that nobody else can lose.
 bool is_pipe_or_own_file(int pipe) {
     struct stat found {};
     return fstat(pipe, &found) == 0 && (S_ISFIFO(found.st_mode) || is_own_file(found));
@@ -167,8 +167,8 @@ bool lacks_a_reader(int pipe) {
            S_ISFIFO(found.st_mode);
 }
 
-// Open the pipe, whose writes wait as usual. Returns false after a line; false without one when the
-// conversation was over before a reader came.
+// Open the pipe; its writes wait as usual. Returns false after a line. Returns false without a line
+// when the conversation was over before a reader came.
 bool open_command_pipe(conversation &talk) {
     int pipe = try_command_pipe();
     for (int tries = 0; lacks_a_reader(pipe) && tries < PIPE_READER_TRIES; ++tries) {
@@ -192,8 +192,8 @@ bool open_command_pipe(conversation &talk) {
     return true;
 }
 
-// An agent that does not read its pipe leaves it full. It is waited for, but must not keep a
-// process whose conversation is over from ending: from then on writes do not wait.
+// The pipe is full while the agent does not read it. The tool waits for the agent, but a process
+// whose conversation is over must be able to end: from then on writes do not wait.
 void wait_for_room(conversation &talk) {
     pollfd watched[] = {{talk.pipe, POLLOUT, 0}, {STDOUT_FILENO, 0, 0}};
     int ready = 0;
@@ -251,13 +251,13 @@ void print_without_nuls(const char *text, size_t length) {
 
 // See kx_read_out_from_fd.
 const char *show_output(conversation &talk) {
-    // What was read last, after as much of the text before it as can begin a marker.
+    // The text that was read last, after as much of the text before it as can begin a marker.
     char window[END_MARKER_LENGTH - 1 + READ_SIZE];
     size_t carried = 0;
     int idle_reads = 0;
     while (!is_over(talk)) {
         if (ferror(stdout) != 0) {
-            wait_for(talk, 0); // whether it was the reader that went away
+            wait_for(talk, 0); // to see whether the reader has gone away
             break;
         }
         const ssize_t got = read(talk.file, window + carried, READ_SIZE);
@@ -357,6 +357,6 @@ int kx_dpa_cmd(const char *arg) {
     ended_by = 0;
     fflush(stdout);
     raise(signal);
-    // A host process has outlived the signal; the commands after this one have not.
+    // The signal did not end this host process, but it ends the commands after this one.
     return KXCMD_STOP;
 }

@@ -5,11 +5,13 @@
 //     "redirect set FILE" NUL     the agent prints into FILE from now on
 //     COMMAND "\n"                the command to run; the agent ends its output with "#byeBye#"
 //     "redirect reset " NUL       the agent stops printing into the file
-// kx_dpa_cmd itself is declared in frontend/handlers.h. All of its output goes to standard output,
-// past the output sink: the command is not open to the remote CLI. An interrupt, a hang-up, a
-// termination, or a standard output that nobody reads any more ends the conversation: the agent is
-// told to stop printing, the file is removed, and then the signal, SIGPIPE for the output, does to
-// the process what it did before; where it did not end it, kx_dpa_cmd returns KXCMD_STOP.
+// kx_dpa_cmd itself is declared in frontend/handlers.h. It prints to standard output, past the
+// output sink, because the remote CLI may not run the command.
+//
+// The conversation ends on an interrupt, a hang-up, a termination, or when nobody reads standard
+// output any more. The agent is then told to stop printing, and the file is removed. After that the
+// signal (SIGPIPE for the output) does what it did before. If the process goes on, kx_dpa_cmd
+// returns KXCMD_STOP.
 #ifndef DPA_COMMAND_DPA_CMD_H
 #define DPA_COMMAND_DPA_CMD_H
 

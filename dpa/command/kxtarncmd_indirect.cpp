@@ -17,7 +17,7 @@ constexpr const char *AGENT_SOCKET_PATH = "/var/tmp/kxtarncmd_api_socket";
 // A message up to this many bytes is received on the stack.
 constexpr size_t STACK_REPLY_SIZE = 4096;
 
-// As in the kernel channel, failure lines carry this path and a number that belongs to the message.
+// As in the kernel channel, failure lines carry this path and a number, one for each message.
 constexpr const char *SOURCE_PATH = "dpa/command/kxtarncmd_indirect.cpp";
 constexpr int PLACE_SIMPLE_EXCHANGE = 294;
 constexpr int PLACE_ONE_BUFFER_CAPACITY = 321;
@@ -28,7 +28,7 @@ constexpr int PLACE_TWO_BUFFER_EXCHANGE = 395;
 
 constexpr const char *EXCHANGE = "kx_tarncmd_socket_api";
 
-// The regions of a message, in bytes and in the order of the message.
+// The parts of a message, in bytes and in the order of the message.
 struct message_layout {
     size_t header;
     size_t data1;
@@ -40,7 +40,7 @@ uint64_t data_size(uint32_t length, uint32_t capacity, uint32_t capacity_valid) 
     return uint64_t{length} + (capacity_valid != 0 ? capacity : 0);
 }
 
-// False for a message that no process of 32 bits can hold.
+// False for a message that a 32-bit process cannot hold.
 bool lay_out(const kxdpa_request &record, uint32_t header_len, message_layout *layout) {
     const uint64_t data1 = data_size(record.len1, record.max1, record.max1_valid);
     const uint64_t data2 = (record.flags & KXDPA_FLAG_TWO) != 0
@@ -71,7 +71,7 @@ void fill_message(uint8_t *message, const message_layout &layout, const kxdpa_re
     copy_data(message + layout.header + layout.data1, buffer_at(record->buf2), layout.data2);
 }
 
-// The reply's head has the record's size, whatever head was sent.
+// The reply's head has the size of the record, whatever the size of the head that was sent.
 void take_reply(const uint8_t *reply, const message_layout &layout, kxdpa_request *record) {
     const uint8_t *data = reply + sizeof *record;
     memcpy(&record->status, reply + offsetof(kxdpa_request, status), sizeof record->status);
@@ -122,7 +122,7 @@ bool exchange_messages(int fd, const uint8_t *message, uint8_t *reply, const mes
     return true;
 }
 
-// The exchange with the reply's memory given, NULL when there is none.
+// The exchange, with memory for the reply, NULL when there is none.
 bool exchange_with_reply_buffer(int fd, uint8_t *reply, const message_layout &layout,
                                 kxdpa_request *record) {
     if (reply == nullptr) {
@@ -130,7 +130,8 @@ bool exchange_with_reply_buffer(int fd, uint8_t *reply, const message_layout &la
                  "%s: Failed allocating return buffer\n", EXCHANGE);
         return false;
     }
-    // Cleared, so that the region of a missing buffer shows the agent nothing of this process.
+    // Cleared, so that a missing buffer's place in the message shows the agent nothing of this
+    // process.
     auto *message = static_cast<uint8_t *>(calloc(1, layout.total));
     if (message == nullptr) {
         kx_trace(kx_debug_print_kxtarncmd_indirect, KX_DEBUG_FAILURE,
@@ -169,7 +170,8 @@ bool exchange(int fd, kxdpa_request *record, uint32_t header_len) {
 kxdpa_request make_request(int opcode, uint32_t arg, uint8_t flags) {
     kxdpa_request request =
         kxdpa_make_request(KXDPA_SOCKET_MARKER, KXDPA_SOCKET_VERSION, opcode, arg, flags);
-    // A failed exchange sets the status itself; an agent that echoes the head says success.
+    // A failed exchange sets the status itself; an agent that echoes the head leaves the status at
+    // success.
     request.status = KXDPA_STATUS_SUCCESS;
     return request;
 }

@@ -24,16 +24,16 @@ int dpa_platform_close();
 // Close the connection and return close's result, or -1 without one; the variable keeps its value.
 int kx_tarncmd_api_exit();
 
-// Exchange one message for `record`, whose `header_len` readable bytes (at least a kxdpa_request)
-// form the head. A negative `fd` connects first. A buffer spans its length plus its capacity, when
-// that is valid, and is copied back whole whatever the flags say: an input buffer receives the
-// agent's echo. Of the reply's head only the status is taken over. Returns 0 when a whole reply
-// arrived, -1 on any failure; the record's status is then KXDPA_STATUS_NO_EXCHANGE.
+// Exchange one message for `record`. The head is its first `header_len` bytes (at least a
+// kxdpa_request). A negative `fd` connects first. A buffer is sent with its length plus its
+// capacity, when the capacity is valid. It is copied back whole whatever the flags say, so an input
+// buffer receives the agent's echo. Of the reply's head only the status is used. Returns 0 when a
+// whole reply arrived, -1 on any failure; the record's status is then KXDPA_STATUS_NO_EXCHANGE.
 int kx_tarncmd_socket_api(int fd, kxdpa_request *record, uint32_t header_len);
 
-// The call forms return the record's status word and take what the forms of the kernel channel take
-// (kxdpa_indirect.h). A capacity stays as the caller gave it, since the reply's head is not taken
-// over: how much of a variable-length reply is valid, the reply itself must say.
+// The call forms return the record's status word and have the parameters of the kernel channel's
+// forms (kxdpa_indirect.h). A capacity stays as the caller gave it, since only the status of the
+// reply's head is used. The reply itself must say how much of a variable-length reply is valid.
 uint32_t kx_tarncmd_call_indirect1(int opcode, uint32_t arg, uint8_t flags, void *buf, uint32_t len,
                                    const uint32_t *max_ref);
 uint32_t kx_tarncmd_call_indirect2(int opcode, uint32_t arg, uint8_t flags, void *buf1,

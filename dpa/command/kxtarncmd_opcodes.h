@@ -1,4 +1,4 @@
-// The requests of the agent's socket channel by opcode: a numbering of its own.
+// The opcodes of the agent's socket channel, a numbering of its own.
 //
 // Unless a comment says otherwise, arg is 0 and the request is KXDPA_FLAG_OUT with a reply of the
 // size given.

@@ -17,7 +17,7 @@ constexpr const char *ADDRESS_COMMAND =
 
 void kx_dpa_platform_read_management_ip(char (&address)[KX_MANAGEMENT_IP_SIZE]) {
     address[0] = '\0';
-    // Text of the host itself, nothing of it from the command line.
+    // The text is the host's own; nothing of it comes from the command line.
     FILE *output = popen(ADDRESS_COMMAND, "r");
     if (output == nullptr) {
         return;

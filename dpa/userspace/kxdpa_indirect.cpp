@@ -12,9 +12,8 @@ namespace {
 // The driver has one request code; the opcode selects the operation.
 constexpr unsigned long REQUEST_CODE = 0;
 
-// Failure lines name the place in the channel by this path and a number that belongs to the
-// message: operators search for the numbers, so they stay whatever happens to the lines of this
-// file.
+// Failure lines name their place in the channel by this path and a number, one for each message.
+// Operators search for the numbers, so they stay whatever happens to the lines of this file.
 constexpr const char *SOURCE_PATH = "dpa/userspace/kxdpa_indirect.cpp";
 constexpr int PLACE_SIMPLE_IOCTL = 105;
 constexpr int PLACE_ONE_BUFFER_CAPACITY = 134;

@@ -15,17 +15,17 @@ constexpr const char *KX_DEVICE_PATH = "/vmfs/devices/char/vmkdriver/kestrel";
 // Descriptor of the driver device, -1 while it is not open.
 extern int kx_dpa_call_fd;
 
-// Open the driver device read-only into kx_dpa_call_fd, in place of one that is open. Returns the
-// descriptor, -1 on failure.
+// Open the driver device read-only into kx_dpa_call_fd; one that is open already is replaced.
+// Returns the descriptor, -1 on failure.
 int kx_platform_open();
 
-// Close kx_dpa_call_fd unless it is -1, which it is then. Returns 0.
+// Close kx_dpa_call_fd, unless it is -1, and set it to -1. Returns 0.
 int kx_platform_close();
 
 // The one-buffer request. `len` is the size in bytes of a fixed-size reply or of the input. With
 // KXDPA_FLAG_MAX, `max_ref` gives the buffer's capacity in bytes and receives the length that the
-// driver left (never to be trusted beyond the capacity); a null one yields KXDPA_STATUS_NO_CAPACITY
-// without a request. Without the flag it is ignored.
+// driver stored (never trust it beyond the capacity). A null `max_ref` then gives
+// KXDPA_STATUS_NO_CAPACITY without a request. Without the flag, `max_ref` is ignored.
 uint32_t kx_dpa_call_indirect1(int opcode, uint32_t arg, uint8_t flags, void *buf, uint32_t len,
                                uint32_t *max_ref);
 
@@ -59,16 +59,16 @@ uint32_t kx_dpa_set(kxdpa_opcode opcode, uint32_t arg, const Input *input) {
     return kx_dpa_call_indirect1(opcode, arg, KXDPA_FLAG_IN, &sent, sizeof sent, nullptr);
 }
 
-// The most bytes that a text is sent in, its NUL included.
+// The largest capacity with which a text is sent, its NUL included.
 constexpr uint32_t KXDPA_TEXT_CAPACITY = 256;
 
-// `text` is sent with `capacity` in place of a length. The driver may read that many bytes,
-// whatever the text's own length, so it reads a zero-filled copy, which holds the first 255
-// characters. REQUIRES: capacity <= KXDPA_TEXT_CAPACITY.
+// Send `text` with `capacity` in place of its length. The driver may read that many bytes, so it
+// reads a zero-filled copy with the first 255 characters of the text. REQUIRES: capacity <=
+// KXDPA_TEXT_CAPACITY.
 uint32_t kx_dpa_set_text(kxdpa_opcode opcode, uint32_t arg, const char *text, uint32_t capacity);
 
 // Variable-length reply into `buffer` of `*capacity` bytes; `*capacity` becomes the length that the
-// driver left.
+// driver stored.
 inline uint32_t kx_dpa_get_variable(kxdpa_opcode opcode, uint32_t arg, void *buffer,
                                     uint32_t *capacity) {
     return kx_dpa_call_indirect1(opcode, arg, KXDPA_FLAG_OUT | KXDPA_FLAG_MAX, buffer, 0, capacity);

@@ -1,4 +1,4 @@
-// The DPA operations that handlers of this tool ask for, by opcode, grouped by what they are about.
+// The DPA operations that this tool asks for, by opcode, grouped by subject.
 //
 // The numbers are the driver's. Unless a comment says otherwise, arg is 0 and the reply's record is
 // declared next to the handlers that print it.

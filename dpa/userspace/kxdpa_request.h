@@ -63,7 +63,7 @@ constexpr uint8_t KXDPA_KERNEL_VERSION = 1;
 constexpr uint8_t KXDPA_SOCKET_MARKER = 0x03;
 constexpr uint8_t KXDPA_SOCKET_VERSION = 0;
 
-// Status words that the channels know; every other non-zero value is the operation's own.
+// Status words that the channels know; any other non-zero value belongs to the operation.
 constexpr uint32_t KXDPA_STATUS_SUCCESS = 0;
 constexpr uint32_t KXDPA_STATUS_NO_EXCHANGE = 1;      // the request never reached its peer
 constexpr uint32_t KXDPA_STATUS_NO_CAPACITY = 2;      // KXDPA_FLAG_MAX without a capacity
@@ -75,7 +75,7 @@ constexpr uint32_t KXDPA_STATUS_VERSION_MISMATCH = 6; // tool and running HMX di
 // that a request that never reached its peer reads as a failure.
 inline kxdpa_request kxdpa_make_request(uint8_t marker, uint8_t version, int opcode, uint32_t arg,
                                         uint8_t flags) {
-    // Field by field: clearing a record of this size first costs more than all else here.
+    // Field by field: to clear the whole record first would cost more than all else here.
     kxdpa_request request;
     request.opcode = static_cast<uint16_t>(opcode);
     request.marker = marker;
@@ -97,8 +97,8 @@ inline void kxdpa_attach(void *buf, uint32_t len, uint32_t *buf_field, uint32_t 
     *len_field = len;
 }
 
-// With KXDPA_FLAG_MAX, take over the capacity that `max_ref` points at; without it, leave both
-// words alone. Returns false when the flag asks for a capacity that is not there.
+// With KXDPA_FLAG_MAX, copy the capacity from `max_ref`; without it, do not change the two words.
+// Returns false when the flag asks for a capacity and there is none.
 inline bool kxdpa_give_capacity(uint8_t flags, const uint32_t *max_ref, uint32_t *max_field,
                                 uint32_t *valid_field) {
     if ((flags & KXDPA_FLAG_MAX) == 0) {

@@ -1,9 +1,9 @@
-# The hosts of a throwaway fleet, made from the built-in one: $count of them, one a line.
+# The hosts of a throwaway fleet, made from the built-in one: $count hosts, one a line.
 #
 #     tarnlab --print-host | jq -c --argjson count 20 -f hosts.jq
 #
-# They hold different virtual machines, on ports of the same names, and learn each other's addresses. Some
-# differ in what an operator would look for.
+# They hold different virtual machines on ports with the same names, and learn each other's addresses. Some have
+# faults that an operator would look for.
 
 include "tarn" {search: "../../questions"};
 
@@ -11,14 +11,14 @@ def hex: [(. / 16 | floor), . % 16] | map("0123456789abcdef"[.:. + 1]) | add;
 
 def named($name): .ports[] | select(.name == $name);
 
-# The port's own address behind it, in the first of its networks.
+# The address of the port itself, learnt in the first of its networks.
 def learn($port):
     (.bridge_domains[] | select(if $port.segment then .segment == $port.segment
                                 else .vlan == ($port.vlans | numbers[0]) end).index) as $domain
     | .l2.tables |= if any(.[]; .bridge_domain == $domain) then . else . + [{bridge_domain: $domain, entries: []}] end
     | (.l2.tables[] | select(.bridge_domain == $domain).entries) += [{mac: $port.mac, ltl: $port.ltl, static: true}];
 
-# Everything works, and nothing has been dropped, denied or forgotten.
+# Everything works, and no packet, allocation or address was dropped, denied or rejected.
 def healed:
     del(.agent) # there is room for one on a machine
     | del(.ports[].error, .ports[].krt, .drops, .multicast_drops, .flood_drops,
@@ -33,7 +33,7 @@ def healed:
                                            "template.eth0")))
         as $port (.; learn($port));
 
-# The machines of this host, apart from those of the others.
+# The virtual machines of this host, different from those of the others.
 def with_number($number):
     walk(if type == "string" then sub("^00:50:56:(?<kind>60|aa):00:"; "00:50:56:\(.kind):\($number | hex):")
          else . end)

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Ask for an operation on one entry, whose number the argument gives.
+// Ask for an operation on one entry; the argument is its number.
 int command_entry(kxdpa_opcode opcode, const char *arg) {
     if (arg == nullptr) {
         return -1;

@@ -38,7 +38,7 @@ void print_acl(const kx_acl_record &acl) {
              statistics_text(acl.statistics_state), acl.permitted, acl.denied, acl.unmatched);
 }
 
-// A list that came back with another length than the count announced is not used.
+// A list is ignored when its length is not the one that the count announced.
 void print_acls(kx_acl_record *acls, uint32_t count) {
     const uint32_t size = count * static_cast<uint32_t>(sizeof *acls);
     uint32_t returned = size;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// More lists than this the tool does not ask for.
+// The tool does not ask for more lists than this.
 constexpr uint32_t KX_ACL_LIMIT = 1024;
 
 enum kx_acl_type : uint8_t {

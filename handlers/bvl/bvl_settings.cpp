@@ -9,7 +9,7 @@
 
 namespace {
 
-// "<value> ltl <ltl-num>", with a value up to `most`.
+// "<value> ltl <ltl-num>"; the value is at most `most`.
 bool read_port_setting(const char *arg, uint32_t most, uint32_t *value, uint32_t *ltl) {
     kx_setting_words setting;
     return kx_split_setting(&setting, arg, 3) &&

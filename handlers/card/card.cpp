@@ -1,4 +1,4 @@
-// "show card": one request, one line, all along the list. A line whose request fails is left out.
+// "show card": one request, one line, down the whole list. A line whose request fails is left out.
 #include "dpa/command/management_ip.h"
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
@@ -15,8 +15,8 @@ namespace {
 
 constexpr uint32_t TEXT_SIZE = 300;
 
-// The buffer that all string requests share, and its one capacity word. Every request leaves the
-// length of its reply in the word, which is what the next one passes unless it is set again.
+// The buffer and the one capacity word that all string requests share. Each request leaves the
+// length of its reply in the word; the next request passes that, unless the word is set again.
 struct shared_text {
     union {
         char text[TEXT_SIZE];
@@ -39,13 +39,13 @@ bool ask_text(kxdpa_opcode opcode, shared_text *reply) {
     return kx_dpa_get_variable(opcode, 0, reply->text, &reply->capacity) == KXDPA_STATUS_SUCCESS;
 }
 
-// A number of the size of `value`; a driver that leaves it alone says 0.
+// A number of the size of `value`, which is 0 when the driver does not write it.
 template <typename Number> bool ask(kxdpa_opcode opcode, uint32_t arg, Number *value) {
     *value = {};
     return kx_dpa_get(opcode, arg, value) == KXDPA_STATUS_SUCCESS;
 }
 
-// The same for the requests whose buffer is sent as well.
+// The same for the requests that also send the buffer.
 template <typename Number> bool ask_with_input(kxdpa_opcode opcode, Number *value) {
     *value = {};
     return kx_dpa_exchange(opcode, 0, value) == KXDPA_STATUS_SUCCESS;
@@ -98,7 +98,7 @@ void print_names() {
     if (ask_text(KXDPA_OP_CARD_NAME, &reply)) {
         kx_print("Card name: %.*s\n", static_cast<int>(TEXT_SIZE), reply.text);
     }
-    // Deliberately with the capacity that the request before has left.
+    // Deliberately with the capacity that the previous request left.
     if (ask_text(KXDPA_OP_SWITCH_NAME, &reply)) {
         kx_print("Switch name: %.*s\n", static_cast<int>(TEXT_SIZE), reply.text);
     }
@@ -171,7 +171,7 @@ void print_macs() {
 void print_addresses() {
     char text[sizeof "0000:0000:0000:0000:0000:0000:0000:0000"];
     uint32_t ipv4 = 0;
-    // The host's own address: shown, and told to the DPA, whatever the DPA says to it.
+    // The host's own address: shown, and sent to the DPA, whatever the DPA answers.
     if (kx_dpa_platform_get_management_ip(&ipv4) == 0) {
         snprintf_ip_address(text, sizeof text, ipv4);
         kx_print("Management IPv4 address: %s\n", text);
@@ -246,7 +246,7 @@ void print_forwarding() {
     if (ask_with_input(KXDPA_OP_GLOBAL_UUFB, &state)) {
         kx_print("Global UUFB: %s\n", state != 0 ? "ENABLED" : "DISABLED");
     }
-    // Asked a second time, and deliberately true for exactly 1 only.
+    // Deliberately asked a second time, and true for exactly 1 only.
     if (ask(KXDPA_OP_HEARTBEAT, 0, &state)) {
         kx_print("Heartbeat Set: %s\n", state == 1 ? "True" : "False");
     }

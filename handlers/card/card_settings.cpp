@@ -1,5 +1,5 @@
-// "card ...": the card's identity and management addresses. A refused setting is silent; what was
-// set shows in the traces only.
+// "card ...": the card's identity and management addresses. Nothing reports a refused setting; only
+// the traces show what was set.
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"

@@ -6,7 +6,7 @@
 namespace {
 
 void print_heap(const kx_heap_record &heap) {
-    // The last three columns stand in the record the other way round.
+    // The record has the last three columns in the opposite order.
     kx_print("%15s %6llu %9llu %6llu %9llu %8llu %8llu %8llu\n", kx_field_text(heap.name).text,
              heap.objects, heap.bytes, heap.denied, heap.denied_bytes, heap.minimum, heap.maximum,
              heap.largest_object);

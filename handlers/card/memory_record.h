@@ -1,4 +1,4 @@
-// The DPA's memory accounting: its heaps and its pools, each a list that is walked by name.
+// The DPA's memory accounting: its heaps and its pools. Each is a list that is walked by name.
 #ifndef HANDLERS_CARD_MEMORY_RECORD_H
 #define HANDLERS_CARD_MEMORY_RECORD_H
 
@@ -11,8 +11,8 @@
 
 constexpr size_t KX_MEMORY_NAME_SIZE = 16;
 
-// Buffer of KXDPA_OP_NEXT_HEAP: the name of a heap on the way in, the heap after it on the way
-// out.
+// Buffer of KXDPA_OP_NEXT_HEAP: the request sends the name of a heap, the reply is the heap after
+// it.
 struct kx_heap_record {
     uint64_t objects;               // allocated
     uint64_t bytes;                 // allocated
@@ -68,13 +68,13 @@ static_assert(offsetof(kx_memory_pool_record, low_water_mark) == 64);
 static_assert(offsetof(kx_memory_pool_record, high_water_mark) == 72);
 static_assert(offsetof(kx_memory_pool_record, name) == 80);
 
-// A walk over heaps or pools: the one that it has come to, all zero to start.
+// A walk over heaps or pools: the current one, all zero to start.
 template <typename Record> struct kx_name_walk {
     Record at{};
     uint32_t requests = 0;
 };
 
-// Step to the next heap or pool. Nothing but the name is sent. False at the end of the walk.
+// Step to the next heap or pool. Only the name is sent. False at the end of the walk.
 template <typename Record> bool kx_next_by_name(kxdpa_opcode opcode, kx_name_walk<Record> *walk) {
     Record next{};
     memcpy(next.name, walk->at.name, sizeof next.name);

@@ -1,7 +1,7 @@
 // "set port-mode {trunk|access} [native-vlan <vlan>] ltl <ltl-num>"
 //
-// The words are read by their places: the mode, then a keyword and its value, twice at most. Only
-// the beginnings of the mode and of the keywords are compared, with case.
+// The words are read by position: the mode, then a keyword and its value, at most twice. Only the
+// beginnings of the mode and of the keywords are compared, and case matters.
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
@@ -14,12 +14,12 @@ namespace {
 
 constexpr const char *HANDLER = "kestrel_cmd_set_port_mode_and_native_vlan";
 
-// Ports that the command takes: the external ones and the port channels.
+// The ports that the command accepts: the external ones and the port channels.
 constexpr uint32_t FIRST_LTL = 18;
 constexpr uint32_t LAST_LTL = 1047;
 
-// What a word may take, its NUL included. A longer word is cut before it is looked at, deliberately
-// also a number: "10470" is LTL 1047.
+// Bytes of a word, its NUL included. Deliberately, a longer word is cut before it is read, even a
+// number: "10470" is LTL 1047.
 constexpr size_t MODE_SIZE = 10;
 constexpr size_t KEYWORD_SIZE = 12;
 constexpr size_t VALUE_SIZE = 5;
@@ -29,11 +29,11 @@ constexpr uint32_t NOT_GIVEN = UINT32_MAX; // of the fields of a request that is
 struct port_mode_words {
     kx_port_mode_request request = {NOT_GIVEN, NOT_GIVEN};
     uint32_t ltl = 0;      // 0 for none
-    bool saw_vlan = false; // the keyword, its value comes next
+    bool saw_vlan = false; // the keyword was read, its value comes next
     bool saw_ltl = false;  // likewise
 };
 
-// The readers of a word return false after the message for a wrong one.
+// The readers of a word return false after a message when the word is wrong.
 
 bool read_mode(const char *text, port_mode_words *words) {
     char word[MODE_SIZE];
@@ -92,7 +92,7 @@ bool read_value(const char *text, port_mode_words *words) {
         }
         words->request.native_vlan = value;
     } else {
-        // Deliberately the one complaint that does not end the command.
+        // Deliberate: only this complaint does not end the command.
         kx_print_stamped("Unknown argument: %s\n", word);
     }
     return true;
@@ -131,7 +131,7 @@ bool read_words(const char *arg, port_mode_words *words) {
     return true;
 }
 
-// What the words leave open: the LTL is needed, and an access port needs its VLAN.
+// Check what is missing: the LTL is required, and an access port needs its VLAN.
 bool complete(port_mode_words *words) {
     if (words->ltl == 0) {
         kx_print_stamped("You need to specify an LTL.\n");

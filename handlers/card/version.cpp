@@ -21,7 +21,7 @@ bool ask_version(kx_version_of part, version_text *version) {
 void print_sdk_version() {
     char version[KX_SDK_VERSION_CAPACITY] = {};
     uint32_t capacity = sizeof version;
-    // Deliberately printed whatever the status: without an answer the version is empty.
+    // Deliberately printed whatever the status is: without an answer the version is empty.
     kx_dpa_get_variable(KXDPA_OP_OPFLEX_SDK_VERSION, 0, version, &capacity);
     kx_print("OpFlex SDK Version: %s\n", kx_field_text(version).text);
 }
@@ -45,8 +45,8 @@ int kx_card_version(const char *) {
     if (kx_dpa_get(KXDPA_OP_GET_UPDATE_LEVEL, 0, &update_level) == KXDPA_STATUS_SUCCESS) {
         kx_print("ESX Version Update Level: %d\n", update_level);
     }
-    // The DPA gets its own 8 bytes back as they were read. When they could not be, deliberately, it
-    // gets zeros, or what a refusing driver left.
+    // The DPA gets its own 8 bytes back as they were read. Deliberately, when the read failed it
+    // gets zeros, or whatever the refusing driver wrote.
     uint64_t version_word = 0;
     kx_dpa_get(KXDPA_OP_GET_VERSION_WORD, 0, &version_word);
     kx_dpa_set(KXDPA_OP_SET_VERSION_WORD, 0, &version_word);

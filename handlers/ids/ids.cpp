@@ -7,7 +7,8 @@ namespace {
 // Argument of KXDPA_OP_SCHEDULER_CONTROL: switch the intrusion detection.
 constexpr uint32_t SET_IDS = 12;
 
-// Buffer of that request. Assumed: the switch is the first word, the reply goes into the second.
+// Buffer of that request. Assumed: the first word is the switch, and the reply goes into the second
+// word.
 struct ids_switch {
     uint32_t enabled; // 1 or 0
     uint32_t reserved4;

@@ -12,7 +12,7 @@ int kx_set_iscsi_pinning(const char *arg) {
         !kx_read_setting_number(setting.words[1], UINT16_MAX, &vmnic_ltl)) {
         return kx_refuse_setting("set iscsi pinning <vmk-ltl> <vmnic-ltl>");
     }
-    // The state is asked for but does not matter: a manual pinning overrides whatever there is.
+    // The answer does not matter: a manual pinning overrides any state.
     uint32_t state = 0;
     kx_dpa_get(KXDPA_OP_ISCSI_PINNING_STATE, 0, &state);
     const kx_iscsi_pinning pinning = {

@@ -7,8 +7,8 @@
 // Print whether LACP is offloaded to the host, and without offload the uplinks that carry it.
 void kx_show_lacp_offload_state();
 
-// Print the uplink's offload state, or without offload its PDU cache; nothing when the cache cannot
-// be read. Returns 0.
+// Print the uplink's offload state, or its PDU cache when there is no offload. Prints nothing when
+// the cache cannot be read. Returns 0.
 int kx_show_lacp_ltl(uint32_t ltl);
 
 // Print one side of a PDU as three lines.

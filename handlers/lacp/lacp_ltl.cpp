@@ -34,7 +34,7 @@ bool is_offloaded() {
            offload == KX_LACP_OFFLOAD_ENABLED;
 }
 
-// The status does not count, deliberately: what the driver leaves alone is 0.
+// Deliberate: the status does not count. What the driver does not write is 0.
 uint32_t get_or_zero(kxdpa_opcode opcode, uint32_t ltl) {
     uint32_t value = 0;
     kx_dpa_get(opcode, ltl, &value);

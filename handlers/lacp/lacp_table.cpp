@@ -7,7 +7,7 @@
 
 namespace {
 
-// The two commands differ in what they print, not in how they walk and page.
+// The two commands print different things, but they walk and page in the same way.
 struct lacp_view {
     int (*show_ltl)(uint32_t ltl);
     void (*show_global)(); // nullptr for none

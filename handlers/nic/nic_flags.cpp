@@ -1,4 +1,4 @@
-// The flags of a physical NIC that name it by its vmnic: iSCSI hardware capability, and Mirra.
+// The flags of a physical NIC that are set by its vmnic name: iSCSI hardware capability, and Mirra.
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
@@ -9,12 +9,12 @@
 
 namespace {
 
-// Capacity that a NIC's name is sent with, in bytes. Assumed to be that of the name in the port
-// record; the name and its NUL fit in.
+// Capacity with which a NIC's name is sent, in bytes. Assumed to be that of the name in the port
+// record; the name and its NUL fit.
 constexpr uint32_t NIC_NAME_CAPACITY = 64;
 
-// "vmnic" and its number. The row "set iscsi nic" also gets every unknown set command, and a typing
-// error must not become a setting.
+// "vmnic" and its number. The row "set iscsi nic" also matches every unknown set command, and a
+// typing error must not become a setting.
 bool is_nic_name(const char *word) {
     constexpr const char *PREFIX = "vmnic";
     if (!kx_begins_with(word, PREFIX)) {

@@ -50,8 +50,8 @@ void print_vlan_heading(uint32_t index, const kx_bd_record &bd, int32_t port_cou
              port_count, kx_field_text(bd.name).text);
 }
 
-// Step to the VLAN's next IPv4 multicast group; start from 0. False at the end, which an answered
-// group of 0 is as well.
+// Step to the VLAN's next IPv4 multicast group; start from 0. False at the end, also when the
+// driver answers group 0.
 bool next_group(uint32_t vlan, kx_walk *walk) {
     uint32_t group = walk->at;
     if (!kx_may_ask(walk) ||
@@ -64,7 +64,7 @@ bool next_group(uint32_t vlan, kx_walk *walk) {
 }
 
 // Walk the multicast groups of a VLAN. Their tables belong to the multicast display, which this
-// tool does not have: the groups are asked for and traced, and nothing is printed.
+// tool does not have. So the groups are asked for and traced, and nothing is printed.
 void walk_groups(uint32_t vlan) {
     for (kx_walk walk{0}; next_group(vlan, &walk);) {
         kx_has_unbuilt_groups = true;
@@ -76,8 +76,8 @@ bool print_listed_bd(uint32_t index) {
     return true;
 }
 
-// A leaf of the overlay policy controller lists its bridge domains through a printer of the overlay
-// displays, whose layout is not known: this one prints what every other host prints.
+// On a leaf of the overlay policy controller, an overlay display prints the bridge domains. Its
+// layout is not known, so this one prints what it prints on every other host.
 bool print_listed_leaf_bd(uint32_t index) {
     return print_listed_bd(index);
 }

@@ -20,7 +20,7 @@ enum kx_segment_feature : uint8_t {
     KX_SEGMENT_LOCAL_ARP = 0x02,
 };
 
-// The virtual device context that lookups by VLAN ask in.
+// The virtual device context in which VLANs are looked up.
 constexpr uint16_t KX_BD_LOOKUP_VDC = 1;
 
 // Reply of KXDPA_OP_BD_RECORD; key and reply of the lookups by VLAN, name and segment.

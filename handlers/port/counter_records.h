@@ -54,8 +54,8 @@ struct kx_stage_drops {
     uint32_t drops;
 };
 
-// Reply of KXDPA_OP_DROP_COUNTERS. That KXDPA_OP_MULTICAST_DROPS and KXDPA_OP_FLOOD_DROPS reply
-// with the same record is an assumption of this tool.
+// Reply of KXDPA_OP_DROP_COUNTERS. Assumed: KXDPA_OP_MULTICAST_DROPS and KXDPA_OP_FLOOD_DROPS reply
+// with the same record.
 struct kx_drop_counters {
     uint8_t head[4];
     kx_stage_drops stages[KX_STAGES];

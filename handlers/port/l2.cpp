@@ -22,7 +22,7 @@ constexpr int BDS_OF_A_PAGE = 2;
 
 constexpr size_t REMOTE_IP_SIZE = 20;
 
-// The letters of the flags column are padded to this; the PVLAN stands after them.
+// The letters of the flags column are padded to this width; the PVLAN follows them.
 constexpr size_t FLAGS_WIDTH = 10;
 
 struct l2_limits {
@@ -39,7 +39,7 @@ bool get_limits(uint32_t index, l2_limits *limits) {
            kx_dpa_get(KXDPA_OP_L2_AGING_TIME, index, &limits->aging_time) == KXDPA_STATUS_SUCCESS;
 }
 
-// A walk over a table's entries by their MAC addresses.
+// A walk over a table's entries, by MAC address.
 struct entry_walk {
     uint8_t at[KX_MAC_SIZE] = {}; // all zero to start
     uint32_t requests = 0;
@@ -114,7 +114,7 @@ void print_row(const kx_bd_record &bd, const kx_l2_entry &entry, int32_t aging_t
     }
     kx_print("    %7.7s   %s %5d %9d   %10s   %15s", kx_l2_type(entry.flags), mac, entry.ltl, age,
              kx_l2_flags(entry).text, remote_ip);
-    // Deliberate: a natively carried segment has no DSN in its header, but in its rows.
+    // Deliberate: the rows of a natively carried segment have a DSN, but the header has none.
     if (is_segment(bd)) {
         kx_print("   %3d ", entry.dsn);
     }
@@ -142,7 +142,7 @@ void print_entries(uint32_t index, const kx_bd_record &bd, int32_t aging_time) {
     }
 }
 
-// Deliberate: the dump takes 16 bits of the index, which all bridge domains of a DPA fit.
+// Deliberate: the dump uses 16 bits of the index. All indexes of a DPA fit into 16 bits.
 void dump_bd(uint32_t index) {
     kx_l2_table_dump(static_cast<uint16_t>(index), KX_BD_BY_INDEX);
 }

@@ -15,8 +15,8 @@ enum kx_l2_flag : uint8_t {
     KX_L2_SOFTWARE = 0x40, // installed by software
 };
 
-// Reply of KXDPA_OP_NEXT_L2_ENTRY, whose key is the MAC address before it. The times are in the
-// DPA's own unit.
+// Reply of KXDPA_OP_NEXT_L2_ENTRY; its key is the previous MAC address. The times are in the DPA's
+// own unit.
 struct kx_l2_entry {
     uint32_t ltl;       // the port that the address was learnt on
     uint32_t pvlan;     // private VLAN, meaningful with KX_L2_PVLAN
@@ -67,8 +67,8 @@ static_assert(offsetof(kx_l2_aging_statistics, aged) == 4);
 static_assert(offsetof(kx_l2_aging_statistics, rejected) == 20);
 
 // Buffer of KXDPA_OP_L2_SLOTS, asked with the slot number: one step of the walk over a slot's
-// entries. The driver's layout is not known; all three words and the step itself are an assumption
-// of this tool, only the entry is the driver's.
+// entries. The driver's layout is not known. Only the entry is the driver's; the three words and
+// the step itself are an assumption of this tool.
 struct kx_l2_slot_step {
     uint32_t slot_count; // out: slots of the table
     uint32_t bd_index;   // bridge domain; in: of the entry before, 0 to start; out: 0 at the end
@@ -80,11 +80,12 @@ static_assert(offsetof(kx_l2_slot_step, slot_count) == 0);
 static_assert(offsetof(kx_l2_slot_step, bd_index) == 4);
 static_assert(offsetof(kx_l2_slot_step, entry) == 8);
 
-// The most slots that are walked, whatever the driver claims; as much an assumption.
+// The largest number of slots that the tool walks, whatever the driver answers. It is also an
+// assumption.
 constexpr uint32_t KX_L2_SLOTS_LIMIT = 4096;
 
 // One record of the get-mac table. The driver's layout is not known: the fields are the columns
-// that the view prints, their order is an assumption of this tool.
+// that the view prints, and their order is an assumption of this tool.
 struct kx_get_mac_entry {
     uint32_t bd_index;
     uint8_t mac[KX_MAC_SIZE];

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The bridge domain that the entries at hand belong to.
+// The bridge domain of the current entries.
 struct slot_bd {
     uint32_t index = 0;
     bool known = false; // its aging time and its record could be read
@@ -29,8 +29,8 @@ bool is_same_entry(const kx_l2_slot_step &a, const kx_l2_slot_step &b) {
     return a.bd_index == b.bd_index && memcmp(a.entry.mac, b.entry.mac, sizeof a.entry.mac) == 0;
 }
 
-// Step to the slot's next entry, whose bridge domain is 0 at the end of the slot. False at the end
-// of the walk.
+// Step to the slot's next entry. Its bridge domain is 0 at the end of the slot. False at the end of
+// the walk.
 bool next_in_slot(uint32_t slot, slot_walk *walk) {
     const kx_l2_slot_step asked = walk->at;
     if (!kx_may_ask(&walk->requests) ||
@@ -72,8 +72,8 @@ void print_row(const slot_bd &bd, const kx_l2_entry &entry) {
              entry.ltl, age, kx_l2_flags(entry).text);
 }
 
-// Print the rows of a slot from the entry that the walk has come to, with a header wherever
-// segments follow VLANs or VLANs segments. False at the end of the walk.
+// Print the rows of a slot from the current entry on, with a header wherever VLANs change to
+// segments or segments to VLANs. False at the end of the walk.
 bool print_slot(uint32_t slot, slot_walk *walk) {
     const kx_l2_slot_step &step = walk->at;
     kx_print("\nL2 Table Slot::%d\n", slot);

@@ -1,4 +1,4 @@
-// "show ltl range": how the LTL numbers are shared out. Nothing is asked of the DPA.
+// "show ltl range": the ranges of the LTL numbers. The DPA is not asked.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/paging.h"

@@ -73,8 +73,8 @@ port_state whole_port_state(const kx_port_record &record, bool leaf_mode) {
                                : kx_get_errdis_event_short_str(record.errdis_event)};
 }
 
-// True when the port forwards on some VLAN, as far as the walk looks: a port whose forwarding byte
-// is clear is settled by the first bridge domain after which something forwards.
+// True when the port forwards on some VLAN, as far as the walk looks. When the port's forwarding
+// byte is clear, the walk stops at the first VLAN after which the answer is yes.
 bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &record,
                         int vlan_count) {
     const bool stop_at_first = record.forwarding == 0;
@@ -89,16 +89,16 @@ bool forwards_somewhere(uint32_t ltl, kx_port_view view, const kx_port_record &r
     return forwards;
 }
 
-// The state of a port that forwards per VLAN, which has `vlan_count` VLANs configured. A partly
-// blocked one makes the footnote due.
+// The state of a port that forwards per VLAN and has `vlan_count` VLANs configured. A partly
+// blocked port needs the footnote.
 const char *vlan_port_state(uint32_t ltl, kx_port_view view, const kx_port_record &record,
                             bool leaf_mode, int vlan_count, bool *footnote_due) {
     const int64_t expected_count = kx_get_usable_vlan_count();
     const bool forwards = forwards_somewhere(ltl, view, record, vlan_count);
     if (leaf_mode && (record.port_mode == KX_PORT_MODE_SUB_GROUP_A ||
                       record.port_mode == KX_PORT_MODE_LEAF_VLANS)) {
-        // Deliberate: the flag belongs to the whole walk, so such a port also takes back a footnote
-        // that an earlier row made due.
+        // Deliberate: the flag belongs to the whole walk, so such a port also cancels a footnote
+        // that an earlier row needed.
         *footnote_due = false;
         return vlan_count != 0 ? FORWARDING : BLOCKED;
     }
@@ -112,7 +112,7 @@ const char *vlan_port_state(uint32_t ltl, kx_port_view view, const kx_port_recor
     return PARTLY_BLOCKED;
 }
 
-// Deliberate: the column is eight wide and its text seven long, so "L3VNSERVICE" is always cut.
+// Deliberate: the column is eight wide, but its text seven long, so "L3VNSERVICE" is always cut.
 const char *port_type(const kx_port_record &record) {
     if (record.vxlan != 0) {
         return "VXLAN";

@@ -1,4 +1,4 @@
-// The port channels: LTLs 1040 to 1047, each with the physical ports that are bundled in it.
+// The port channels: LTLs 1040 to 1047, each with the physical ports that are its members.
 #ifndef HANDLERS_PORT_PORT_CHANNEL_RECORD_H
 #define HANDLERS_PORT_PORT_CHANNEL_RECORD_H
 
@@ -25,8 +25,8 @@ static_assert(sizeof(kx_port_channel_member) == 8);
 static_assert(offsetof(kx_port_channel_member, ltl) == 0);
 static_assert(offsetof(kx_port_channel_member, sub_group) == 4);
 
-// Reply of KXDPA_OP_PORT_CHANNEL_RECORD, asked with the LTL of the port channel; fails for one that
-// is not in use. Every word and the size are an assumption of this tool.
+// Reply of KXDPA_OP_PORT_CHANNEL_RECORD, asked with the LTL of the port channel. The request fails
+// for a port channel that is not in use. Every word and the size are an assumption of this tool.
 struct kx_port_channel_record {
     uint32_t channel;              // number of the port channel on the switch
     uint32_t designated_sub_group; // larger than KX_SUB_GROUP_LAST for none

@@ -15,7 +15,7 @@
 
 namespace {
 
-// A column is 15 wide and a blank follows it; it is begun only when that much room is left.
+// A column is 15 wide and followed by a blank; it is begun only when there is room for both.
 constexpr size_t CELL_LENGTH = 16;
 
 constexpr uint32_t CLEAR_DROPS = 11; // selector of KXDPA_OP_SCHEDULER_CONTROL
@@ -34,7 +34,7 @@ struct drops_text {
     char text[KX_DROPS_TEXT_SIZE];
 };
 
-// What snprintf really wrote into `room` bytes.
+// The number of characters that snprintf really wrote into `room` bytes.
 size_t written(int result, size_t room) {
     const auto length = static_cast<size_t>(result < 0 ? 0 : result);
     return length < room ? length : room - 1;
@@ -62,7 +62,7 @@ bool get_stage(uint32_t index, kx_stage_descriptor *stage) {
     return kx_dpa_get(KXDPA_OP_STAGE_DESCRIPTOR, index, stage) == KXDPA_STATUS_SUCCESS;
 }
 
-// Ask for a drop counter record, cleared before.
+// Clear a drop counter record and ask for it.
 bool get_drops(kxdpa_opcode opcode, uint32_t arg, kx_drop_counters *counters) {
     *counters = {};
     return kx_dpa_get(opcode, arg, counters) == KXDPA_STATUS_SUCCESS;
@@ -107,8 +107,8 @@ void print_labelled_row(const char *label, kxdpa_opcode opcode, const direction 
 }
 
 // Print the internal LTLs from `*ltl` on. True when the page ends with one of them. Deliberate: an
-// LTL whose counters cannot be read is asked for again until they can, or until the walk over the
-// internal LTLs has made as many requests as any walk may; the ports follow then.
+// LTL whose counters cannot be read is asked for again until they can. After as many requests as
+// any walk may make, the internal rows end and the ports follow.
 bool print_internal_rows(uint32_t *ltl, const direction &shown) {
     for (uint32_t requests = 0; kx_is_internal_ltl(*ltl);) {
         if (!kx_may_ask(&requests)) {
@@ -160,8 +160,9 @@ bool print_drops_table(const char *arg, const direction &shown) {
             ltl = 0;
         }
     }
-    // Internal rows hand back the LTL to go on with, the others the one just printed. The walk
-    // after the internal rows starts after LTL 18, not at it; both are the contract.
+    // The cookie of an internal row is the LTL to go on with; that of any other row is the LTL just
+    // printed. After the internal rows the walk starts after LTL 18, not at it. Both are the
+    // contract.
     if ((internal && print_internal_rows(&ltl, shown)) || print_port_rows(&ltl, internal, shown)) {
         kx_end_page(ltl);
         return false;
@@ -199,7 +200,8 @@ int print_drops_of_ltl(const char *arg, uint32_t first_stage, uint32_t end_stage
     return 0;
 }
 
-// A stage's number has 8 bits; a driver that always has one more is not followed beyond them.
+// A stage's number has 8 bits. The walk ends there, even when a driver always answers one more
+// stage.
 constexpr uint32_t STAGES_LIMIT = 256;
 
 } // namespace

@@ -4,7 +4,7 @@
 
 #include "handlers/port/counter_records.h"
 
-// Bytes of the text of one row's counters, or of the column titles, its NUL included.
+// Bytes of the text of one row's counters or of the column titles, with its NUL.
 constexpr size_t KX_DROPS_TEXT_SIZE = 512;
 
 // Format one cell, "%15u" and a blank, for each used entry of the ingress (egress) stages into

@@ -1,4 +1,4 @@
-// "show port-old": the port table as it once was, with the private VLANs of each port.
+// "show port-old": the earlier form of the port table, with the private VLANs of each port.
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
 #include "handlers/port/shared/port_pvlan.h"
@@ -16,7 +16,7 @@ const char *port_type(uint32_t ltl, const kx_port_record &record) {
     return record.vlan_mode == KX_VLAN_MODE ? "Trunk" : "Access";
 }
 
-// An empty entry, which is a port channel that is not in use, has no link.
+// An empty entry is a port channel that is not in use; it has no link.
 const char *link_state(const kx_port_record &record) {
     return kx_port_is_empty(record) ? "NONE" : kx_up_or_down(record.link_state);
 }
@@ -25,7 +25,7 @@ struct segment_text {
     char text[12];
 };
 
-// The column has room for a VLAN too, which no known word of the record gives.
+// The column has room for a VLAN, too, but no known word of the record holds it.
 segment_text segment(const kx_port_record &record) {
     segment_text column{};
     if (record.segment_id != 0) {

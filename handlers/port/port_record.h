@@ -13,7 +13,7 @@ constexpr uint32_t KX_LTL_FIRST_EXTERNAL = 18;
 constexpr uint32_t KX_LTL_FIRST_PORT_CHANNEL = 1040;
 constexpr uint32_t KX_LTL_LAST_PORT_CHANNEL = 1047;
 
-// Who answers for a port: the request's argument carries the view above the 24-bit LTL.
+// Whose view of a port: the request's argument carries the view above the 24-bit LTL.
 enum kx_port_view : uint32_t {
     KX_VIEW_KRT = 0,
     KX_VIEW_SYSTEM = 1,

@@ -65,7 +65,7 @@ void print_row(uint32_t ltl, const kx_port_record &record, kx_port_view view) {
     kx_print("%5u   %8s  %4s  %7s  %5s  %5s\n", ltl, kx_get_port_name(ltl, record).text,
              mode_mark(record, pvlan.role), secure, format_vlan(pvlan.primary).text,
              format_vlan(pvlan.secondary).text);
-    // The other private VLANs of the port stand under the columns of the first.
+    // The other private VLANs of the port are printed under the columns of the first.
     while (more && kx_next_pvlan(ltl, view, &bds, &pvlan)) {
         kx_print("%38s  %5s\n", format_vlan(pvlan.primary).text, format_vlan(pvlan.secondary).text);
     }

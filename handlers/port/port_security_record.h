@@ -12,8 +12,8 @@ enum kx_secure_learning : uint8_t {
     KX_SECURE_NEVER_AGES = 0x10,      // they stay, whatever the other flags say
 };
 
-// Reply of KXDPA_OP_PORT_SECURITY, asked with the LTL. What the driver keeps in front of the flags
-// is not known to this tool and not read.
+// Reply of KXDPA_OP_PORT_SECURITY, asked with the LTL. The bytes before the flags are not known to
+// this tool and not read.
 struct kx_port_security_record {
     uint8_t reserved0[80];
     uint8_t learning; // kx_secure_learning flags of a port that learns securely

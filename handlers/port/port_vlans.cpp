@@ -1,4 +1,5 @@
-// "show port vlans": the VLANs of each port, those it forwards on and those it is blocked on.
+// "show port vlans": the VLANs of each port: those on which it forwards and those on which it is
+// blocked.
 #include "handlers/port/shared/port_vlans.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
@@ -9,12 +10,12 @@
 
 namespace {
 
-// Split the configured VLANs of a port: `blocked` holds all of them before, and `forwarding` the
-// VLANs on which the port forwards after.
+// Split the configured VLANs of a port. On entry `blocked` holds all of them; afterwards
+// `forwarding` holds the VLANs on which the port forwards, and `blocked` the rest.
 using split_vlans = void (*)(uint32_t ltl, kx_port_view view, const kx_port_record &record,
                              bmp4096 *blocked, bmp4096 *forwarding);
 
-// A port outside VLAN mode is in one state on all its VLANs.
+// A port outside VLAN mode has one state on all its VLANs.
 void split_whole(bool forwards, bmp4096 *blocked, bmp4096 *forwarding) {
     if (forwards) {
         bitset_copy(forwarding, blocked);
@@ -37,7 +38,7 @@ void split_classic(uint32_t ltl, kx_port_view view, const kx_port_record &record
     bitset_subtract(blocked, forwarding);
 }
 
-// In leaf mode a VLAN port that carries uplink traffic forwards on whatever is configured.
+// In leaf mode a VLAN port that carries uplink traffic forwards on all configured VLANs.
 void split_opflex(uint32_t ltl, kx_port_view view, const kx_port_record &record, bmp4096 *blocked,
                   bmp4096 *forwarding) {
     const bool all_forward =

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Deliberate: one more than the largest 24-bit segment ID is accepted.
+// Deliberate: one more than the largest 24-bit segment ID is accepted, too.
 constexpr uint32_t LAST_SEGMENT_ID = 0x1000000;
 
 bool print_listed_segment(uint32_t index) {

@@ -20,7 +20,7 @@ bool has_no_traffic(const kx_port_statistics &counters) {
            counters.transmit_drops == 0 && counters.transmit_floods == 0;
 }
 
-// Counters are printed signed, as their column always was.
+// Deliberate: counters are printed signed.
 long long counter(uint64_t value) {
     return static_cast<long long>(value);
 }
@@ -55,7 +55,7 @@ int kx_porttable_print_stats(const char *arg) {
         if (answered) {
             print_row(walk.at, counters);
         }
-        // An LTL whose counters cannot be read has no row but takes its place on the page.
+        // An LTL whose counters cannot be read has no row, but it counts as the entry of a page.
         ++counted;
         if (kx_is_agent_driven() && counted == LTLS_PER_PAGE) {
             kx_end_page(walk.at);

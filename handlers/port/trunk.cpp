@@ -7,7 +7,7 @@
 
 namespace {
 
-// The port record has no known word for the native VLAN; 0 is no VLAN.
+// No known word of the port record holds the native VLAN; 0 is not a VLAN.
 constexpr int NATIVE_VLAN_UNKNOWN = 0;
 
 } // namespace

@@ -1,4 +1,4 @@
-// "show vlan": the VLANs, each as the bridge domain that carries it.
+// "show vlan": the VLANs, each with its bridge domain.
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/output_sink.h"
@@ -8,8 +8,8 @@
 
 namespace {
 
-// Step to the next VLAN that exists; start from 0. False at the end of the walk, which an answered
-// VLAN of 0 is as well.
+// Step to the next VLAN that exists; start from 0. False at the end of the walk, also when the
+// driver answers VLAN 0.
 bool next_vlan(kx_walk *walk) {
     uint32_t vlan = walk->at;
     return kx_may_ask(walk) &&

@@ -18,14 +18,15 @@ std::string plain(const std::string &text) {
     return safe.starts_with('.') || safe.starts_with('\'') ? "\\&" + safe : safe;
 }
 
-// Over lines of at most 78 columns.
+// Over lines of at most 78 columns, a sentence on lines of its own.
 std::string wrapped(const std::string &text) {
     constexpr size_t WIDTH = 78;
     std::string lines;
     std::string line;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        if (!line.empty() && line.size() + 1 + word.size() > WIDTH) {
+        const bool is_full = line.size() + 1 + word.size() > WIDTH;
+        if (!line.empty() && (is_full || line.ends_with('.'))) {
             lines += plain(line) + "\n";
             line.clear();
         }
@@ -80,7 +81,15 @@ std::string section_page(const key_section &section) {
 } // namespace
 
 std::string reference_mdoc() {
-    std::string text;
+    std::string text = ".Bl -tag -width Ds\n";
+    for (const value_form &form : value_forms()) {
+        text += std::string(".It ") + form.type + "\n" + wrapped(form.text);
+    }
+    text += ".El\n";
+    for (const char *rule : form_rules()) {
+        text += ".Pp\n" + wrapped(rule);
+    }
+    text += ".Sh KEYS\n";
     for (const key_section &section : all_sections()) {
         text += section_page(section);
     }

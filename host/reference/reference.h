@@ -4,14 +4,24 @@
 
 #include "host/key.h"
 
-#include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
 std::string reference_markdown();
 std::string reference_schema(); // JSON Schema 2020-12
-std::string reference_mdoc();   // sections of a manual page
+std::string reference_mdoc();   // of a manual page: the forms of values, and the section KEYS
 std::string reference_keys();   // one path a line, such as "ports[].link"
+
+// How a type of value stands in a file, with literals in backquotes.
+struct value_form {
+    const char *type;
+    const char *text;
+};
+
+std::span<const value_form> value_forms();
+// What is true of all values and of a file as a whole: a paragraph each, likewise.
+std::span<const char *const> form_rules();
 
 // What the documents tell of a key.
 struct key_entry {

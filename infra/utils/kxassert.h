@@ -1,7 +1,7 @@
 // Failed preconditions of the libraries.
 //
-// A library function that is called wrongly says so in one line and does nothing: a diagnostic
-// must not take down the host process that it runs in.
+// A library function that is called wrongly prints one line and does nothing: a diagnostic must not
+// end the host process in which it runs.
 #ifndef INFRA_UTILS_KXASSERT_H
 #define INFRA_UTILS_KXASSERT_H
 

@@ -31,7 +31,7 @@ uint8_t bit_mask(int32_t bit) {
     return static_cast<uint8_t>(0x80 >> bit % 8);
 }
 
-// The bits of one word, bit 0 of the word at the top.
+// The bits of one word; the first of them is the top bit.
 uint32_t word_at(const bitset *b, uint32_t index) {
     uint32_t word = 0;
     memcpy(&word, bits_of(b) + index * sizeof word, sizeof word);
@@ -66,7 +66,7 @@ bool are_alike(const bitset *b, const bitset *b1, const bitset *mask, const char
            kx_assert(b1->size == mask->size, function, "b1->size == mask->size");
 }
 
-// The lowest bit from bNo on in the words of the set, each combined with `flip` by exclusive or.
+// The lowest bit from bNo on, in the words of the set after an exclusive or with `flip`.
 int32_t search(const bitset *b, int32_t bNo, uint32_t flip, const char *function) {
     if (!exists(b, function) || !kx_assert(bNo >= 0, function, "bNo >= 0") ||
         !is_aligned(b, function)) {
@@ -84,7 +84,7 @@ int32_t search(const bitset *b, int32_t bNo, uint32_t flip, const char *function
     return NO_BIT;
 }
 
-// The bit after bNo; after the largest number comes a negative one, which the search refuses.
+// The bit after bNo. After the largest number it is negative, which the search refuses.
 int32_t successor(int32_t bNo) {
     return static_cast<int32_t>(static_cast<uint32_t>(bNo) + 1);
 }
@@ -106,7 +106,7 @@ int next_range(const bitset *b, bitset_range *range, int32_t (*find)(const bitse
     }
     const bool at_start =
         range->lower == BITSET_RANGE_START.lower && range->upper == BITSET_RANGE_START.upper;
-    // The bit right after a run is known not to belong to the next one.
+    // The bit right after a run cannot belong to the next one.
     range->lower = find(b, at_start ? 0 : range->upper + 2);
     if (range->lower == NO_BIT || range->lower >= bits) {
         return -1;

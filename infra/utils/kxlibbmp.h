@@ -3,10 +3,10 @@
 // The record belongs to the caller, who sets `size` before the first use; nothing here allocates or
 // changes it. Bit n lives in byte n / 8 under the mask 0x80 >> n % 8.
 //
-// The searches, and with them the walks and lists, read whole 32-bit words: the record must lie on
-// a 4-byte boundary, and of a set whose size is not a multiple of 4 they never see the last bytes.
+// The searches, and so the walks and lists, read whole 32-bit words. So the record must lie on a
+// 4-byte boundary; when the size of a set is not a multiple of 4, they never see the last bytes.
 //
-// A failed precondition, a null record among them, is reported (kxassert.h) and the operation does
+// A failed precondition, also a null record, is reported (kxassert.h) and the operation does
 // nothing: predicates and counts then return 0 (bmp4096_bitcount -1), searches and walks -1. Bit
 // numbers are signed; -1 means that there is no such bit.
 #ifndef INFRA_UTILS_KXLIBBMP_H
@@ -111,15 +111,15 @@ int bitset_is_range_free(const bitset *b, const bitset_range *range);
 int bitset_next_range(const bitset *b, bitset_range *range);
 int bitset_next_free_range(const bitset *b, bitset_range *range);
 
-// To and from a plain byte array of `length` bytes whose bit 0 is the least significant bit of
-// byte 0. The longer side is cut, or filled up with clear bits.
+// To and from a plain byte array of `length` bytes, in which bit 0 is the least significant bit of
+// byte 0. What does not fit is cut; what is missing becomes clear bits.
 void bitset_to_bitarray(const bitset *b, uint8_t *array, uint32_t length);
 void bitset_from_bitarray(bitset *b, const uint8_t *array, uint32_t length);
 
-// Write as many items of the range list ("1-5,10,20-30") as fit into the buffer; start the list
-// with a non-zero `first`, go on with 0 until `done` comes back as 1. Items are never split, so a
-// buffer below 22 bytes may stop for good. Returns the characters written.
-// One listing at a time: the place where it stopped is kept here.
+// Write as many items of the range list ("1-5,10,20-30") as fit into the buffer. Start the list
+// with a non-zero `first`, then call with 0 until `done` is 1. Items are never split, so with a
+// buffer below 22 bytes the list may never go on. Returns the characters written.
+// One listing at a time: the place where it stopped is stored here.
 int bitset_snprintf(char *buffer, size_t size, const bitset *b, int first, int *done);
 
 // Write the whole range list. Returns the characters written. REQUIRES: a buffer that holds it.

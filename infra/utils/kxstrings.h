@@ -1,5 +1,4 @@
-// Text in and text out: the words of a command, the arguments of the handlers, the values they
-// print.
+// Reading the words and arguments of a command, and formatting the values that handlers print.
 //
 // All texts are NUL-terminated. White space is the C library's class in the C locale: blank, tab,
 // newline, vertical tab, form feed, carriage return.
@@ -13,7 +12,7 @@
 // --- Words ---
 
 // The word after the one at `word`: skips this word and the white space after it. NULL when the
-// text ends first, and for NULL or an empty text.
+// text ends before, and for NULL or an empty text.
 const char *kx_find_next_arg(const char *word);
 
 // Compare the word at `word`, which ends at a NUL, ";" or white space, with a whole keyword,
@@ -57,21 +56,21 @@ int kx_parse_ip_address(uint32_t *address, const char *text);
 // address and nothing else. The address is in network byte order.
 int kx_parse_ipv6_address(uint8_t address[16], const char *text);
 
-// Six groups of two hexadecimal digits joined by ":" or "-", or three groups of four joined by "."
-// or "-". White space may stand before them, white space and more words after them. The first byte
-// may be written with one digit when ":" follows it.
+// Six groups of two hexadecimal digits separated by ":" or "-", or three groups of four separated
+// by "." or "-". White space may come before them, and white space and more words after them. The
+// first byte may have one digit when ":" follows it.
 int kx_parse_mac_address(uint8_t mac[6], const char *text);
 
 // The LTL number of an argument list like "ltl 12" or "12". -1 for NULL or no words, 1 for "ltl"
-// alone, 0 when the last word that counts is no number.
+// alone, 0 when the last word that counts is not a number.
 int32_t kx_get_ltl_from_args(const char *text);
 
-// The same for a command that must not take a word for an LTL: false unless the result is a number
-// that stands in the text.
+// The same for a command for which a word must not count as an LTL: false unless the result is a
+// number that stands in the text.
 bool kx_get_typed_ltl(const char *text, uint32_t *ltl);
 
-// The paging cookie of an argument list: the number of the last word after a word that begins with
-// "cookie". -1 when there is none.
+// The paging cookie of an argument list: of the words after a word that begins with "cookie", the
+// number of the last one. -1 when there is none.
 int32_t kx_get_ltl_cookie_frm_args(const char *text);
 
 // --- Values ---
@@ -99,12 +98,13 @@ void kx_format_mac_address();
 // the buffer; NULL for NULL.
 char *kx_local_ctime(time_t seconds, char *buffer);
 
-// Print a text block of `length` bytes line by line under a title. LF, CR and NUL end a line, and
-// so does the 81st character, which is dropped. What follows the last line end is not printed.
+// Print a text block of `length` bytes line by line under a title. LF, CR and NUL end a line. The
+// 81st character of a line also ends it and is dropped. What follows the last line end is not
+// printed.
 void od_dump(const char *title, const uint8_t *bytes, int length);
 
-// Print the text after a record as one line under a title: from the first byte in 32..127 on, up
-// to a NUL and at most 84 bytes. Without such a byte the title stands alone.
+// Print the text after a record as one line under a title: from the first byte in 32..127 to a NUL,
+// at most 84 bytes. Without such a byte only the title is printed.
 void dump_extra_ascii(const char *title, const uint8_t *bytes, int length);
 
 // --- Enumerations ---

@@ -2,7 +2,7 @@
 
 namespace {
 
-// The text at `index`, or `otherwise` for an index without one.
+// The text at `index`, or `otherwise` when the index has none.
 template <size_t COUNT>
 const char *text_of(const char *const (&texts)[COUNT], uint32_t index, const char *otherwise) {
     return index < COUNT ? texts[index] : otherwise;

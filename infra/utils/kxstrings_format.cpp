@@ -20,7 +20,7 @@ bool ends_line(uint8_t byte) {
 
 } // namespace
 
-// Digit by digit: in a MAC table, six conversions would take a third of the time of a row.
+// Digit by digit: in a MAC table, six printf conversions would take a third of the time of a row.
 int snprintf_mac_address(char *destination, size_t size, const uint8_t mac[6]) {
     constexpr const char *DIGITS = "0123456789abcdef";
     char text[KX_MAC_TEXT_SIZE];

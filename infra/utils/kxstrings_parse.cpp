@@ -12,7 +12,7 @@ namespace {
 // A shorter text is no IPv4 or MAC address.
 constexpr size_t SHORTEST_ADDRESS = 5;
 
-// A MAC address as text, and the working copy that leaves room to see what follows it.
+// A MAC address as text, and the working copy, which has room for what follows the address.
 constexpr size_t MAC_TEXT_LENGTH = 17;
 constexpr size_t MAC_COPY_SIZE = 21;
 
@@ -67,8 +67,8 @@ const char *read_dotted(uint8_t bytes[4], const char *text, bool leading_zeros) 
     return text;
 }
 
-// Bring a MAC text into the working copy, with the missing digit of its first byte. Returns -1 when
-// a word runs on where the longest form has ended.
+// Copy a MAC text into the working copy, and add the missing digit of its first byte. Returns -1
+// when a word continues after the end of the longest form.
 int kx_get_adjusted_mac_string(char copy[MAC_COPY_SIZE], const char *text) {
     if (is_hex_digit(text[0]) && text[1] == ':') {
         snprintf(copy, MAC_COPY_SIZE, "0%.19s", text);
@@ -79,8 +79,8 @@ int kx_get_adjusted_mac_string(char copy[MAC_COPY_SIZE], const char *text) {
         kx_trace(kx_debug_print_kxstrings, KX_DEBUG_TRACE,
                  "No adjustment in MAC String needed %s\n", copy);
     }
-    // Deliberately at the same place for the shorter dotted form, whose second word must therefore
-    // be short.
+    // Deliberately at the same place for the shorter dotted form. There, a second word must be
+    // short.
     if (strlen(copy) > MAC_TEXT_LENGTH && !kx_is_space(copy[MAC_TEXT_LENGTH])) {
         kx_trace(kx_debug_print_kxstrings, KX_DEBUG_COMPLAINT,
                  "%s: Mac[%s] parsed has extra characters\n", __func__, text);
@@ -114,7 +114,7 @@ int read_mac_groups(uint8_t mac[6], const char *text, size_t group_bytes, char s
     return 0;
 }
 
-// A word that is read as 0 must be a 0: "08" and "0x" are slips.
+// A word that is read as 0 must be a 0: "08" and "0x" are typing errors.
 bool is_number(const char *word) {
     char *end = nullptr;
     const bool is_zero = strtoul(word, &end, 0) == 0;
@@ -126,8 +126,8 @@ struct scanned_ltl {
     bool typed; // it is the number of a word
 };
 
-// The result is also the flag that lets the next word count, deliberately: "ltl 12 extra" gives 0,
-// since a word that is no number makes the result 0 and no later word is read.
+// Deliberately, the result is also the flag that lets the next word count. "ltl 12 extra" gives 0:
+// a word that is not a number makes the result 0, and no later word is read.
 scanned_ltl scan_ltl(const char *text) {
     char work[SCAN_BUFFER_SIZE];
     char *words[SCAN_MAX_WORDS];

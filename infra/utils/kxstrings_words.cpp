@@ -9,8 +9,8 @@ bool ends_word(char c) {
     return c == '\0' || c == ';' || kx_is_space(c);
 }
 
-// Keywords are ASCII, whatever locale a host process has set; and one run compares some thousand
-// letters with them before it does anything else.
+// Keywords are ASCII, whatever locale a host process has set. One run compares some thousand
+// letters with them first of all, so this must be fast.
 char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -44,7 +44,7 @@ int stris(const char *word, const char *keyword) {
         return 1;
     }
     for (; *keyword != '\0'; ++keyword, ++word) {
-        // A keyword may hold a blank, a word ends there.
+        // A keyword may contain a blank; a typed word ends there.
         if (lower(*word) != lower(*keyword) || ends_word(*word)) {
             return 1;
         }
@@ -61,8 +61,8 @@ int kx_strncasecmp(const char *a, const char *b, size_t count) {
     return 0;
 }
 
-// A NUL is no separator here: copying on past it would yield the same text, but from bytes that are
-// not the source's. The copy therefore stops at the source's end.
+// The copy stops at the NUL of the source. To copy on past it would give the same text, but from
+// bytes that are not the source's.
 int strncpy_until_space(char *destination, size_t size, const char *source) {
     if (size == 0) {
         return 0;

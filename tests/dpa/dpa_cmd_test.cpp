@@ -27,19 +27,19 @@
 
 namespace {
 
-// What happens while the tool sleeps; the real thing when empty.
+// Called while the tool sleeps; when empty, the tool really sleeps.
 std::function<void()> while_asleep;
 
-// What all sleeps were to take.
+// The time that all sleeps asked for.
 std::chrono::microseconds slept;
 
-// The most bytes that one write takes, how many of the next ones fail, and whether one would not
-// have waited for room.
+// The most bytes that one write takes, how many of the next writes fail, and whether a write was
+// made that would not have waited for room.
 size_t write_limit = SIZE_MAX;
 int failing_writes = 0;
 bool writes_do_not_wait = false;
 
-// The caller's files are another user's.
+// The files belong to a user other than the caller.
 bool as_another_user = false;
 
 } // namespace
@@ -53,7 +53,7 @@ extern "C" int usleep(useconds_t microseconds) {
     return 0;
 }
 
-// The tool sleeps with an eye on its standard output.
+// The tool watches its standard output while it sleeps.
 extern "C" int poll(pollfd *watched, nfds_t count, int milliseconds) {
     const auto look = [&](int time) {
         return static_cast<int>(syscall(SYS_poll, watched, count, time));
@@ -104,7 +104,7 @@ protected:
         close(reader);
     }
 
-    // What the copy prints; `found` says whether it ended at the marker.
+    // The text that the copy prints; `found` says whether the copy ended at the marker.
     std::string copy(const std::vector<std::string> &pieces) {
         sleeps = 0;
         off_t shown = 0;
@@ -132,7 +132,7 @@ protected:
 
 TEST_F(GrowingFile, EndsAtAMarkerCutAnywhere) {
     const std::string marker = "#byeBye#";
-    // The text in front decides where the reads fall: at 127 bytes.
+    // The length of the text before decides where a read ends: at 127 bytes.
     for (const size_t before : {0U, 1U, 6U, 9U, 11U, 120U, 124U, 127U, 250U}) {
         for (size_t cut = 0; cut < marker.size(); cut++) {
             const std::string text(before, '#');
@@ -151,7 +151,7 @@ TEST_F(GrowingFile, ShowsNothingOfTheReadBehindTheMarkers) {
     EXPECT_EQ(copy({shown + "T"}), shown);
 }
 
-// All but its NULs.
+// The text without its NULs.
 TEST_F(GrowingFile, ShowsOutputCutAnywhereWholeAndOnce) {
     std::mt19937 random(4);
     for (int run = 0; run < 20; run++) {
@@ -222,7 +222,7 @@ std::string output_of(pid_t process) {
     return "/var/log/dpaout." + std::to_string(process);
 }
 
-// The conversation with an agent at its own pipe.
+// A conversation with an agent, at a pipe of its own.
 class DpaCommand : public testing::Test {
 protected:
     void SetUp() override {
@@ -253,7 +253,7 @@ protected:
         return bytes;
     }
 
-    // All that the conversation of a process sends, of which `command` is the middle.
+    // All bytes that a process sends in a conversation; `command` is the middle of them.
     static std::string messages(const std::string &command, pid_t process = getpid()) {
         return "redirect set " + output_of(process) + std::string(1, '\0') + command +
                std::string("redirect reset \0", 16);
@@ -362,7 +362,7 @@ TEST_F(DpaCommand, WaitsForAnAgentThatOpensItsPipeLate) {
     close(reader);
 }
 
-// What stands where the pipe or the output file should be, and who else has to lose it.
+// What is in place of the pipe or the output file, and who would lose it.
 TEST_F(DpaCommand, WritesToNobodyElsesFile) {
     const std::string no_pipe = " Error opening fifo (";
     const std::string no_file = "Couldn't create " + output + " ";
@@ -399,7 +399,8 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
     EXPECT_EQ(run("x", [] {}), no_file + "17 - File exists\n");
     as_another_user = false;
     EXPECT_EQ(read_file(output), "kept");
-    // The caller's own files are used: what an earlier run left behind, and a file to try with.
+    // The tool uses the caller's own files: one left over from an earlier run, and one made for a
+    // try.
     unlink(output.c_str());
     std::ofstream(output) << "left behind";
     unlink(AGENT_PIPE_PATH);
@@ -408,7 +409,7 @@ TEST_F(DpaCommand, WritesToNobodyElsesFile) {
     EXPECT_EQ(result, 0);
 }
 
-// A socket fails like a FIFO without a reader, but none will come.
+// A socket fails like a FIFO without a reader, but no reader will come.
 TEST_F(DpaCommand, DoesNotWaitForTheReaderOfASocket) {
     unlink(AGENT_PIPE_PATH);
     sockaddr_un address{};
@@ -422,7 +423,7 @@ TEST_F(DpaCommand, DoesNotWaitForTheReaderOfASocket) {
     unlink(AGENT_PIPE_PATH);
 }
 
-// The host's own dispositions, with everything that belongs to them.
+// The host's own dispositions, with all their flags and masks.
 int host_signals;
 
 void count_signal(int /*signal*/, siginfo_t * /*info*/, void * /*context*/) {
@@ -521,7 +522,7 @@ child_end in_child(const std::function<int()> &run) {
 
 const std::string SHOWN = "/tmp/shown-by-children-of-" + std::to_string(getpid());
 
-// Run the command in a child, with `signal` in a sleep, from 1.
+// Run the command in a child and send it `signal` in a given sleep, counted from 1.
 child_end run_in_child(int signal, void (*disposition)(int), int at_sleep = 1) {
     return in_child([&] {
         std::signal(signal, disposition);
@@ -552,7 +553,7 @@ TEST_F(DpaCommand, SignalsEndTheToolUnlessTheyAreIgnored) {
     unlink(SHOWN.c_str());
 }
 
-// Opens the two ends of an output, the reader's first.
+// Opens the two ends of an output, the reader's end first.
 void open_pipe(int (&ends)[2]) {
     ASSERT_EQ(pipe(ends), 0);
 }
@@ -568,8 +569,8 @@ constexpr int STAYS = 1000;
 constexpr int ALL_SLEEPS = 22; // two after the messages, and the idle ones
 constexpr int STOPPED = 100;
 
-// Run the command in a child whose reader goes away in a sleep, from 1. The child exits with the
-// number of its sleeps, and STOPPED more when the commands after it do not run.
+// Run the command in a child whose reader goes away in a given sleep, counted from 1. The child
+// exits with the number of its sleeps, plus STOPPED when the commands after it do not run.
 child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*on_broken)(int)) {
     return in_child([&] {
         std::signal(SIGPIPE, on_broken);
@@ -585,7 +586,7 @@ child_end run_until_unread(void (*open_output)(int (&)[2]), int gone_at, void (*
         while_asleep = [&] {
             if (++sleeps != gone_at)
                 return;
-            // What was not read would tell as well.
+            // Unread bytes would tell the tool, too, that the reader is gone.
             char unread[4096];
             EXPECT_GE(read(ends[0], unread, sizeof unread), 0);
             close(ends[0]);
@@ -625,7 +626,7 @@ TEST_F(DpaCommand, EndsInOrderWhenNobodyReadsItsOutput) {
         EXPECT_EQ(seen.status, W_EXITCODE(row.sleeps + (gone ? STOPPED : 0), 0)) << number;
         EXPECT_EQ(take_from_pipe(), messages(row.command, seen.process)) << number;
     }
-    // Also while it copies what comes without a pause.
+    // Also while the tool copies output that comes without a pause.
     const child_end flooded = in_child([] {
         std::signal(SIGPIPE, SIG_IGN);
         int ends[2];
@@ -666,7 +667,8 @@ TEST_F(DpaCommand, RunsToItsEndWithoutAnOutput) {
     EXPECT_EQ(take_from_pipe(), messages("x\n", ended.process));
 }
 
-// An agent that does not read its pipe is waited for, but not beyond the reader of the output.
+// The tool waits for an agent that does not read its pipe, but not after the reader of the output
+// has gone.
 TEST_F(DpaCommand, WaitsForRoomInThePipe) {
     const std::string filling(4096, 'f');
     const auto fill = [&] {

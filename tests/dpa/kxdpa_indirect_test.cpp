@@ -11,8 +11,8 @@
 
 namespace {
 
-// The driver of these requests: 700 succeeds, 701 refuses, 702 fails in the ioctl, 703 hands back a
-// length.
+// The driver for these requests: 700 succeeds, 701 is refused, 702 fails in the ioctl, 703 returns
+// a length.
 constexpr const char *DRIVER = R"({"overrides": [
     {"opcode": 700, "reply": "07000000"}, {"opcode": 701, "status": 77},
     {"opcode": 702, "error": "EIO"}, {"opcode": 703, "reply": "0102", "returned": 99}]})";

@@ -70,14 +70,14 @@ TEST(AgentOpcodes, AreTheAgentsNumbers) {
               (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 13}));
 }
 
-// A fault in the exchange must not leave both sides waiting.
+// A fault in the exchange must not make both sides wait forever.
 void limit_waiting(int fd) {
     const timeval limit = {10, 0};
     EXPECT_EQ(setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit), 0);
     EXPECT_EQ(setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit), 0);
 }
 
-// Receive up to `size` bytes, fewer when the tool closes first.
+// Receive up to `size` bytes, or fewer when the tool closes before.
 std::string receive(int fd, size_t size) {
     std::string bytes(size, '\0');
     return bytes.substr(
@@ -88,7 +88,7 @@ void answer(int fd, const std::string &reply) {
     send(fd, reply.data(), reply.size(), MSG_NOSIGNAL);
 }
 
-// A reply whose head, apart from the status, is nothing that the tool may use.
+// A reply in whose head the tool may use nothing but the status.
 std::string reply_head() {
     std::string head(HEADER, '\xFF');
     return head.replace(12, 4, le32(AGENT_STATUS));
@@ -130,7 +130,7 @@ struct Framing {
     uint32_t sent2;
 };
 
-// One request over the pair; the message that it sent and both buffers are compared byte for byte.
+// One request over the pair; its message and both buffers are compared byte for byte.
 void check_framing(const Framing &row, int peer) {
     SCOPED_TRACE(row.what);
     std::string first = pattern(row.sent1 + MARGIN, 3);
@@ -209,7 +209,8 @@ TEST_F(AgentSocket, SendsRecordAndBuffersAndTakesThemBack) {
     }
 }
 
-// And whatever its head's length, and however the reply comes; what comes after it is not read.
+// And whatever the length of its head, and in whatever pieces the reply comes; bytes after the
+// reply are not read.
 TEST_F(AgentSocket, ExchangeOfARecordSucceedsWhateverItsStatus) {
     for (const uint32_t length : {HEADER, HEADER + 16}) {
         kxdpa_request record[2]{};

@@ -118,7 +118,7 @@ protected:
     std::string last_request;
 };
 
-// Descriptors are counted by the number that the next one gets.
+// Descriptors are counted by the number that the next new one gets.
 int next_descriptor() {
     const int next = dup(STDIN_FILENO);
     close(next);
@@ -177,7 +177,7 @@ TEST_F(HostProcess, PagesHoldTheRowsOfTheShellRun) {
         const std::string command = command_of(row);
         std::vector<std::string> whole = lines_of(run_from_shell(command));
         EXPECT_FALSE(whole.empty()) << command;
-        // Only a shell run of the bridge-domain lists is told how many there are.
+        // Only in a shell run do the bridge-domain lists print how many there are.
         std::erase_if(whole,
                       [](const std::string &line) { return line.starts_with("Number of valid "); });
         EXPECT_EQ(lines_of(run_pages(command)), whole) << command;
@@ -189,12 +189,12 @@ TEST_F(HostProcess, EndsWalksThatTheDriverDoesNotEnd) {
     std::vector<uint8_t> stage(104, 0);
     stage[1] = 1; // present
     std::vector<uint8_t> slot(52, 0);
-    std::fill_n(slot.begin(), 4, 0xff); // how many there are
+    std::fill_n(slot.begin(), 4, 0xff); // the number of slots
     const struct {
         const char *command;
         uint16_t opcode;
         std::vector<uint8_t> reply;
-        int asked; // requests of the opcode; of 619, one a port
+        int asked; // requests of the opcode; for 619, one for each port
     } rows[] = {
         {"show port", 619, index_0, 5},
         {"show port vlans", 619, index_0, 5},
@@ -212,7 +212,7 @@ TEST_F(HostProcess, EndsWalksThatTheDriverDoesNotEnd) {
         int asked = 0;
         driver.trace = [&](const std::string &line) {
             asked += line.starts_with("op " + std::to_string(row.opcode) + " ") ? 1 : 0;
-            if (asked > row.asked) // it ends here, after all
+            if (asked > row.asked) // a walk that goes on too long is ended here
                 driver.state.overrides[0].status = HOST_STATUS_NOT_FOUND;
         };
         run_from_shell(row.command);
@@ -220,7 +220,7 @@ TEST_F(HostProcess, EndsWalksThatTheDriverDoesNotEnd) {
     }
 }
 
-// What a buffer of the sink's size takes of a text that is printed line by line.
+// The part of a text, printed line by line, that fits into a buffer of the sink's size.
 std::string expected_cut(const std::string &text, bool in_entry) {
     if (in_entry)
         return text.substr(0, HMX_RCLI_BUFFER_SIZE - 1);
@@ -260,7 +260,7 @@ TEST_F(HostProcess, ComplainsAboutAnArgumentWithoutAWord) {
     EXPECT_EQ(requests, 0);
 }
 
-// Whatever the sink points at, standard error belongs to the host process.
+// Wherever the sink points, standard error belongs to the host process.
 TEST_F(HostProcess, IsNotToldAboutSilentRows) {
     for (const int agent_driven : {0, 1}) {
         point_sink_at(nullptr);

@@ -12,7 +12,7 @@
 
 namespace {
 
-// What the handlers of the little table below were called with: "name" or "name(argument)".
+// The calls of the handlers of the little table below: "name" or "name(argument)".
 std::vector<std::string> calls_made;
 
 int record(const char *name, const char *arg, int result) {
@@ -61,8 +61,8 @@ protected:
         {},
     };
 
-    // The calls that a text makes and what is printed, with the time stamps cut off. What stands
-    // after the text is none of it.
+    // The calls that a text makes and the lines printed, without the time stamps. Bytes after the
+    // text's end are not part of it.
     std::string run(const std::string &text, int from_agent = 0) {
         calls_made.clear();
         printed = traced_by([&] {
@@ -195,7 +195,8 @@ TEST(Help, StopsAtTheBuffersEnd) {
     std::vector<char> whole(20480);
     const int length = kxcmd_snprintf_help(table.data(), whole.data(), 20480);
     for (const int size : {1, 2, 15, 16, 40, 1000, length, length + 1}) {
-        // The allocation ends where the buffer does, so that the sanitizer sees a byte too many.
+        // The allocation ends where the buffer does, so that the sanitizer notices one byte too
+        // many.
         std::vector<char> buffer(static_cast<size_t>(size));
         int written = 0;
         const bool fits = size > length;

@@ -23,7 +23,7 @@ protected:
         kx_run_from_shell = false;
     }
 
-    // What the tool prints; `errors` and `exit_value` are the rest.
+    // The output of the tool; `errors` and `exit_value` are the rest.
     std::string run(std::vector<std::string> words) {
         words.insert(words.begin(), "tarncmd");
         testing::internal::CaptureStderr();
@@ -77,7 +77,7 @@ TEST_F(Main, RunsNothingOfALineThatDoesNotFit) {
                       "was run: give fewer commands at once\n");
 }
 
-// Where both go to one place, as in a log.
+// Standard output and standard error go to one place, as in a log.
 TEST_F(Main, ExplainsSilenceBehindWhatWasPrinted) {
     model driver;
     interpose_model(&driver);

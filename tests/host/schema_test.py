@@ -33,15 +33,16 @@ def host_files(repository):
             yield name, path.read_text()
 
 
-def written(value, indent=""):
-    """JSON as another program writes it: two blanks a level, lists of values on one line, nothing escaped."""
-    inner = indent + "  "
-    if isinstance(value, dict) and value:
-        members = (f"{inner}{json.dumps(key)}: {written(member, inner)}" for key, member in value.items())
-        return "{\n" + ",\n".join(members) + f"\n{indent}}}"
-    if isinstance(value, list) and any(isinstance(item, dict) for item in value):
-        return "[\n" + ",\n".join(inner + written(item, inner) for item in value) + f"\n{indent}]"
-    return json.dumps(value, ensure_ascii=False).replace("\x7f", "\\u007f")
+def written(value, indent=0):
+    """As another program writes the value: two blanks a level, lists of plain values on one line."""
+    items = value.values() if isinstance(value, dict) else value if isinstance(value, list) else ()
+    if not isinstance(value, dict) and not any(isinstance(item, (dict, list)) for item in items):
+        return json.dumps(value, ensure_ascii=False).replace("\x7f", "\\u007f")
+    keys = [written(key) + ": " for key in value] if isinstance(value, dict) else [""] * len(value)
+    blanks = "\n" + " " * indent
+    lines = [f"{blanks}  {key}{written(item, indent + 2)}" for key, item in zip(keys, items)]
+    left, right = "{}" if isinstance(value, dict) else "[]"
+    return left + ",".join(lines) + (blanks if lines else "") + right
 
 
 def main():

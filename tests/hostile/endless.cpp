@@ -1,5 +1,5 @@
-// Walks that a driver would never end: it answers every step, with one place for ever or with two
-// by turns.
+// Walks that a driver would never end: it answers every step, either always with one place or with
+// two places in turn.
 #include "tests/hostile/endless.h"
 
 #include "dpa/userspace/kxdpa_request.h"
@@ -13,13 +13,13 @@ namespace {
 constexpr uint32_t REFUSED = 61;
 constexpr uint32_t LIMIT = 1U << 20; // requests of one walk
 
-// The opcodes that step; those of other walks are refused while one is looked at.
+// The opcodes of walk steps. While one walk is tested, the steps of all others are refused.
 constexpr uint16_t STEPS[] = {9, 15, 25, 298, 299, 573, 618, 619, 627};
 
 struct endless_walk {
     const char *command;
     uint16_t opcode;
-    uint32_t position; // where the place stands in the reply
+    uint32_t position; // of the place in the reply
     uint32_t to_one_place;
     uint32_t to_two_places;
 };
@@ -36,9 +36,9 @@ constexpr endless_walk WALKS[] = {
     {"show l2 10", 15, 16, 2, LIMIT},
     {"show heap", 298, 88, 2, LIMIT},
     {"show mempool", 299, 80, 2, LIMIT},
-    // The number of slots is asked for first; every slot is walked.
+    // The number of slots is asked for before; then every slot is walked.
     {"show l2-slotwise", 573, 8 + 16, 1 + 2 * 4096, LIMIT},
-    // No step, but asked for until it is answered.
+    // Not a step, but a request that is repeated until it is answered.
     {"show port-drops egress internal", 511, 0, LIMIT, LIMIT},
 };
 
@@ -91,7 +91,7 @@ void endless_answer(kxdpa_request *record) {
     if (counts)
         reply[endless.walk->position] =
             static_cast<uint8_t>(20 + endless.requests % endless.places);
-    // A driver may use the key's buffer as it likes.
+    // A driver may write to the key's buffer.
     if (two)
         memcpy(reinterpret_cast<void *>(record->buf1), reply + endless.walk->position,
                record->len1);

@@ -1,4 +1,4 @@
-// A driver that never ends a walk by itself.
+// A driver that never ends a walk.
 #ifndef TESTS_HOSTILE_ENDLESS_H
 #define TESTS_HOSTILE_ENDLESS_H
 
@@ -9,8 +9,8 @@ bool is_endless();
 
 void endless_answer(kxdpa_request *record);
 
-// Run each walk on such drivers. False, with lines on standard error, when one ends later or sooner
-// than it has to.
+// Run each walk on such drivers. False, with lines on standard error, when one ends too late or too
+// early.
 bool endless_walks_end();
 
 #endif

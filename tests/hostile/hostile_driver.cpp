@@ -23,7 +23,7 @@ constexpr const char FORMATS[] = "%n%s%s%99999d%*d";
 constexpr uint32_t LARGEST_SMALL_WORD = 24;
 constexpr uint32_t END_OF_WALK = 61;
 
-// Where a reply may go.
+// The places that a reply may fill.
 struct room {
     uint8_t *bytes;
     uint32_t size;
@@ -83,7 +83,7 @@ void damage(const room &to, hostile_random &random) {
         to.bytes[random.below(to.size)] = static_cast<uint8_t>(random.next());
 }
 
-// A step of a walk: the reply begins with the entry after the one asked for.
+// A step of a walk: the reply begins with the entry after the key.
 void step(const room &to, uint32_t from, hostile_driver &driver) {
     uint32_t word = driver.random.next();
     switch (driver.walk) {
@@ -124,7 +124,7 @@ model &simulated_host() {
     return *simulated;
 }
 
-// True when the simulated host has given the answer, its status included.
+// True when the simulated host gave the answer, with its status.
 bool answer_as_host(kxdpa_request *record) {
     own_memory memory;
     return model_request(simulated_host(), *record, memory) == 0 && record->status == 0;
@@ -137,7 +137,7 @@ hostile_reply next_reply(hostile_driver &driver) {
     return how;
 }
 
-// A request may also fail with its buffer and its words written.
+// A request may also fail after the driver wrote to its buffer and its words.
 int refuse(kxdpa_request *record, hostile_driver &driver) {
     hostile_random &random = driver.random;
     const room to = find_room(record);
@@ -181,7 +181,7 @@ int hostile_driver_answer(kxdpa_request *record) {
         abort();
     }
     const bool out_of_patience = driver.requests > driver.patience;
-    // One command asks for a record until it gets it, so that even now some requests succeed.
+    // One command repeats a request until it succeeds, so even now some requests must succeed.
     if (out_of_patience ? !random.one_in(4)
                         : driver.failures != 0 && random.one_in(driver.failures))
         return refuse(record, driver);

@@ -1,14 +1,15 @@
-// A driver and a host that answer whatever a seed makes them: the tool must stand all of it.
+// A driver and a host's shell that answer anything that a seed leads to. The tool must survive all
+// of it.
 //
-// It never writes outside the buffers that a request names, so whatever the sanitizers report is
-// the tool's.
+// The driver never writes outside the buffers that a request names. So whatever the sanitizers
+// report is a fault of the tool.
 #ifndef TESTS_HOSTILE_HOSTILE_DRIVER_H
 #define TESTS_HOSTILE_HOSTILE_DRIVER_H
 
 #include <cstddef>
 #include <cstdint>
 
-// A small deterministic generator (splitmix64), so that a seed means the same everywhere.
+// A small deterministic generator (splitmix64), so that a seed always gives the same run.
 class hostile_random {
 public:
     explicit hostile_random(uint64_t seed) : state_(seed) {
@@ -58,10 +59,10 @@ struct kxdpa_request;
 // Answer one request in place. Returns what the ioctl returns, with errno set for -1.
 int hostile_driver_answer(kxdpa_request *record);
 
-// A driver for one run: everything about it follows from the seed.
+// A driver for one run; the seed decides everything about it.
 void hostile_driver_restart(uint64_t seed);
 
-// A run that goes on asking for so many requests will never end.
+// A run that makes so many requests will never end.
 constexpr uint32_t HOSTILE_REQUESTS_LIMIT = 1000000;
 
 #endif

@@ -39,8 +39,8 @@ std::string some_number(hostile_random &random) {
                             : numbers[random.below(std::size(numbers))];
 }
 
-// One word of the documentation as an operator would type it: a number for a placeholder, one of
-// several alternatives. Now and then it is left out.
+// One word of the documentation as an operator would type it: a number for a placeholder, or one of
+// several alternatives. Sometimes it is left out.
 std::string fill_in(const std::string &word, hostile_random &random) {
     std::vector<std::string> alternatives;
     add_words(word.c_str(), alternatives);

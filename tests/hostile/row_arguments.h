@@ -1,4 +1,4 @@
-// What to type after the keywords of a row of the command table.
+// Arguments for the rows of the command table.
 #ifndef TESTS_HOSTILE_ROW_ARGUMENTS_H
 #define TESTS_HOSTILE_ROW_ARGUMENTS_H
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-// The arguments to try after a row's keywords: common ones, the words that the row's own
-// documentation names, and garbage.
+// The arguments to try with a row: common ones, the words of the row's own documentation, and
+// garbage.
 std::vector<std::string> arguments_of(const kestrel_cmd_row &row, hostile_random &random);
 
 // Up to 200 printable characters, without the ";" that separates commands.

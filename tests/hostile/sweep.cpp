@@ -1,10 +1,10 @@
 // Runs every command of the table with many arguments against a hostile driver and shell.
 //
 //     hostile_sweep [SEED...]        these seeds; a few fixed ones when none is named
-//     hostile_sweep --seconds N      fresh seeds for that long
+//     hostile_sweep --seconds N      new seeds for that long
 //
-// It prints what it did and exits with 0. A finding ends it, with a line on standard error that
-// names the seed and the command.
+// It prints its progress and exits with 0. It ends at the first finding, with a line on standard
+// error that names the seed and the command.
 #include "dpa/userspace/kxdpa_request.h"
 #include "frontend/handlers.h"
 #include "frontend/hmx_cmd.h"
@@ -47,7 +47,7 @@ struct tally {
 // What the host's own program prints when the tool asks it.
 std::string shell_output;
 
-// What is running, for the line that goes with a finding.
+// The command that runs, for the line about a finding.
 char running[COMMAND_LENGTH * 2];
 
 void say_what_is_running() {
@@ -74,8 +74,8 @@ void on_alarm(int /*number*/) {
 
 // --- Runs ---
 
-// The text stands in memory of its own size and has no terminator, so that a read beyond its end
-// shows.
+// The text is in memory of exactly its own size without a NUL, so that the sanitizer notices a read
+// beyond its end.
 void run_text(const std::string &text, int from_agent) {
     const auto exact = std::make_unique<char[]>(text.size());
     memcpy(exact.get(), text.data(), text.size());
@@ -130,7 +130,7 @@ void run_command(const std::string &text, uint64_t seed) {
         run_pages(text, 1);
         break;
     default:
-        // Rows that are closed to the agent still must stand its mode.
+        // Rows that the agent may not run must survive agent-driven mode, too.
         run_pages(text, 0);
         break;
     }
@@ -142,7 +142,7 @@ void sweep_rows(uint64_t seed) {
     hostile_random random(seed);
     uint64_t rows = 0;
     for (const kestrel_cmd_row &row : kestrel_cmd_list) {
-        // The agent's pipe is no driver.
+        // The command for the agent uses a pipe, not the driver.
         if (row.kind != KESTREL_CMD_COMMAND || row.handler == kx_dpa_cmd)
             continue;
         rows++;
@@ -190,7 +190,7 @@ int pclose(FILE *file) {
 extern "C" void __asan_set_death_callback(void (*callback)()) __attribute__((weak));
 
 int main(int argc, char *argv[]) {
-    // The commands print to nowhere; the report goes to the standard output that there was.
+    // The commands print to /dev/null; the report goes to the real standard output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (report == nullptr || freopen("/dev/null", "w", stdout) == nullptr)
         return 1;

@@ -11,8 +11,8 @@ namespace {
 using NamePrinter = int(char *buffer, size_t size, uint32_t if_index);
 using SmallPrinter = int(char *buffer, uint32_t if_index);
 
-// Every type and every form, each number of two digits and different from its neighbours: the index
-// and its short, long and internal name.
+// Every type and every form, with numbers of two digits that differ from each other: the index and
+// its short, long and internal name.
 TEST(IfIndexName, HasTheNamesOfTheGoldenTable) {
     const struct {
         NamePrinter *print;
@@ -71,8 +71,8 @@ TEST(IfIndexName, RangeThatDoesNotFit) {
     EXPECT_STREQ(exact, "Ethernet1/1-4");
 }
 
-// Whatever the index and the buffer: the start of the whole name, and not a byte beyond what the
-// header asks for.
+// For any index and any buffer: the text is the start of the whole name, and no byte is written
+// beyond the size that the header asks for.
 TEST(IfIndexName, SmallBuffers) {
     std::mt19937 random(20260);
     for (int i = 0; i < 20000; i++) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Set where the C library is to compare as in a locale whose small "I" has no dot.
+// True while the C library is to compare as in a locale whose small "I" has no dot.
 bool is_turkish = false;
 
 } // namespace
@@ -61,7 +61,7 @@ TEST(IfIndexParse, VlanInterfacesBelongToTheVdcOfTheEnvironment) {
     unsetenv("SYSMGR_VDC_ID");
 }
 
-// A row a keyword: its text, and what it builds of the first one, two, three and four numbers.
+// A row for each keyword: its text, and the index for one, two, three and four numbers.
 TEST(IfIndexParse, KeywordsBuildWhatTheGoldenTableSays) {
     const uint32_t numbers[IF_NAME_MAX_NUMBERS] = {2, 11, 12, 13};
     uint32_t keyword = 0;

@@ -42,7 +42,7 @@ TEST(IfIndex, Types) {
 
 using Accessor = int(uint32_t if_index, uint32_t *value);
 
-// `only` is the index with no other bit below its type than the field's, all set.
+// `only` is the index in which, below the type, exactly the bits of the field are set.
 void expect_field(const char *name, Accessor *get, uint32_t only, uint32_t expected) {
     SCOPED_TRACE(name);
     const bool whole = (expected & (expected + 1)) == 0;
@@ -175,7 +175,7 @@ TEST(IfIndex, GenericAccessorsAndPredicates) {
     EXPECT_FALSE(if_index_is_valid_vlan_id(4095));
 }
 
-// The number that each type counts goes up by one, from a first index to the third.
+// The number that each type counts is one higher at each step, from a first index to the third.
 TEST(IfIndex, RangesCountTheNumberOfTheirType) {
     for (const auto &row : golden("interface_steps.tsv")) {
         SCOPED_TRACE(row.at(0));
@@ -202,7 +202,7 @@ TEST(IfIndex, RangesCountTheNumberOfTheirType) {
         for (uint32_t outside : {first - step, first + 3 * step, (first + step) ^ 0x01000000})
             EXPECT_EQ(if_index_get_next_if_index_in_range(&range, &outside), 14);
     }
-    // Sub-interfaces are counted when the last index is one.
+    // Sub-interfaces are counted when the last index is a sub-interface.
     const if_index_range from_main_to_sub = {0x1A000000, 0x1A000003};
     uint32_t count = 0;
     EXPECT_EQ(if_index_get_num_ports_in_if_index_range(&from_main_to_sub, &count), 0);
@@ -233,7 +233,7 @@ TEST(IfIndex, RangesThatAreNone) {
     EXPECT_EQ(if_index, 0x1A000000U);
 }
 
-// What stands at the addresses is left alone.
+// The outputs are not changed.
 TEST(IfIndex, RefusesMissingArgumentsAndWrongTypes) {
     const if_index_range good = {0x1A000000, 0x1A000000};
     uint32_t count = 5;

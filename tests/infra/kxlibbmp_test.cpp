@@ -63,7 +63,7 @@ std::string list_of(const Model &model) {
     return text;
 }
 
-// Sets of every density, with long and short runs, the empty and the full one among them.
+// Sets of every density, with long and short runs; also the empty set and the full one.
 class BitSets : public testing::Test {
 protected:
     Model random_model() {
@@ -225,7 +225,8 @@ TEST_F(BitSets, PiecesOfAListAreTheListInAnyBuffer) {
             const std::string piece = buffer.data();
             ASSERT_EQ(length, static_cast<int>(piece.size()));
             ASSERT_EQ(rest.substr(0, piece.size()), piece);
-            // A piece ends where an item does; the next one would not have fitted.
+            // A piece ends where an item ends, and only because the next item would not have
+            // fitted.
             const size_t next = std::min(piece.size() + 1, rest.size());
             const size_t next_end = std::min(rest.find(',', next), rest.size());
             ASSERT_TRUE(rest[piece.size()] == ',' || next == piece.size()) << piece;
@@ -313,7 +314,7 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     bmp4096_init(&vlans);
     vlans.size = 511;
     alignas(4) char storage[sizeof(Set) + 4] = {};
-    // Never dereferenced: a misaligned record is refused by its address.
+    // Nothing reads it: a misaligned record is refused because of its address.
     const auto *const crooked = reinterpret_cast<const bitset *>(storage + 1);
     const bitset_range backwards = {5, 4};
     const bitset_range outside = {0, BITS};
@@ -341,7 +342,7 @@ TEST(BitSetAssertions, AreReportedWithoutEffect) {
     const bitset_range lowest = {0, 2};
     EXPECT_EQ(printed_by([&] { got = bitset_is_range_free(&set, &lowest); }), "");
     EXPECT_EQ(got, 1);
-    // An empty range is no failure.
+    // An empty range is not an error.
     EXPECT_EQ(printed_by([&] { bitset_set_range(&set, -5, 0); }), "");
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// Fixed-size outputs start as this, to see that a failure leaves them alone.
+// Fixed-size outputs start with this value, to show that a failure does not change them.
 constexpr uint8_t OLD_BYTE = 0xa5;
 
 TEST(Number, FollowsTheStandardUnsignedConversion) {
@@ -24,7 +24,7 @@ TEST(Number, FollowsTheStandardUnsignedConversion) {
     EXPECT_EQ(kx_parse_number(nullptr), 0u);
 }
 
-// A parser writes its address and nothing after it, and nothing at all of a text that it refuses.
+// A parser writes its address and nothing after it. For a text that it refuses, it writes nothing.
 TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
     const std::map<std::string, int (*)(uint8_t *, const char *)> parsers = {
         {"ip",
@@ -51,7 +51,7 @@ TEST(Addresses, AreTakenOrRefusedAsTheGoldenTableSays) {
         EXPECT_EQ(parse(nullptr, nullptr), -1) << name;
 }
 
-// There is no deviation: whatever the C library accepts is accepted with the same bytes.
+// Without exceptions: whatever the C library accepts is accepted, with the same bytes.
 TEST(Ipv6Address, MutatedTextsAgreeWithTheCLibrary) {
     std::vector<std::string> seeds;
     for (const auto &row : golden("address_texts.tsv"))

@@ -1,4 +1,4 @@
-// What the drop counters export beside their commands.
+// What the drop counters export besides their commands.
 #include "handlers/port/port_drops.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ TEST(PortDrops, FormattersFillTheTextCellByCell) {
     const std::string ingress = "     4294967200      4294967205      4294967223 ";
     const std::string egress = "     4294967224      4294967239      4294967240 ";
     for (size_t size = 1; size < 80; size++) {
-        // A cell is begun while 16 bytes are left; the one that needs a byte more loses its blank.
+        // A cell is begun while 16 bytes are left. A cell that needs one byte more loses its blank.
         const size_t length = std::min((size / 16) * 16, size_t{48});
         const std::string cut = std::string(1, ' ').substr(0, length == size ? 1 : 0);
         std::vector<char> text(size, '#');

@@ -110,7 +110,7 @@ int kx_find_named_bd(const char *arg, kx_named_bd *bd) {
     }
     strncpy_until_space(bd->name, sizeof bd->name, arg);
     kx_bd_record asked{};
-    // A name that fills the field has no NUL there.
+    // A name that fills the field has no NUL.
     memcpy(asked.name, bd->name, strlen(bd->name));
     bd->index = find_bd(KXDPA_OP_BD_BY_NAME, &asked);
     if (bd->index == 0) {

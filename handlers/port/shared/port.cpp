@@ -43,7 +43,7 @@ kx_port_name kx_get_port_name(uint32_t ltl, const kx_port_record &record) {
 kx_sub_group_text kx_format_sub_group(uint32_t sub_group) {
     kx_sub_group_text column{};
     if (sub_group <= KX_SUB_GROUP_LAST) {
-        // By hand, for every row of the port tables has one.
+        // Formatted by hand: every row of the port tables has one.
         char *digit = column.text;
         if (sub_group >= 10) {
             *digit++ = static_cast<char>('0' + sub_group / 10);

@@ -13,7 +13,7 @@ enum kx_pvlan_role : uint16_t {
     KX_PVLAN_PROMISCUOUS_TRUNK = 4,
 };
 
-// Buffer of KXDPA_OP_PORT_PVLAN, asked with the argument of the port record: what the port is to a
+// Buffer of KXDPA_OP_PORT_PVLAN, asked with the argument of the port record: the port's role in a
 // private VLAN, asked VLAN by VLAN like the forwarding. The whole layout, its size and the numbers
 // of kx_pvlan_role are an assumption of this tool.
 struct kx_port_pvlan {

@@ -5,11 +5,11 @@
 
 namespace {
 
-// VLANs that the DPA keeps for itself; one more outside L3 tunnel mode.
+// The number of VLANs that the DPA reserves for itself; outside L3 tunnel mode it is one more.
 constexpr int RESERVED_VLANS = 4;
 
-// Buffer of KXDPA_OP_PORT_VLAN_SET. The whole set is the input and its size the capacity on top, so
-// that the driver may write twice as much as it is read.
+// Buffer of KXDPA_OP_PORT_VLAN_SET. The whole set is the input, and its size is also the capacity.
+// So the driver may write twice as much as is read.
 struct port_vlan_buffer {
     bmp4096 vlans;
     uint8_t spare[sizeof(bmp4096)];

@@ -1,4 +1,4 @@
-// The frame of every port view: which ports are asked for, the walk over them, and its pages.
+// What every port view does: it selects ports, walks over them, and pages.
 #ifndef HANDLERS_PORT_SHARED_PORT_WALK_H
 #define HANDLERS_PORT_SHARED_PORT_WALK_H
 
@@ -11,8 +11,8 @@ struct kx_port_selection {
     bool internal; // internal LTLs are shown
 };
 
-// By "internal", "system" or "krt", compared with case. Anything else is the HMX's own view without
-// the internal LTLs.
+// Read "internal", "system" or "krt"; case matters. Anything else is the HMX's own view without the
+// internal LTLs.
 kx_port_selection kx_select_ports(const char *arg);
 
 // The words of the older views: "priv" is the HMX's own view, "krt" the KRT's; both show internal
@@ -25,8 +25,8 @@ inline bool kx_is_shown(const kx_port_selection &selection, uint32_t ltl,
     return !kx_port_is_hidden(ltl, record) && (selection.internal || !kx_is_internal_ltl(ltl));
 }
 
-// The LTL that a page goes on after, for commands whose last keyword is "cookie" itself: the
-// argument is the bare number.
+// The LTL after which a page starts, for commands whose last keyword is "cookie" itself: the
+// argument is the number alone.
 uint32_t kx_get_bare_cookie(const char *arg);
 
 // What became of a port.
@@ -42,9 +42,9 @@ enum kx_port_walk {
     KX_WALK_BROKEN,    // print_row gave up
 };
 
-// Walk the ports after `ltl` and call print_row(ltl, record), which returns a kx_port_row, for each
-// one. A port whose record cannot be read is passed over. Driven by the agent the walk ends with
-// the first row printed, and at a port whose record cannot be read.
+// Walk the ports after `ltl` and call print_row(ltl, record), which returns a kx_port_row, for
+// each. A port whose record cannot be read is skipped. In agent-driven mode the walk ends with the
+// first row printed, or at a port whose record cannot be read.
 template <typename PrintRow>
 kx_port_walk kx_print_ports(uint32_t ltl, kx_port_view view, PrintRow print_row) {
     kx_port_record record;
