@@ -26,7 +26,7 @@ struct line {
 
 // A display that prints fewer rows of the same is not run again ("show port" is a part of "show
 // port internal"). The HMX's own view of a port comes first: the others are described by what
-// differs.
+// differs. A walk comes before the lookups of what it names: nothing is learnt of an unknown thing.
 constexpr line LINES[] = {
     {"show port internal", "ports"},
     {"show port vlans internal", "ports"},
@@ -50,8 +50,8 @@ constexpr line LINES[] = {
     {"show heap", "heaps"},
     {"show mempool", "memory_pools"},
     {"show assert", "asserts"},
-    {"show vlan", "vlans"},
     {"show bd", "bridge_domains"},
+    {"show vlan", "vlans"},
     {"show dr", "bridge_domains"},
     {"show segment", "bridge_domains"},
     {"show vlan", "bridge_domains", typed::vlan},

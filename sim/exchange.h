@@ -86,7 +86,9 @@ private:
     template <typename record> static record as(std::span<const uint8_t> bytes) {
         static_assert(std::is_trivially_copyable_v<record>);
         record value{};
-        std::memcpy(&value, bytes.data(), std::min(sizeof value, bytes.size()));
+        if (!bytes.empty()) {
+            std::memcpy(&value, bytes.data(), std::min(sizeof value, bytes.size()));
+        }
         return value;
     }
 };

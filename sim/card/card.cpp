@@ -10,8 +10,16 @@ namespace {
 
 // Most requests read or write one value: the member at the end of a path from the card.
 
+template <auto first, auto... rest, typename T> auto &member_at(T &object) {
+    if constexpr (sizeof...(rest) == 0) {
+        return object.*first;
+    } else {
+        return member_at<rest...>(object.*first);
+    }
+}
+
 template <auto... path> auto &value_at(host &state) {
-    return (state.card.*....*path);
+    return member_at<path...>(state.card);
 }
 
 template <auto... path>

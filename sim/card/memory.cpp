@@ -12,7 +12,7 @@ using record_of = typename std::remove_reference_t<decltype(memory_state{}.*list
 template <typename records, typename record>
 auto find_by_name(records &entries, const record &named) {
     return std::find_if(entries.begin(), entries.end(), [&](const record &entry) {
-        return std::memcmp(entry.name, named.name, sizeof named.name) == 0;
+        return std::strncmp(entry.name, named.name, sizeof named.name) == 0;
     });
 }
 
