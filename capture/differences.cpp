@@ -194,7 +194,7 @@ std::vector<override_rule> differences(const driver_memory &memory, host &descri
             }
         }
         // A step that is handed back as it came is asked for in the driver's own bytes.
-        if (row.form.steps_by_reply && !open.empty()) {
+        if (row.form.steps_by_reply != 0 && !open.empty()) {
             open.assign(row.steps.begin(), row.steps.end());
         }
         add_rules(row, open, rules);

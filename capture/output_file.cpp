@@ -62,8 +62,8 @@ std::string end_of_links(std::string path) {
         if (length <= 0) {
             break;
         }
-        const std::string next(named, static_cast<size_t>(length));
-        path = next.front() == '/' ? next : folder_of(path) + next;
+        path = named[0] == '/' ? "" : folder_of(path);
+        path.append(named, static_cast<size_t>(length));
     }
     return path;
 }

@@ -20,7 +20,7 @@
 
 /* Bytes of one command, its NUL included: the command layer runs no longer one. */
 #define COMMAND_SIZE 256
-#define MOST_PAGES 1048576L
+#define MOST_PAGES   1048576L
 
 /* Join the words with blanks. Returns 0, or -1 when they do not fit. */
 static int join_words(char command[COMMAND_SIZE], int count, char *const words[]) {
@@ -53,9 +53,8 @@ static uint32_t print_page(const char *text, int *rows_lost) {
 }
 
 /*
- * Print page after page. A cookie that comes back unchanged would ask for the same page again, and a
- * driver that answers in circles has no last page.
- * Returns 0, or -1 when something is missing.
+ * Print page after page. A cookie that comes back unchanged would ask for the same page again, and
+ * a driver that answers in circles has no last page. Returns 0, or -1 when something is missing.
  */
 static int print_pages(const char *command) {
     char text[COMMAND_SIZE];

@@ -366,14 +366,14 @@ std::string read_address(const json_value &given, void *address, const char *exp
 
 std::string read_ipv4(const key &, const json_value &given, key_value &value) {
     uint32_t address = 0;
-    const std::string wrong = read_address<AF_INET>(given, &address, "expected an IPv4 address");
+    std::string wrong = read_address<AF_INET>(given, &address, "expected an IPv4 address");
     value.number = address;
     return wrong;
 }
 
 std::string read_ipv6(const key &, const json_value &given, key_value &value) {
     char address[sizeof(in6_addr)] = {};
-    const std::string wrong = read_address<AF_INET6>(given, address, "expected an IPv6 address");
+    std::string wrong = read_address<AF_INET6>(given, address, "expected an IPv6 address");
     value.bytes.assign(address, sizeof address);
     return wrong;
 }

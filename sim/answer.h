@@ -37,7 +37,7 @@ struct answer {
     // look at every byte.
     bool (*alike)(const exchange &one, const exchange &other) = nullptr;
     // A step of a walk that hands the whole reply back: the steps of an argument stand together.
-    bool steps_by_reply = false;
+    uint32_t steps_by_reply = 0; // 0 or 1, of a size that leaves no gap
     const char *key = nullptr; // as in key_place(), where the opcode's family says another
 
     constexpr answer for_argument(uint32_t only) const {

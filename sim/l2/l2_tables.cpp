@@ -214,7 +214,7 @@ void learn_get_mac(host &state, const exchange &told) {
 constexpr answer slot_steps() {
     answer made = exchanged<kx_l2_slot_step>(KXDPA_OP_L2_SLOTS, answer_slot_step, learn_slot_step)
                       .told_alike(is_alike_step);
-    made.steps_by_reply = true;
+    made.steps_by_reply = 1;
     return made;
 }
 
