@@ -15,11 +15,7 @@ void answer_domain_count(host &state, exchange &talk) {
 
 void answer_next_index(host &state, exchange &talk) {
     const auto next = state.bridge_domains.by_index.upper_bound(talk.request.arg);
-    if (next == state.bridge_domains.by_index.end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(next->first);
-    }
+    talk.tell(state, next == state.bridge_domains.by_index.end() ? nullptr : &next->first);
 }
 
 void learn_next_index(host &state, const exchange &told) {
@@ -27,12 +23,6 @@ void learn_next_index(host &state, const exchange &told) {
     if (told.is_told() && index != 0) {
         state.bridge_domains.by_index.try_emplace(index).first->second.record.index = index;
     }
-}
-
-// nullptr when there is none of that index.
-template <typename Host> auto *find_bridge_domain(Host &state, uint32_t index) {
-    const auto found = state.bridge_domains.by_index.find(index);
-    return found == state.bridge_domains.by_index.end() ? nullptr : &found->second;
 }
 
 kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
@@ -43,16 +33,12 @@ kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
 
 // A driver need not say the index of the one that was asked for.
 void answer_bridge_domain(host &state, exchange &talk) {
-    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
-    if (found == nullptr || !found->known) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(found->record);
-    }
+    const bridge_domain *found = value_in(state.bridge_domains.by_index, talk.request.arg);
+    talk.tell(state, found != nullptr && found->known ? &found->record : nullptr);
 }
 
 void learn_bridge_domain(host &state, const exchange &told) {
-    bridge_domain *found = find_bridge_domain(state, told.request.arg);
+    bridge_domain *found = value_in(state.bridge_domains.by_index, told.request.arg);
     const auto record = told.reply_as<kx_bd_record>();
     if (found == nullptr || record.vlan > KX_LAST_VLAN) {
         return;
@@ -125,11 +111,7 @@ void answer_step(const host &state, exchange &talk, const std::optional<number_s
         return talk.fail(state);
     }
     const auto next = from == start ? (*set)->begin() : (*set)->upper_bound(from);
-    if (next == (*set)->end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(*next);
-    }
+    talk.tell(state, next == (*set)->end() ? nullptr : &*next);
 }
 
 void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t least,
@@ -141,8 +123,8 @@ void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t l
 }
 
 template <typename Host> auto *members_of(Host &state, const exchange &talk) {
-    auto *found = find_bridge_domain(state, talk.request.arg);
-    return found == nullptr ? nullptr : &found->members;
+    return member_in<&bridge_domain::members>(
+        value_in(state.bridge_domains.by_index, talk.request.arg));
 }
 
 void answer_port_count(host &state, exchange &talk) {
