@@ -196,7 +196,11 @@ void capture_equal_tables() {
             tell(record.arg + 1);
         } else if (record.opcode == KXDPA_OP_BD_RECORD) {
             tell(kx_bd_record{});
-        } else if (record.opcode == KXDPA_OP_L2_ENTRY_COUNT) {
+        } else if (record.opcode == KXDPA_OP_BD_COUNT) {
+            tell(DOMAINS);
+        } else if (record.opcode == KXDPA_OP_L2_ENTRY_COUNT ||
+                   record.opcode == KXDPA_OP_L2_TABLE_LIMIT ||
+                   record.opcode == KXDPA_OP_L2_AGING_TIME) {
             tell(ENTRIES);
         } else if (record.opcode == KXDPA_OP_NEXT_L2_ENTRY) {
             kx_l2_entry entry{};
