@@ -11,6 +11,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -26,7 +27,10 @@ struct question {
     uint32_t argument;
     const byte_pool::item *input;
 
-    auto operator<=>(const question &) const = default;
+    bool operator<(const question &other) const {
+        return std::tie(opcode, argument, input) <
+               std::tie(other.opcode, other.argument, other.input);
+    }
 };
 
 struct told_answer {
@@ -35,7 +39,11 @@ struct told_answer {
     std::optional<uint32_t> returned;
     const byte_pool::item *reply;
 
-    auto operator<=>(const told_answer &) const = default;
+    bool operator==(const told_answer &) const = default;
+    bool operator<(const told_answer &other) const {
+        return std::tie(error, status, returned, reply) <
+               std::tie(other.error, other.status, other.returned, other.reply);
+    }
 };
 
 // So many times in a row the same answer.
