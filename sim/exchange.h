@@ -58,6 +58,7 @@ struct exchange {
     template <typename holder> void tell(const host &state, const holder &value) {
         if (!value) {
             fail(state);
+            // What a compilation leaves out looks alike. NOLINTNEXTLINE(bugprone-branch-clone)
         } else if constexpr (requires { value->has_value(); }) {
             tell(state, *value);
         } else if constexpr (requires { value->c_str(); }) {
