@@ -47,25 +47,20 @@ void ask_whole_texts(const driver_memory &memory, host &described) {
     }
 }
 
-bool is_always_refused(const driver_memory &memory, kxdpa_opcode opcode) {
-    bool refused = false, told = false;
-    memory.each_row(
-        [&](const remembered_row &row) {
-            for (const remembered_step &step : row.steps) {
-                (step.told().status == KXDPA_STATUS_SUCCESS ? told : refused) = true;
-            }
-        },
-        opcode);
-    return refused && !told;
+using opcode_tallies = std::map<uint16_t, opcode_tally>;
+
+bool is_always_refused(const opcode_tallies &tallies, kxdpa_opcode opcode) {
+    const auto found = tallies.find(opcode);
+    return found != tallies.end() && found->second.told == 0;
 }
 
 // The status that most opcodes refuse most with. An opcode that refuses all its many questions with
 // another one takes a single rule.
-uint32_t usual_refusal(const driver_memory &memory) {
+uint32_t usual_refusal(const opcode_tallies &tallies) {
     const auto less = [](const auto &one, const auto &other) { return one.second < other.second; };
-    std::map<uint32_t, uint64_t> opcodes = {{HOST_STATUS_NOT_FOUND, 0}};
-    for (const refused_opcode &refused : memory.refused(true)) {
-        const std::map<uint32_t, uint64_t> counts = memory.refusals(refused.opcode);
+    std::map<uint32_t, uint32_t> opcodes = {{HOST_STATUS_NOT_FOUND, 0}};
+    for (const auto &[opcode, tally] : tallies) {
+        const auto &counts = tally.refusals;
         if (!counts.empty()) {
             opcodes[std::max_element(counts.begin(), counts.end(), less)->first]++;
         }
@@ -74,13 +69,23 @@ uint32_t usual_refusal(const driver_memory &memory) {
     return most->second > opcodes[HOST_STATUS_NOT_FOUND] ? most->first : HOST_STATUS_NOT_FOUND;
 }
 
+std::vector<refused_opcode> refused_of(const opcode_tallies &tallies) {
+    std::vector<refused_opcode> refused;
+    for (const auto &[opcode, tally] : tallies) {
+        if (!tally.walks && tally.told != tally.questions) {
+            refused.push_back({opcode, tally.questions - tally.told});
+        }
+    }
+    return refused;
+}
+
 // What is refused throughout is told as that, and not thing by thing.
-void settle(const driver_memory &memory, host &described) {
-    described.refusal_status = usual_refusal(memory);
-    if (is_always_refused(memory, KXDPA_OP_PORT_STATISTICS)) {
+void settle(const opcode_tallies &tallies, host &described) {
+    described.refusal_status = usual_refusal(tallies);
+    if (is_always_refused(tallies, KXDPA_OP_PORT_STATISTICS)) {
         described.counters.traffic.clear();
     }
-    if (is_always_refused(memory, KXDPA_OP_DROP_COUNTERS)) {
+    if (is_always_refused(tallies, KXDPA_OP_DROP_COUNTERS)) {
         described.counters.drops.clear();
     }
     settle_drops(described, stranger_to(described));
@@ -122,10 +127,12 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
         ask_whole_texts(memory, described);
     }
     kx_dpa_api_exit();
-    if (!memory.was_told_anything()) {
+    const opcode_tallies tallies = memory.tallies();
+    if (std::all_of(tallies.begin(), tallies.end(),
+                    [](const auto &tally) { return tally.second.told == 0; })) {
         return capture_outcome::REFUSED;
     }
-    settle(memory, described);
+    settle(tallies, described);
     if (is_asked(OVERRIDES)) {
         described.overrides = differences(memory, described);
     }
@@ -134,7 +141,7 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
     }
     note.cut = unless_empty(memory.cut());
     note.whole = !note.cut;
-    note.refused = unless_empty(memory.refused());
+    note.refused = unless_empty(refused_of(tallies));
     return capture_outcome::DONE;
 }
 

@@ -83,9 +83,8 @@ override_rule rule_of(const remembered_row &row, const remembered_step &step) {
 
 // The status whose one rule, behind those for all other questions, takes fewer rules than one for
 // each of `different` does; none when no status does. `refusals` are counts of questions by status.
-template <typename Counts>
-std::optional<uint32_t> best_refused_alike(const Counts &refusals, size_t questions,
-                                           size_t different) {
+std::optional<uint32_t> best_refused_alike(const std::map<uint32_t, uint32_t> &refusals,
+                                           size_t questions, size_t different) {
     const auto most =
         std::max_element(refusals.begin(), refusals.end(), [](const auto &one, const auto &other) {
             return one.second < other.second;
@@ -93,40 +92,16 @@ std::optional<uint32_t> best_refused_alike(const Counts &refusals, size_t questi
     if (most == refusals.end()) {
         return std::nullopt;
     }
-    const size_t rules = questions - static_cast<size_t>(most->second) + 1;
+    const size_t rules = questions - most->second + 1;
     const bool is_shorter = rules < different || (rules == 1 && different == 1);
     return is_shorter ? std::optional(most->first) : std::nullopt;
-}
-
-struct opcode_tally {
-    size_t questions = 0;
-    size_t different = 0;
-    std::optional<uint32_t> refused_alike{}; // the status of the rule for all of them
-};
-
-using tallies = std::map<uint16_t, opcode_tally>;
-
-tallies tally_differences(const driver_memory &memory, comparison &compared) {
-    tallies by_opcode;
-    memory.each_row([&](const remembered_row &row) {
-        opcode_tally &tally = by_opcode[row.request.opcode];
-        tally.questions += row.steps.size();
-        for (const remembered_step &step : row.steps) {
-            tally.different += compared.is_alike(row, step) ? 0 : 1;
-        }
-    });
-    for (auto &[opcode, tally] : by_opcode) {
-        tally.refused_alike =
-            best_refused_alike(memory.refusals(opcode), tally.questions, tally.different);
-    }
-    return by_opcode;
 }
 
 // The rules for the questions of a row that are still to be answered: one for each, or one for the
 // argument behind those for all its other questions.
 void add_rules(const remembered_row &row, const std::vector<remembered_step> &open,
                std::vector<override_rule> &rules) {
-    std::map<uint32_t, size_t> refusals;
+    std::map<uint32_t, uint32_t> refusals;
     for (const remembered_step &step : open) {
         if (const auto status = row.refusal(step)) {
             refusals[*status]++;
@@ -142,65 +117,60 @@ void add_rules(const remembered_row &row, const std::vector<remembered_step> &op
         }
     }
     if (alike) {
-        override_rule &all = rules.emplace_back();
-        all.opcode = row.request.opcode;
-        all.argument = row.request.arg;
-        all.status = alike;
+        rules.push_back(
+            {.opcode = row.request.opcode, .argument = row.request.arg, .status = alike});
     }
+}
+
+size_t count_different(const driver_memory &memory, comparison &compared, uint16_t opcode) {
+    size_t different = 0;
+    memory.each_row(
+        [&](const remembered_row &row) {
+            for (const remembered_step &step : row.steps) {
+                different += compared.is_alike(row, step) ? 0 : 1;
+            }
+        },
+        opcode);
+    return different;
 }
 
 } // namespace
 
 bool is_answered_alike(const driver_memory &memory, host &described, uint16_t opcode) {
     comparison compared(described);
-    bool alike = true;
-    memory.each_row(
-        [&](const remembered_row &row) {
-            for (const remembered_step &step : row.steps) {
-                alike = alike && compared.is_alike(row, step);
-            }
-        },
-        opcode);
-    return alike;
+    return count_different(memory, compared, opcode) == 0;
 }
 
 std::vector<override_rule> differences(const driver_memory &memory, host &described) {
     comparison compared(described);
-    tallies by_opcode = tally_differences(memory, compared);
     std::vector<override_rule> rules;
-    const auto end_opcode = [&](uint16_t opcode) {
-        if (const auto status = by_opcode[opcode].refused_alike) {
-            override_rule &all = rules.emplace_back();
-            all.opcode = opcode;
-            all.status = status;
+    for (const auto &[opcode, tally] : memory.tallies()) {
+        const size_t different = count_different(memory, compared, opcode);
+        if (different == 0) {
+            continue;
         }
-    };
-    std::optional<uint16_t> at;
-    memory.each_row([&](const remembered_row &row) {
-        if (at && *at != row.request.opcode) {
-            end_opcode(*at);
+        const std::optional<uint32_t> alike =
+            best_refused_alike(tally.refusals, tally.questions, different);
+        memory.each_row(
+            [&](const remembered_row &row) {
+                std::vector<remembered_step> open;
+                for (const remembered_step &step : row.steps) {
+                    if (alike ? row.refusal(step) != alike : !compared.is_alike(row, step)) {
+                        open.push_back(step);
+                    }
+                }
+                // A step that is handed back as it came is asked for in the driver's own bytes.
+                if (row.form.steps_by_reply != 0 && !open.empty()) {
+                    open.assign(row.steps.begin(), row.steps.end());
+                }
+                if (rules.size() <= RULES_LIMIT) {
+                    add_rules(row, open, rules);
+                }
+            },
+            opcode);
+        if (alike) {
+            rules.push_back({.opcode = opcode, .status = alike});
         }
-        at = row.request.opcode;
-        const opcode_tally &tally = by_opcode[row.request.opcode];
-        if (tally.different == 0 || rules.size() > RULES_LIMIT) {
-            return;
-        }
-        std::vector<remembered_step> open;
-        for (const remembered_step &step : row.steps) {
-            const bool is_answered = tally.refused_alike ? row.refusal(step) == tally.refused_alike
-                                                         : compared.is_alike(row, step);
-            if (!is_answered) {
-                open.push_back(step);
-            }
-        }
-        // A step that is handed back as it came is asked for in the driver's own bytes.
-        if (row.form.steps_by_reply != 0 && !open.empty()) {
-            open.assign(row.steps.begin(), row.steps.end());
-        }
-        add_rules(row, open, rules);
-    });
-    if (at) {
-        end_opcode(*at);
     }
     return rules;
 }

@@ -12,10 +12,6 @@ namespace {
 
 call_listener *listening = nullptr;
 
-uint8_t *bytes_at(uint32_t address) {
-    return reinterpret_cast<uint8_t *>(static_cast<uintptr_t>(address));
-}
-
 // Of the one reply that goes beyond its capacity.
 uint32_t room_behind(const kxdpa_request &request) {
     const answer *form = has_flag(request, KXDPA_FLAG_MAX) ? find_answer(request) : nullptr;

@@ -25,12 +25,16 @@ public:
 // Who gets the calls from now on; nullptr for the driver.
 void listen_to_calls(call_listener *listener);
 
+inline uint8_t *bytes_at(uint32_t address) {
+    return reinterpret_cast<uint8_t *>(static_cast<uintptr_t>(address));
+}
+
 // What a request carries: its length in bytes, or a text up to its NUL; nothing without input.
 inline std::span<const uint8_t> input_of(const kxdpa_request &request) {
     if (!has_input(request) || request.buf1 == 0) {
         return {};
     }
-    const auto *bytes = reinterpret_cast<const uint8_t *>(static_cast<uintptr_t>(request.buf1));
+    const uint8_t *bytes = bytes_at(request.buf1);
     return {bytes, request.len1 != 0
                        ? request.len1
                        : strnlen(reinterpret_cast<const char *>(bytes), request.max1)};

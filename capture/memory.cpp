@@ -50,10 +50,6 @@ uint32_t longest_walk(uint16_t opcode) {
 // people use is none of these.
 constexpr uint32_t UNTOLD[] = {0xB6A5C396, 0x495A3C69};
 
-uint8_t *bytes_at(uint32_t address) {
-    return reinterpret_cast<uint8_t *>(static_cast<uintptr_t>(address));
-}
-
 // What a driver leaves alone has to be known: one caller may have preset what another has not, and
 // the type behind the UUID may not be told. So a word is asked for over one of ours; `*unwritten`
 // becomes how many of its bytes the driver did not write.
@@ -247,7 +243,7 @@ bool driver_memory::may_ask(const shape &of, const row *in) {
     constexpr size_t STARTS = 4;
     const size_t known = !of.walks_by_input ? of.rows : in == nullptr ? 0 : in->list->size();
     const size_t bytes =
-        inputs_.bytes() + answers_.bytes() + list_bytes_ + rows_.size() * ROW_BYTES;
+        inputs_.bytes() + answers_.bytes() + list_bytes_ + rows_.size() * ROW_BYTES + walked_bytes_;
     if (of.longest != 0 && known > of.longest + STARTS) {
         cut_off("the walk of opcode " + std::to_string(of.request.opcode) +
                 " does not end and is cut after " + std::to_string(of.longest) + " entries");
@@ -296,6 +292,7 @@ void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
     const byte_pool::item *input = inputs_.intern(input_of(record));
     const driver_answer told = ask_once(*in.form, record);
     learn(of, in, asked, bytes_of(*input), told);
+    walked_bytes_ += of.longest != 0 && told.reply ? told.reply->size() : 0;
 
     std::span<const uint8_t> reply = told.reply.value_or(std::span<const uint8_t>());
     while (!reply.empty() && reply.back() == 0) {
@@ -360,47 +357,21 @@ void driver_memory::each_row(const std::function<void(const remembered_row &)> &
     }
 }
 
-std::map<uint32_t, uint64_t> driver_memory::refusals(uint16_t opcode) const {
-    std::map<uint32_t, uint64_t> counts;
-    each_row(
-        [&](const remembered_row &asked) {
-            for (const remembered_step &step : asked.steps) {
-                if (const auto status = asked.refusal(step)) {
-                    counts[*status]++;
-                }
+std::map<uint16_t, opcode_tally> driver_memory::tallies() const {
+    std::map<uint16_t, opcode_tally> tallies;
+    each_row([&](const remembered_row &asked) {
+        opcode_tally &tally = tallies[asked.request.opcode];
+        tally.walks = longest_walk(asked.request.opcode) != 0;
+        tally.questions += static_cast<uint32_t>(asked.steps.size());
+        for (const remembered_step &step : asked.steps) {
+            if (step.told().status == KXDPA_STATUS_SUCCESS) {
+                tally.told++;
+            } else if (const auto status = asked.refusal(step)) {
+                tally.refusals[*status]++;
             }
-        },
-        opcode);
-    return counts;
-}
-
-std::vector<refused_opcode> driver_memory::refused(bool with_ends_of_walks) const {
-    std::vector<refused_opcode> counts;
-    each_row([&](const remembered_row &asked) {
-        const auto count = static_cast<uint32_t>(
-            std::count_if(asked.steps.begin(), asked.steps.end(), [](const remembered_step &step) {
-                return step.told().status != KXDPA_STATUS_SUCCESS;
-            }));
-        if (count == 0 || (!with_ends_of_walks && longest_walk(asked.request.opcode) != 0)) {
-            return;
         }
-        if (counts.empty() || counts.back().opcode != asked.request.opcode) {
-            counts.push_back({asked.request.opcode, 0});
-        }
-        counts.back().count += count;
     });
-    return counts;
-}
-
-bool driver_memory::was_told_anything() const {
-    bool told = false;
-    each_row([&](const remembered_row &asked) {
-        told = told ||
-               std::any_of(asked.steps.begin(), asked.steps.end(), [](const remembered_step &step) {
-                   return step.told().status == KXDPA_STATUS_SUCCESS;
-               });
-    });
-    return told;
+    return tallies;
 }
 
 void driver_memory::cut_off(const std::string &why) {

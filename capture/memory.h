@@ -65,6 +65,14 @@ struct remembered_row {
     std::optional<uint32_t> refusal(const remembered_step &step) const;
 };
 
+// What became of the questions of an opcode.
+struct opcode_tally {
+    bool walks = false; // they are steps, and what is refused are ends
+    uint32_t questions = 0;
+    uint32_t told = 0;                       // of these succeeded
+    std::map<uint32_t, uint32_t> refusals{}; // by status, of those that were told nothing else
+};
+
 class driver_memory : public call_listener {
 public:
     // What is learnt goes into `learnt`. After `time_limit` nothing more is asked. `is_wanted` is
@@ -85,10 +93,7 @@ public:
     // was asked in several forms, that is what the first one asked: a rule cannot tell them apart.
     void each_row(const std::function<void(const remembered_row &)> &visit,
                   std::optional<uint16_t> opcode = {}) const;
-    // How often each status came from an opcode that nothing was told with.
-    std::map<uint32_t, uint64_t> refusals(uint16_t opcode) const;
-    std::vector<refused_opcode> refused(bool with_ends_of_walks = false) const;
-    bool was_told_anything() const; // the driver has not refused everything
+    std::map<uint16_t, opcode_tally> tallies() const;
     // Why questions were refused that the driver never saw; empty when none were.
     const std::vector<std::string> &cut() const {
         return cut_;
@@ -159,6 +164,7 @@ private:
     std::map<row_key, row> rows_;
     std::set<steps> lists_;
     size_t list_bytes_ = 0;
+    size_t walked_bytes_ = 0; // of replies to steps, which the description keeps each by itself
     byte_pool inputs_, answers_;
     exchange told_; // what is being learnt from
     std::vector<uint8_t> answer_bytes_;

@@ -93,17 +93,6 @@ std::string name_beside(const destination &to, const std::string &ending) {
     return folder_of(to.target) + ".tarncap-" + ending;
 }
 
-// Returns false, with errno as it is.
-bool give_up(int file, const std::string &name) {
-    const int reason = errno;
-    if (file != -1) {
-        close(file);
-    }
-    unlink(name.c_str());
-    errno = reason;
-    return false;
-}
-
 bool write_all(int file, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(file, text.data(), text.size());
@@ -115,13 +104,18 @@ bool write_all(int file, std::string_view text) {
     return true;
 }
 
+// Close a file. Returns true when `done` tells that all went well before, and this, too; errno says
+// what did not.
+bool close_after(bool done, int file) {
+    const int reason = errno;
+    const bool closed = close(file) == 0;
+    errno = done ? errno : reason;
+    return done && closed;
+}
+
 bool write_as_it_is(const destination &to, std::string_view text) {
     const int file = open(to.target.c_str(), O_WRONLY | O_CLOEXEC);
-    const bool written = file != -1 && write_all(file, text);
-    const int reason = errno;
-    const bool closed = file != -1 && close(file) == 0;
-    errno = written ? errno : reason;
-    return written && closed;
+    return file != -1 && close_after(write_all(file, text), file);
 }
 
 // A file without a name is gone when its process is. -1 where the file system has none.
@@ -129,55 +123,42 @@ int open_nameless(const destination &to) {
     return open((folder_of(to.target) + ".").c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
 }
 
-bool put_in_place(int file, const destination &to) {
+bool give_name(int file, const std::string &name) {
     const std::string nameless = "/proc/self/fd/" + std::to_string(file);
-    const std::string beside = name_beside(to, std::to_string(getpid()));
-    const held_back_signals until_renamed;
-    if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, beside.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-        return false;
-    }
-    return std::rename(beside.c_str(), to.target.c_str()) == 0 || give_up(-1, beside);
+    return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
-bool write_nameless(const destination &to, std::string_view text) {
-    const int file = open_nameless(to);
+// By a file without a name until it is whole, or by one with a name: every file system has that
+// way, but a process that is killed leaves the file behind.
+bool replace(const destination &to, std::string_view text, bool nameless) {
+    const held_back_signals until_renamed;
+    std::string beside = name_beside(to, nameless ? std::to_string(getpid()) : "XXXXXX");
+    const int file = nameless ? open_nameless(to) : mkostemp(beside.data(), O_CLOEXEC);
     if (file == -1) {
         return false;
     }
-    const bool written =
-        write_all(file, text) && fchmod(file, to.mode) == 0 && put_in_place(file, to);
-    close(file);
-    return written;
-}
-
-// Every file system has this way, but a process that is killed leaves the file behind.
-bool write_beside(const destination &to, std::string_view text) {
-    std::string beside = name_beside(to, "XXXXXX");
-    const held_back_signals until_renamed;
-    const int file = mkostemp(beside.data(), O_CLOEXEC);
-    if (file == -1) {
-        return false;
+    bool is_named = !nameless;
+    const bool written = write_all(file, text) && fchmod(file, to.mode) == 0 &&
+                         (is_named || (is_named = give_name(file, beside)));
+    if (close_after(written, file) && std::rename(beside.c_str(), to.target.c_str()) == 0) {
+        return true;
     }
-    if (!write_all(file, text) || fchmod(file, to.mode) != 0) {
-        return give_up(file, beside);
+    const int reason = errno;
+    if (is_named) {
+        unlink(beside.c_str());
     }
-    return (close(file) == 0 && std::rename(beside.c_str(), to.target.c_str()) == 0) ||
-           give_up(-1, beside);
+    errno = reason;
+    return false;
 }
 
 bool can_be_replaced(const destination &to) {
+    const held_back_signals until_removed;
+    std::string beside = name_beside(to, "XXXXXX");
     int file = open_nameless(to);
-    if (file == -1) {
-        std::string beside = name_beside(to, "XXXXXX");
-        const held_back_signals until_removed;
-        file = mkostemp(beside.data(), O_CLOEXEC);
-        if (file == -1) {
-            return false;
-        }
+    if (file == -1 && (file = mkostemp(beside.data(), O_CLOEXEC)) != -1) {
         unlink(beside.c_str());
     }
-    close(file);
-    return true;
+    return file != -1 && close(file) == 0;
 }
 
 } // namespace
@@ -193,7 +174,7 @@ bool check_output_file(const std::string &path, std::string &error) {
 bool write_output_file(const std::string &path, std::string_view text, std::string &error) {
     destination to;
     const bool written = find_destination(path, to) &&
-                         (to.replaced ? write_nameless(to, text) || write_beside(to, text)
+                         (to.replaced ? replace(to, text, true) || replace(to, text, false)
                                       : write_as_it_is(to, text));
     return written || fail(path, error);
 }

@@ -11,47 +11,51 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace {
 
 // Each byte of an answer takes at least two of the file, but for runs of equal ones.
 constexpr size_t BYTES_LIMIT = HOST_FILE_LIMIT * 2;
+constexpr size_t QUESTION_BYTES = 96;                // roughly
 constexpr size_t RULES_LIMIT = HOST_FILE_LIMIT / 32; // they take more bytes than that each
 
-// A question: opcode, argument and input, in bytes of the pool.
-struct question_head {
-    uint32_t opcode;
+// The input and the reply are nullptr where there is none.
+struct question {
+    uint16_t opcode;
     uint32_t argument;
-    uint32_t has_input;
+    const byte_pool::item *input;
+
+    bool operator<(const question &other) const {
+        return std::tie(opcode, argument, input) <
+               std::tie(other.opcode, other.argument, other.input);
+    }
 };
 
-struct answer_head {
+struct told_answer {
     int error;
     uint32_t status;
-    uint32_t has_reply;
-    uint32_t has_returned;
-    uint32_t returned;
+    std::optional<uint32_t> returned;
+    const byte_pool::item *reply;
+
+    bool operator==(const told_answer &) const = default;
+    bool operator<(const told_answer &other) const {
+        return std::tie(error, status, returned, reply) <
+               std::tie(other.error, other.status, other.returned, other.reply);
+    }
 };
 
 // So many times in a row the same answer.
 struct run {
-    const byte_pool::item *answer;
+    told_answer answer;
     uint32_t times;
 };
 
 struct recorded_question {
-    const byte_pool::item *asked;
-    std::vector<run> runs;
+    question asked;
+    std::vector<run> runs{};
 };
-
-template <typename Head>
-std::vector<uint8_t> with_head(const Head &head, std::span<const uint8_t> bytes) {
-    const auto *start = reinterpret_cast<const uint8_t *>(&head);
-    std::vector<uint8_t> all(start, start + sizeof head);
-    all.insert(all.end(), bytes.begin(), bytes.end());
-    return all;
-}
 
 class recorder : public call_listener {
 public:
@@ -61,14 +65,15 @@ public:
 
     int call(kxdpa_request &record) override {
         const kxdpa_request asked = record;
-        const std::vector<uint8_t> question = with_head(
-            question_head{asked.opcode, asked.arg, has_input(asked) ? 1U : 0U}, input_of(asked));
+        const byte_pool::item *input = nullptr;
+        too_large_ |= bytes_.bytes() + kept_bytes_ >= BYTES_LIMIT;
+        if (!too_large_ && has_input(asked)) {
+            input = bytes_.intern(input_of(asked)); // which the driver may overwrite
+        }
         driver_answer told = ask_driver(record);
         told.returned = odd_length(asked, told);
-        if (questions_.bytes() + answers_.bytes() + run_bytes_ < BYTES_LIMIT) {
-            keep(question, told);
-        } else {
-            too_large_ = true;
+        if (!too_large_) {
+            keep({asked.opcode, asked.arg, input}, told);
         }
         if (interrupted_ != nullptr && *interrupted_ != 0) {
             leave_();
@@ -91,67 +96,64 @@ public:
     }
 
 private:
-    void keep(std::span<const uint8_t> question, const driver_answer &told) {
-        const byte_pool::item *asked = questions_.intern(question);
-        if (asked->second == recorded_.size()) {
-            recorded_.push_back({asked, {}});
+    void keep(const question &asked, const driver_answer &told) {
+        const auto [found, is_new] = places_.try_emplace(asked, recorded_.size());
+        if (is_new) {
+            recorded_.push_back({asked});
+            kept_bytes_ += QUESTION_BYTES;
         }
-        const byte_pool::item *answer = answers_.intern(
-            with_head(answer_head{told.error, told.status, told.reply ? 1U : 0U,
-                                  told.returned ? 1U : 0U, told.returned.value_or(0)},
-                      told.reply.value_or(std::span<const uint8_t>())));
-        std::vector<run> &so_far = recorded_[asked->second].runs;
+        const told_answer answer = {told.error, told.status, told.returned,
+                                    told.reply ? bytes_.intern(*told.reply) : nullptr};
+        std::vector<run> &so_far = recorded_[found->second].runs;
         if (!so_far.empty() && so_far.back().answer == answer) {
             so_far.back().times++;
         } else {
             so_far.push_back({answer, 1});
-            run_bytes_ += sizeof(run);
+            kept_bytes_ += sizeof(run);
         }
     }
 
     static void add_rules(const recorded_question &recorded, std::vector<override_rule> &rules) {
-        std::map<const byte_pool::item *, uint64_t> times;
+        std::map<told_answer, uint64_t> times;
         for (const auto &[answer, count] : recorded.runs) {
             times[answer] += count;
         }
         // Of answers that came equally often the one that came first.
-        const byte_pool::item *usual = recorded.runs.front().answer;
+        told_answer usual = recorded.runs.front().answer;
         for (const auto &[answer, count] : recorded.runs) {
             usual = times[answer] > times[usual] ? answer : usual;
         }
         uint32_t time = 0;
         for (const auto &[answer, count] : recorded.runs) {
             for (uint32_t i = 0; i < count && answer != usual && rules.size() <= RULES_LIMIT; i++) {
-                rules.push_back(rule_of(*recorded.asked, *answer));
+                rules.push_back(rule_of(recorded.asked, answer));
                 rules.back().only_time = time + i + 1;
             }
             time += count;
         }
-        rules.push_back(rule_of(*recorded.asked, *usual));
+        rules.push_back(rule_of(recorded.asked, usual));
     }
 
-    static override_rule rule_of(const byte_pool::item &question, const byte_pool::item &answer) {
-        question_head asked{};
-        std::memcpy(&asked, question.first.data(), sizeof asked);
-        answer_head head{};
-        std::memcpy(&head, answer.first.data(), sizeof head);
-        driver_answer told = {.error = head.error, .status = head.status};
-        if (head.has_reply != 0) {
-            told.reply = bytes_of(answer).subspan(sizeof head);
+    static override_rule rule_of(const question &asked, const told_answer &answer) {
+        driver_answer told = {
+            .error = answer.error, .status = answer.status, .returned = answer.returned};
+        if (answer.reply != nullptr) {
+            told.reply = bytes_of(*answer.reply);
         }
-        if (head.has_returned != 0) {
-            told.returned = head.returned;
+        std::optional<std::span<const uint8_t>> input;
+        if (asked.input != nullptr) {
+            input = bytes_of(*asked.input);
         }
         kxdpa_request request{};
-        request.opcode = static_cast<uint16_t>(asked.opcode);
+        request.opcode = asked.opcode;
         request.arg = asked.argument;
-        const auto input = bytes_of(question).subspan(sizeof asked);
-        return rule_for(request, asked.has_input != 0 ? std::optional(input) : std::nullopt, told);
+        return rule_for(request, input, told);
     }
 
-    byte_pool questions_, answers_;
-    std::vector<recorded_question> recorded_; // by number
-    size_t run_bytes_ = 0;
+    byte_pool bytes_;                         // of inputs and replies
+    std::vector<recorded_question> recorded_; // in the order of coming
+    std::map<question, size_t> places_;
+    size_t kept_bytes_ = 0; // beside them, roughly
     bool too_large_ = false;
     const volatile int *interrupted_;
     void (*leave_)();

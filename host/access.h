@@ -37,6 +37,9 @@ template <typename T> inline constexpr bool IS_OPTIONAL<std::optional<T>> = true
 template <typename T> inline constexpr bool IS_MAP = false;
 template <typename K, typename V> inline constexpr bool IS_MAP<std::map<K, V>> = true;
 
+template <typename T, typename item> inline constexpr bool IS_ARRAY_OF = false;
+template <typename item, size_t size> inline constexpr bool IS_ARRAY_OF<item[size], item> = true;
+
 template <typename owner, typename field> owner owner_of(field owner::*);
 template <auto first, auto...> struct path_owner { using type = decltype(owner_of(first)); };
 template <auto... path> using owner = typename path_owner<path...>::type;
@@ -87,14 +90,14 @@ template <typename T> key_value say(const T &field) {
         value.numbers.assign(field.begin(), field.end());
     } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
         value.texts = field;
-    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
+    } else if constexpr (IS_ARRAY_OF<T, uint32_t>) {
         // Numbers that are not used stand as zeros behind the others.
         auto end = std::end(field);
         while (end != std::begin(field) && end[-1] == 0) {
             --end;
         }
         value.numbers.assign(std::begin(field), end);
-    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+    } else if constexpr (IS_ARRAY_OF<T, char>) {
         value.bytes.assign(field, std::find(std::begin(field), std::end(field), '\0'));
     } else {
         value.bytes.assign(std::begin(field), std::end(field));
@@ -106,7 +109,7 @@ template <typename T> key_value say(const T &field) {
 template <typename T> bool is_same(const T &one, const T &other) {
     if constexpr (IS_OPTIONAL<T>) {
         return one && other ? is_same(*one, *other) : one.has_value() == other.has_value();
-    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+    } else if constexpr (IS_ARRAY_OF<T, char>) {
         return std::string_view(one, strnlen(one, sizeof one)) ==
                std::string_view(other, strnlen(other, sizeof other));
     } else if constexpr (std::is_array_v<T>) {
@@ -131,7 +134,7 @@ template <typename T> void assign(T &field, const key_value &value) {
         field = {value.numbers.begin(), value.numbers.end()};
     } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
         field = value.texts;
-    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, uint32_t>) {
+    } else if constexpr (IS_ARRAY_OF<T, uint32_t>) {
         std::fill(std::begin(field), std::end(field), 0U);
         std::copy_n(value.numbers.begin(), std::min(value.numbers.size(), std::size(field)), field);
     } else if constexpr (std::is_same_v<T, std::string> ||
@@ -151,7 +154,7 @@ template <typename T> constexpr uint64_t most_of() {
         return 1;
     } else if constexpr (std::is_integral_v<T>) {
         return static_cast<uint64_t>(std::numeric_limits<T>::max());
-    } else if constexpr (std::is_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
+    } else if constexpr (IS_ARRAY_OF<T, char>) {
         return std::extent_v<T>;
     } else {
         return std::numeric_limits<uint32_t>::max();
@@ -210,45 +213,34 @@ template <auto... path> void reset_at_path(void *object) {
     }
 }
 
+template <typename T> T inside_of(const T *);
+template <typename T> T inside_of(const std::optional<T> *);
+// The list at the end of the path, optional or not.
+template <auto... path>
+using list_of = decltype(inside_of(static_cast<const field_of<path...> *>(nullptr)));
+
 template <auto... path>
 bool each_item(const void *object, const std::function<void(const void *)> &visit) {
-    const auto *field = look_along<path...>(object);
-    using container = field_of<path...>;
-    if constexpr (IS_OPTIONAL<container>) {
-        if (field == nullptr || !*field) {
-            return false;
-        }
-        for (const auto &item : **field) {
-            visit(&item);
-        }
-    } else if constexpr (IS_MAP<container>) {
-        // An entry is visited in place: it lies in memory as the struct does.
-        static_assert(sizeof(keyed<container>) == sizeof(typename container::value_type));
-        for (const auto &entry : *field) {
-            visit(&entry);
-        }
-    } else {
-        for (const auto &item : *field) {
-            visit(&item);
-        }
+    const auto *list = static_cast<const list_of<path...> *>(look_at_part<path...>(object));
+    if (list == nullptr) {
+        return false;
+    }
+    // An entry of a map is visited in place: it lies in memory as the struct does.
+    for (const auto &item : *list) {
+        visit(&item);
     }
     return true;
 }
 
 template <auto... path> void append_item(void *object, void *item) {
-    auto *field = open_along<path...>(object);
-    using container = field_of<path...>;
-    if constexpr (IS_OPTIONAL<container>) {
-        if (!*field) {
-            field->emplace();
-        }
-        using element = typename container::value_type::value_type;
-        (*field)->push_back(std::move(*static_cast<element *>(item)));
-    } else if constexpr (IS_MAP<container>) {
+    using container = list_of<path...>;
+    auto *list = static_cast<container *>(open_part<path...>(object));
+    if constexpr (IS_MAP<container>) {
+        static_assert(sizeof(keyed<container>) == sizeof(typename container::value_type));
         auto *entry = static_cast<keyed<container> *>(item);
-        field->emplace(std::move(entry->key), std::move(entry->value));
+        list->emplace(std::move(entry->key), std::move(entry->value));
     } else {
-        field->push_back(std::move(*static_cast<typename container::value_type *>(item)));
+        list->push_back(std::move(*static_cast<typename container::value_type *>(item)));
     }
 }
 
@@ -424,10 +416,9 @@ constexpr key text_key(const char *name, const key_access &access, uint64_t most
 
 constexpr key word_key(const char *name, const key_access &access, std::span<const key_word> words,
                        const char *meaning, key_type type = key_type::word) {
-    key made = plain_key<key_type::word>(name, access, meaning);
-    made.type = type;
-    made.words = words;
-    return made;
+    return plain_key<key_type::word>(name, access, meaning)
+        .with(&key::type, type)
+        .with(&key::words, words);
 }
 
 constexpr key words_key(const char *name, const key_access &access, std::span<const key_word> words,
@@ -438,9 +429,7 @@ constexpr key words_key(const char *name, const key_access &access, std::span<co
 template <key_type type>
 constexpr key key_with_table(const char *name, const key_access &access, const key_table &table,
                              const char *meaning) {
-    key made = plain_key<type>(name, access, meaning);
-    made.table = &table;
-    return made;
+    return plain_key<type>(name, access, meaning).with(&key::table, &table);
 }
 
 inline constexpr auto *object_key = key_with_table<key_type::object>;

@@ -104,48 +104,35 @@ struct key {
     bool refusable = false; // null says that the driver refuses it
 
     // Rows are written as the plain key and what is special about it.
-    constexpr key in(const char *what) const {
+    template <typename T> constexpr key with(T key::*member, T value) const {
         key changed = *this;
-        changed.unit = what;
+        changed.*member = value;
         return changed;
+    }
+    constexpr key in(const char *what) const {
+        return with(&key::unit, what);
     }
     constexpr key from(uint64_t number) const {
-        key changed = *this;
-        changed.least = number;
-        return changed;
+        return with(&key::least, number);
     }
     constexpr key to(uint64_t number) const {
-        key changed = *this;
-        changed.most = number;
-        return changed;
+        return with(&key::most, number);
     }
     constexpr key up_to(uint64_t count) const {
-        key changed = *this;
-        changed.items = count;
-        return changed;
-    }
-    constexpr key must() const {
-        key changed = *this;
-        changed.required = true;
-        changed.always = true;
-        return changed;
-    }
-    constexpr key once() const {
-        key changed = must();
-        changed.unique = true;
-        return changed;
+        return with(&key::items, count);
     }
     constexpr key written() const {
-        key changed = *this;
-        changed.always = true;
-        return changed;
+        return with(&key::always, true);
+    }
+    constexpr key must() const {
+        return written().with(&key::required, true);
+    }
+    constexpr key once() const {
+        return must().with(&key::unique, true);
     }
     // The default is not a value but what the words say; null is not taken.
     constexpr key or_else(const char *words_for_it) const {
-        key changed = *this;
-        changed.otherwise = words_for_it;
-        changed.refusable = false;
-        return changed;
+        return with(&key::otherwise, words_for_it).with(&key::refusable, false);
     }
 };
 

@@ -53,32 +53,26 @@ struct object_reading {
         file.complain(at.line, path_of(name), reason);
     }
 
-    void take_value(const key &row, const json_value &value, void *object) const {
+    // Hand what is read to set(), which returns false when it has no place.
+    template <typename Set>
+    void take_value(const key &row, const json_value &value, std::string_view name, Set set) const {
         key_value read;
         std::string reason = read_value(row, value, read);
-        if (reason.empty() && !row.access.set(object, read)) {
+        if (reason.empty() && !set(read)) {
             reason = REFUSED;
         }
         if (!reason.empty()) {
-            complain(value, row.name, reason);
+            complain(value, name, reason);
         }
     }
 
     void take_counters(const key &row, void *object) {
         for (uint32_t index = 0; index < row.items; index++) {
             const std::string name = std::to_string(index);
-            const json_value *value = take(name);
-            if (value == nullptr) {
-                continue;
-            }
-            key_value read;
-            std::string reason = read_value(row, *value, read);
-            if (reason.empty() &&
-                (object == nullptr || !row.access.set_at(object, index, read.number))) {
-                reason = REFUSED;
-            }
-            if (!reason.empty()) {
-                complain(*value, name, reason);
+            if (const json_value *value = take(name)) {
+                take_value(row, *value, name, [&](const key_value &read) {
+                    return object != nullptr && row.access.set_at(object, index, read.number);
+                });
             }
         }
     }
@@ -178,7 +172,8 @@ void object_reading::take_row(const key &row, void *object) {
     } else if (row.type == key_type::list) {
         take_list(row, *value, object);
     } else {
-        take_value(row, *value, object);
+        take_value(row, *value, row.name,
+                   [&](const key_value &read) { return row.access.set(object, read); });
     }
 }
 

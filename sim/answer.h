@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 constexpr uint32_t ANY_ARGUMENT = 0xFFFFFFFF;
@@ -38,22 +40,22 @@ struct answer {
     bool (*alike)(const exchange &one, const exchange &other) = nullptr;
     // A step of a walk that hands the whole reply back: the steps of an argument stand together.
     uint32_t steps_by_reply = 0; // 0 or 1, of a size that leaves no gap
-    const char *key = nullptr; // as in key_place(), where the opcode's family says another
+    const char *key = nullptr;   // as in key_place(), where the opcode's family says another
 
-    constexpr answer for_argument(uint32_t only) const {
+    // The rows of the tables are written as the plain form and what is special about it.
+    template <typename T> constexpr answer with(T answer::*member, T value) const {
         answer changed = *this;
-        changed.argument = only;
+        changed.*member = value;
         return changed;
     }
-    constexpr answer told_alike(bool (*when)(const exchange &, const exchange &)) const {
-        answer changed = *this;
-        changed.alike = when;
-        return changed;
+    constexpr answer for_argument(uint32_t only) const {
+        return with(&answer::argument, only);
     }
     constexpr answer from_key(const char *name) const {
-        answer changed = *this;
-        changed.key = name;
-        return changed;
+        return with(&answer::key, name);
+    }
+    constexpr answer told_alike(decltype(alike) when) const {
+        return with(&answer::alike, when);
     }
 };
 
@@ -85,6 +87,43 @@ constexpr answer set_text(kxdpa_opcode opcode, uint32_t capacity, answer_functio
 
 constexpr answer command(kxdpa_opcode opcode, answer_function *reply) {
     return {opcode, KXDPA_FLAG_NODATA, 0, 0, 0, reply};
+}
+
+// The value of a key, nullptr where there is none.
+template <typename Map> auto *value_in(Map &map, const typename Map::key_type &key) {
+    const auto found = map.find(key);
+    return found == map.end() ? nullptr : &found->second;
+}
+
+// A member of an object that need not be there.
+template <auto member, typename T> auto *member_in(T *object) {
+    return object == nullptr ? nullptr : &(object->*member);
+}
+
+// Many requests read one value: the member at the end of a path from the host.
+
+template <auto first, auto... rest, typename T> auto &member_at(T &object) {
+    if constexpr (sizeof...(rest) == 0) {
+        return object.*first;
+    } else {
+        return member_at<rest...>(object.*first);
+    }
+}
+
+template <auto... path>
+using value_at =
+    typename std::remove_cvref_t<decltype(member_at<path...>(std::declval<host &>()))>::value_type;
+
+template <auto... path> void answer_value(host &state, exchange &talk) {
+    talk.tell(state, member_at<path...>(state));
+}
+
+template <auto... path> void learn_value(host &state, const exchange &told) {
+    told.learn(member_at<path...>(state));
+}
+
+template <auto... path> constexpr answer value(kxdpa_opcode opcode) {
+    return get<value_at<path...>>(opcode, answer_value<path...>, learn_value<path...>);
 }
 
 // Changes nothing that can be asked for.

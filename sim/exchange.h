@@ -53,11 +53,15 @@ struct exchange {
         reply.assign(bytes, bytes + sizeof value);
     }
 
-    // Answer with a value, a text with its terminator, or refuse what this driver does not tell.
-    template <typename record> void tell(const host &state, const std::optional<record> &value) {
+    // Answer with what an optional or a pointer holds, a text with its terminator, or refuse where
+    // it holds nothing.
+    template <typename holder> void tell(const host &state, const holder &value) {
         if (!value) {
             fail(state);
-        } else if constexpr (std::is_same_v<record, std::string>) {
+            // What a compilation leaves out looks alike. NOLINTNEXTLINE(bugprone-branch-clone)
+        } else if constexpr (requires { value->has_value(); }) {
+            tell(state, *value);
+        } else if constexpr (requires { value->c_str(); }) {
             reply.assign(value->begin(), value->end());
             reply.push_back(0);
         } else {

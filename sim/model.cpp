@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <utility>
 
 namespace {
@@ -26,76 +27,60 @@ std::string format(const char *text, ...) {
     return line;
 }
 
-std::string wrong(const char *field, uint32_t found, uint32_t expected) {
-    return format("%s is %u, expected %u", field, found, expected);
+struct field {
+    const char *name;
+    uint32_t found, expected;
+};
+
+// About the first one that is wrong, empty for none.
+std::string check_fields(std::initializer_list<field> fields) {
+    for (const auto &[name, found, expected] : fields) {
+        if (found != expected) {
+            return format("%s is %u, expected %u", name, found, expected);
+        }
+    }
+    return "";
 }
 
 // The fields that have one right value, whatever the opcode.
 std::string check_head(const kxdpa_request &request) {
-    if (request.marker != KXDPA_KERNEL_MARKER) {
-        return wrong("marker", request.marker, KXDPA_KERNEL_MARKER);
+    std::string complaint = check_fields({{"marker", request.marker, KXDPA_KERNEL_MARKER},
+                                          {"version", request.version, KXDPA_KERNEL_VERSION},
+                                          {"reserved", request.reserved[0], 0},
+                                          {"reserved", request.reserved[1], 0},
+                                          {"reserved", request.reserved[2], 0}});
+    const uint32_t longest = std::max(request.len1, request.len2);
+    if (complaint.empty() && longest > TRANSFER_LIMIT) {
+        complaint = format("length is %u, expected at most %u", longest, TRANSFER_LIMIT);
     }
-    if (request.version != KXDPA_KERNEL_VERSION) {
-        return wrong("version", request.version, KXDPA_KERNEL_VERSION);
-    }
-    for (const uint8_t byte : request.reserved) {
-        if (byte != 0) {
-            return wrong("reserved", byte, 0);
-        }
-    }
-    for (const uint32_t length : {request.len1, request.len2}) {
-        if (length > TRANSFER_LIMIT) {
-            return format("length is %u, expected at most %u", length, TRANSFER_LIMIT);
-        }
-    }
-    return "";
+    return complaint;
 }
 
-std::string check_capacity(const kxdpa_request &request, const answer &expected) {
-    const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
-    const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
-    if (request.max1_valid != one) {
-        return wrong("max1_valid", request.max1_valid, one);
+std::string check_buffer(const char *name, uint32_t address, bool is_used) {
+    if ((address != 0) == is_used) {
+        return "";
     }
-    if (request.max2_valid != two) {
-        return wrong("max2_valid", request.max2_valid, two);
-    }
-    if (one == 0 && request.max1 != 0) {
-        return wrong("max1", request.max1, 0);
-    }
-    if (two == 0 && request.max2 != 0) {
-        return wrong("max2", request.max2, 0);
-    }
-    if (one != 0 && request.max1 < expected.capacity) {
-        return format("max1 is %u, expected at least %u", request.max1, expected.capacity);
-    }
-    return "";
-}
-
-std::string check_buffers(const kxdpa_request &request) {
-    const bool one = !has_flag(request, KXDPA_FLAG_NODATA);
-    const bool two = has_flag(request, KXDPA_FLAG_TWO);
-    if ((request.buf1 != 0) != one) {
-        return one ? "buf1 is 0, expected a buffer" : "buf1 is set, expected 0";
-    }
-    if ((request.buf2 != 0) != two) {
-        return two ? "buf2 is 0, expected a buffer" : "buf2 is set, expected 0";
-    }
-    return "";
+    return name + std::string(is_used ? " is 0, expected a buffer" : " is set, expected 0");
 }
 
 std::string check_form(const kxdpa_request &request, const answer &expected) {
-    if (request.flags != expected.flags) {
-        return wrong("flags", request.flags, expected.flags);
+    const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
+    const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
+    std::string complaint = check_fields({{"flags", request.flags, expected.flags},
+                                          {"len1", request.len1, expected.len1},
+                                          {"len2", request.len2, expected.len2},
+                                          {"max1_valid", request.max1_valid, one},
+                                          {"max2_valid", request.max2_valid, two},
+                                          {"max1", request.max1, one * request.max1},
+                                          {"max2", request.max2, two * request.max2}});
+    if (complaint.empty() && one != 0 && request.max1 < expected.capacity) {
+        complaint = format("max1 is %u, expected at least %u", request.max1, expected.capacity);
     }
-    if (request.len1 != expected.len1) {
-        return wrong("len1", request.len1, expected.len1);
+    if (complaint.empty()) {
+        complaint = check_buffer("buf1", request.buf1, !has_flag(request, KXDPA_FLAG_NODATA));
     }
-    if (request.len2 != expected.len2) {
-        return wrong("len2", request.len2, expected.len2);
-    }
-    const std::string complaint = check_capacity(request, expected);
-    return complaint.empty() ? check_buffers(request) : complaint;
+    return complaint.empty() ? check_buffer("buf2", request.buf2, has_flag(request, KXDPA_FLAG_TWO))
+                             : complaint;
 }
 
 bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector<uint8_t> &input) {

@@ -2,10 +2,12 @@
 
 #include "dpa/userspace/kxdpa_request.h"
 #include "sim/exchange.h"
+#include "sim/transfer.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -25,7 +27,7 @@ struct regions {
 regions regions_of(const kxdpa_request &request) {
     regions of{};
     of.first = uint64_t{request.len1} + uint64_t{request.max1} * (request.max1_valid & 1);
-    if ((request.flags & KXDPA_FLAG_TWO) != 0) {
+    if (has_flag(request, KXDPA_FLAG_TWO)) {
         of.second = uint64_t{request.len2} + uint64_t{request.max2} * (request.max2_valid & 1);
     }
     of.total = sizeof request + of.first + of.second;
@@ -34,21 +36,20 @@ regions regions_of(const kxdpa_request &request) {
 
 // Names the first field that is wrong, nullptr for none.
 const char *wrong_field(const kxdpa_request &request) {
-    const auto valid = static_cast<uint32_t>((request.flags & KXDPA_FLAG_MAX) != 0);
-    if (request.marker != KXDPA_SOCKET_MARKER) {
-        return "marker";
-    }
-    if (request.version != KXDPA_SOCKET_VERSION) {
-        return "version";
-    }
-    if (request.reserved[0] != 0 || request.reserved[1] != 0 || request.reserved[2] != 0) {
-        return "reserved";
-    }
-    if (request.max1_valid != valid) {
-        return "max1_valid";
-    }
-    if (request.max2_valid != ((request.flags & KXDPA_FLAG_TWO) != 0 ? valid : 0)) {
-        return "max2_valid";
+    const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
+    const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
+    const struct {
+        const char *name;
+        bool is_wrong;
+    } fields[] = {{"marker", request.marker != KXDPA_SOCKET_MARKER},
+                  {"version", request.version != KXDPA_SOCKET_VERSION},
+                  {"reserved", std::ranges::any_of(request.reserved, std::identity())},
+                  {"max1_valid", request.max1_valid != one},
+                  {"max2_valid", request.max2_valid != two}};
+    for (const auto &[name, is_wrong] : fields) {
+        if (is_wrong) {
+            return name;
+        }
     }
     return nullptr;
 }
@@ -78,10 +79,10 @@ void fill_reply(std::vector<uint8_t> &message, const kxdpa_request &request,
                 const agent_answer &answer) {
     const regions of = regions_of(request);
     set_status(message, answer.status);
-    if (answer.status != KXDPA_STATUS_SUCCESS || (request.flags & KXDPA_FLAG_OUT) == 0) {
+    if (answer.status != KXDPA_STATUS_SUCCESS || !has_flag(request, KXDPA_FLAG_OUT)) {
         return;
     }
-    const bool two = (request.flags & KXDPA_FLAG_TWO) != 0;
+    const bool two = has_flag(request, KXDPA_FLAG_TWO);
     const auto room = static_cast<size_t>(two ? of.second : of.first);
     uint8_t *to = message.data() + sizeof request + (two ? static_cast<size_t>(of.first) : 0);
     const size_t count = std::min(room, answer.reply.size());

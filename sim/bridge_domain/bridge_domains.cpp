@@ -15,11 +15,7 @@ void answer_domain_count(host &state, exchange &talk) {
 
 void answer_next_index(host &state, exchange &talk) {
     const auto next = state.bridge_domains.by_index.upper_bound(talk.request.arg);
-    if (next == state.bridge_domains.by_index.end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(next->first);
-    }
+    talk.tell(state, next == state.bridge_domains.by_index.end() ? nullptr : &next->first);
 }
 
 void learn_next_index(host &state, const exchange &told) {
@@ -27,12 +23,6 @@ void learn_next_index(host &state, const exchange &told) {
     if (told.is_told() && index != 0) {
         state.bridge_domains.by_index.try_emplace(index).first->second.record.index = index;
     }
-}
-
-// nullptr when there is none of that index.
-template <typename Host> auto *find_bridge_domain(Host &state, uint32_t index) {
-    const auto found = state.bridge_domains.by_index.find(index);
-    return found == state.bridge_domains.by_index.end() ? nullptr : &found->second;
 }
 
 kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
@@ -43,16 +33,12 @@ kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
 
 // A driver need not say the index of the one that was asked for.
 void answer_bridge_domain(host &state, exchange &talk) {
-    const bridge_domain *found = find_bridge_domain(state, talk.request.arg);
-    if (found == nullptr || !found->known) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(found->record);
-    }
+    const bridge_domain *found = value_in(state.bridge_domains.by_index, talk.request.arg);
+    talk.tell(state, found != nullptr && found->known ? &found->record : nullptr);
 }
 
 void learn_bridge_domain(host &state, const exchange &told) {
-    bridge_domain *found = find_bridge_domain(state, told.request.arg);
+    bridge_domain *found = value_in(state.bridge_domains.by_index, told.request.arg);
     const auto record = told.reply_as<kx_bd_record>();
     if (found == nullptr || record.vlan > KX_LAST_VLAN) {
         return;
@@ -104,7 +90,17 @@ void answer_by_segment(host &state, exchange &talk) {
 
 // A set of numbers that is counted and walked, and may be refused as a whole.
 
-void answer_count(const host &state, exchange &talk, const std::optional<number_set> *set) {
+std::optional<number_set> *members_of(host &state, const exchange &talk) {
+    return member_in<&bridge_domain::members>(
+        value_in(state.bridge_domains.by_index, talk.request.arg));
+}
+
+std::optional<number_set> *vlans_of(host &state, const exchange & /*talk*/) {
+    return &state.bridge_domains.vlans;
+}
+
+template <auto set_of> void answer_count(host &state, exchange &talk) {
+    const auto *set = set_of(state, talk);
     if (set == nullptr || !*set) {
         talk.fail(state);
     } else {
@@ -113,7 +109,8 @@ void answer_count(const host &state, exchange &talk, const std::optional<number_
 }
 
 // Before any step of the walk.
-void learn_count(const exchange &told, std::optional<number_set> *set) {
+template <auto set_of> void learn_count(host &state, const exchange &told) {
+    auto *set = set_of(state, told);
     if (set != nullptr && !told.is_told()) {
         set->reset();
     }
@@ -125,11 +122,7 @@ void answer_step(const host &state, exchange &talk, const std::optional<number_s
         return talk.fail(state);
     }
     const auto next = from == start ? (*set)->begin() : (*set)->upper_bound(from);
-    if (next == (*set)->end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(*next);
-    }
+    talk.tell(state, next == (*set)->end() ? nullptr : &*next);
 }
 
 void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t least,
@@ -140,33 +133,12 @@ void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t l
     }
 }
 
-template <typename Host> auto *members_of(Host &state, const exchange &talk) {
-    auto *found = find_bridge_domain(state, talk.request.arg);
-    return found == nullptr ? nullptr : &found->members;
-}
-
-void answer_port_count(host &state, exchange &talk) {
-    answer_count(state, talk, members_of(state, talk));
-}
-
-void learn_port_count(host &state, const exchange &told) {
-    learn_count(told, members_of(state, told));
-}
-
 void answer_next_port(host &state, exchange &talk) {
     answer_step(state, talk, members_of(state, talk), talk.input_as<uint32_t>(), BEFORE_FIRST_LTL);
 }
 
 void learn_next_port(host &state, const exchange &told) {
     learn_step(told, members_of(state, told), 0, LAST_LTL);
-}
-
-void answer_vlan_count(host &state, exchange &talk) {
-    answer_count(state, talk, &state.bridge_domains.vlans);
-}
-
-void learn_vlan_count(host &state, const exchange &told) {
-    learn_count(told, &state.bridge_domains.vlans);
 }
 
 void answer_next_vlan(host &state, exchange &talk) {
@@ -178,13 +150,13 @@ void learn_next_vlan(host &state, const exchange &told) {
 }
 
 // The first bridge domain of a VLAN has its groups.
-template <typename Host> auto *groups_of(Host &state, uint32_t vlan) {
+std::vector<uint32_t> *groups_of(host &state, uint32_t vlan) {
     for (auto &[index, bd] : state.bridge_domains.by_index) {
         if (bd.known && bd.record.kind == 0 && bd.record.vlan == vlan) {
             return &bd.groups;
         }
     }
-    return static_cast<decltype(&state.bridge_domains.by_index.begin()->second.groups)>(nullptr);
+    return nullptr;
 }
 
 // Group 0 stands before the first one and, in the reply, behind the last one.
@@ -221,10 +193,11 @@ constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
     lookup(KXDPA_OP_BD_BY_SWBD, answer_by_swbd),
     lookup(KXDPA_OP_BD_BY_NAME, answer_by_name),
     lookup(KXDPA_OP_BD_BY_SEGMENT, answer_by_segment),
-    get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_port_count, learn_port_count),
+    get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_count<members_of>, learn_count<members_of>),
     exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_next_port, learn_next_port),
     exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group),
-    get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_vlan_count, learn_vlan_count).from_key("vlans"),
+    get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_count<vlans_of>, learn_count<vlans_of>)
+        .from_key("vlans"),
     get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_next_vlan, learn_next_vlan).from_key("vlans"),
 };
 

@@ -8,60 +8,35 @@
 
 namespace {
 
-// Most requests read or write one value: the member at the end of a path from the card.
-
-template <auto first, auto... rest, typename T> auto &member_at(T &object) {
-    if constexpr (sizeof...(rest) == 0) {
-        return object.*first;
-    } else {
-        return member_at<rest...>(object.*first);
-    }
-}
-
-template <auto... path> auto &value_at(host &state) {
-    return member_at<path...>(state.card);
-}
-
-template <auto... path>
-using value_of =
-    typename std::remove_cvref_t<decltype(value_at<path...>(std::declval<host &>()))>::value_type;
-
-template <auto... path> void reply_value(host &state, exchange &talk) {
-    talk.tell(state, value_at<path...>(state));
-}
-
-template <auto... path> void learn_value(host &state, const exchange &told) {
-    told.learn(value_at<path...>(state));
-}
-
 // As far as a description goes: a caller may have room for more.
 template <auto... path> void learn_text(host &state, const exchange &told) {
-    auto &text = value_at<path...>(state);
-    told.learn(text);
-    if (text && text->size() > KX_CARD_NAME_CAPACITY) {
+    learn_value<path...>(state, told);
+    if (auto &text = member_at<path...>(state); text && text->size() > KX_CARD_NAME_CAPACITY) {
         text->resize(KX_CARD_NAME_CAPACITY);
     }
 }
 
 template <auto... path> void set_value(host &state, exchange &talk) {
-    value_at<path...>(state) = talk.input_as<value_of<path...>>();
+    member_at<path...>(state) = talk.input_as<value_at<path...>>();
 }
 
-template <auto... path> constexpr answer value(kxdpa_opcode opcode) {
-    return get<value_of<path...>>(opcode, reply_value<path...>, learn_value<path...>);
+template <auto... path> constexpr answer of_card(kxdpa_opcode opcode) {
+    return value<&host::card, path...>(opcode);
 }
 
-template <auto... path> constexpr answer value_with_input(kxdpa_opcode opcode) {
-    return exchanged<value_of<path...>>(opcode, reply_value<path...>, learn_value<path...>);
+template <auto member> constexpr answer with_input(kxdpa_opcode opcode) {
+    return exchanged<value_at<&host::card, member>>(opcode, answer_value<&host::card, member>,
+                                                    learn_value<&host::card, member>);
 }
 
 template <auto member> constexpr answer mac(kxdpa_opcode opcode) {
-    return get<kx_card_mac>(opcode, reply_value<&card_state::macs, member>,
-                            learn_value<&card_state::macs, member>);
+    return get<kx_card_mac>(opcode, answer_value<&host::card, &card_state::macs, member>,
+                            learn_value<&host::card, &card_state::macs, member>);
 }
 
 template <auto... path> constexpr answer text(kxdpa_opcode opcode, uint32_t capacity) {
-    return get_variable(opcode, capacity, reply_value<path...>, learn_text<path...>);
+    return get_variable(opcode, capacity, answer_value<&host::card, path...>,
+                        learn_text<&host::card, path...>);
 }
 
 template <auto member> constexpr answer version_text(uint32_t which) {
@@ -70,7 +45,7 @@ template <auto member> constexpr answer version_text(uint32_t which) {
 }
 
 template <auto... path> constexpr answer set_to(kxdpa_opcode opcode) {
-    return set<value_of<path...>>(opcode, set_value<path...>);
+    return set<value_at<&host::card, path...>>(opcode, set_value<&host::card, path...>);
 }
 
 // The others.
@@ -141,24 +116,20 @@ void set_uuid(host &state, exchange &talk) {
     state.card.uuid_type = talk.request.arg;
 }
 
-constexpr answer uuid() {
-    answer made = get_variable(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid, learn_uuid);
-    made.behind = sizeof kx_card_uuid::type;
-    return made;
-}
-
 constexpr answer CARD_ANSWERS[] = {
-    get<uint32_t>(KXDPA_OP_CARD_DOMAIN, answer_domain, learn_value<&card_state::domain>),
+    get<uint32_t>(KXDPA_OP_CARD_DOMAIN, answer_domain,
+                  learn_value<&host::card, &card_state::domain>),
     get<uint32_t>(KXDPA_OP_CARD_API, answer_card_api, learn_nothing).told_alike(always_alike),
-    uuid(),
+    get_variable(KXDPA_OP_CARD_UUID, KX_CARD_UUID_CAPACITY, answer_uuid, learn_uuid)
+        .with(&answer::behind, uint32_t{sizeof kx_card_uuid::type}),
     text<&card_state::name>(KXDPA_OP_CARD_NAME, KX_CARD_NAME_CAPACITY),
     // Asked with whatever the request before has left.
     text<&card_state::switch_name>(KXDPA_OP_SWITCH_NAME, 0),
     text<&card_state::switch_alias>(KXDPA_OP_SWITCH_ALIAS, 0),
     text<&card_state::switch_uuid>(KXDPA_OP_SWITCH_UUID, KX_CARD_UUID_CAPACITY),
-    value<&card_state::slot>(KXDPA_OP_CARD_SLOT),
-    value<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
-    value<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
+    of_card<&card_state::slot>(KXDPA_OP_CARD_SLOT),
+    of_card<&card_state::tunnel_mode>(KXDPA_OP_TUNNEL_MODE),
+    of_card<&card_state::l3_control_index>(KXDPA_OP_L3_CONTROL_INDEX),
     get<uint32_t>(KXDPA_OP_L3_CONTROL_VLAN, answer_l3_control_vlan, learn_l3_control_vlan),
     mac<&card_macs::control>(KXDPA_OP_CARD_MAC).for_argument(KX_CARD_MAC_CONTROL),
     mac<&card_macs::packet>(KXDPA_OP_CARD_MAC).for_argument(KX_CARD_MAC_PACKET),
@@ -169,37 +140,38 @@ constexpr answer CARD_ANSWERS[] = {
     mac<&card_macs::primary_krt_management>(KXDPA_OP_PRIMARY_KRT_MANAGEMENT_MAC),
     mac<&card_macs::standby_krt_control>(KXDPA_OP_STANDBY_KRT_CONTROL_MAC),
     mac<&card_macs::secondary_krt>(KXDPA_OP_SECONDARY_KRT_MAC),
-    value<&card_state::management_ipv6>(KXDPA_OP_MANAGEMENT_IPV6),
-    value<&card_state::l3_control_ipv4>(KXDPA_OP_L3_CONTROL_IPV4),
-    value<&card_state::upgrade>(KXDPA_OP_UPGRADE_STATE),
-    value<&card_state::physical_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_PHYSICAL_PORTS),
-    value<&card_state::virtual_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_VIRTUAL_PORTS),
-    value<&card_state::control_vlan>(KXDPA_OP_CONTROL_VLAN),
-    value<&card_state::packet_vlan>(KXDPA_OP_PACKET_VLAN),
-    value<&card_state::control_multicast>(KXDPA_OP_CONTROL_MULTICAST),
-    value<&card_state::heartbeat>(KXDPA_OP_HEARTBEAT),
-    value<&card_state::dpa_up>(KXDPA_OP_AGENT_STATUS),
-    value<&card_state::processors>(KXDPA_OP_PROCESSORS),
-    value<&card_state::link_up_delay>(KXDPA_OP_LINK_UP_DELAY),
-    value_with_input<&card_state::uufb>(KXDPA_OP_GLOBAL_UUFB),
-    value<&card_state::load_balancing>(KXDPA_OP_LOAD_BALANCING),
-    value_with_input<&card_state::portset_event>(KXDPA_OP_PORTSET_EVENT),
-    value_with_input<&card_state::bpdu_guard>(KXDPA_OP_GLOBAL_BPDU_GUARD),
-    value<&card_state::leaf_mode>(KXDPA_OP_LEAF_MODE),
-    value_with_input<&card_state::bpdu_filter>(KXDPA_OP_GLOBAL_BPDU_FILTER),
-    value<&card_state::datapath_initialized>(KXDPA_OP_DATAPATH_INITIALIZED),
-    value<&card_state::tag_native_vlan>(KXDPA_OP_TAG_NATIVE_VLAN),
-    value<&card_state::l3sec>(KXDPA_OP_L3SEC_MODE),
+    of_card<&card_state::management_ipv6>(KXDPA_OP_MANAGEMENT_IPV6),
+    of_card<&card_state::l3_control_ipv4>(KXDPA_OP_L3_CONTROL_IPV4),
+    of_card<&card_state::upgrade>(KXDPA_OP_UPGRADE_STATE),
+    of_card<&card_state::physical_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_PHYSICAL_PORTS),
+    of_card<&card_state::virtual_ports>(KXDPA_OP_MAX_PORTS).for_argument(KX_CARD_VIRTUAL_PORTS),
+    of_card<&card_state::control_vlan>(KXDPA_OP_CONTROL_VLAN),
+    of_card<&card_state::packet_vlan>(KXDPA_OP_PACKET_VLAN),
+    of_card<&card_state::control_multicast>(KXDPA_OP_CONTROL_MULTICAST),
+    of_card<&card_state::heartbeat>(KXDPA_OP_HEARTBEAT),
+    of_card<&card_state::dpa_up>(KXDPA_OP_AGENT_STATUS),
+    of_card<&card_state::processors>(KXDPA_OP_PROCESSORS),
+    of_card<&card_state::link_up_delay>(KXDPA_OP_LINK_UP_DELAY),
+    with_input<&card_state::uufb>(KXDPA_OP_GLOBAL_UUFB),
+    of_card<&card_state::load_balancing>(KXDPA_OP_LOAD_BALANCING),
+    with_input<&card_state::portset_event>(KXDPA_OP_PORTSET_EVENT),
+    with_input<&card_state::bpdu_guard>(KXDPA_OP_GLOBAL_BPDU_GUARD),
+    of_card<&card_state::leaf_mode>(KXDPA_OP_LEAF_MODE),
+    with_input<&card_state::bpdu_filter>(KXDPA_OP_GLOBAL_BPDU_FILTER),
+    of_card<&card_state::datapath_initialized>(KXDPA_OP_DATAPATH_INITIALIZED),
+    of_card<&card_state::tag_native_vlan>(KXDPA_OP_TAG_NATIVE_VLAN),
+    of_card<&card_state::l3sec>(KXDPA_OP_L3SEC_MODE),
 
     version_text<&card_versions::hmx>(KX_VERSION_HMX),
     version_text<&card_versions::krt>(KX_VERSION_KRT),
     version_text<&card_versions::system>(KX_VERSION_SYSTEM),
     text<&card_state::versions, &card_versions::opflex_sdk>(KXDPA_OP_OPFLEX_SDK_VERSION,
                                                             KX_SDK_VERSION_CAPACITY),
-    value<&card_state::versions, &card_versions::update_level>(KXDPA_OP_GET_UPDATE_LEVEL),
-    value<&card_state::versions, &card_versions::word>(KXDPA_OP_GET_VERSION_WORD),
-    get_variable(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime), reply_value<&card_state::krt_uptime>,
-                 learn_value<&card_state::krt_uptime>),
+    of_card<&card_state::versions, &card_versions::update_level>(KXDPA_OP_GET_UPDATE_LEVEL),
+    of_card<&card_state::versions, &card_versions::word>(KXDPA_OP_GET_VERSION_WORD),
+    get_variable(KXDPA_OP_KRT_UPTIME, sizeof(kx_krt_uptime),
+                 answer_value<&host::card, &card_state::krt_uptime>,
+                 learn_value<&host::card, &card_state::krt_uptime>),
 
     set<uint32_t>(KXDPA_OP_SET_MANAGEMENT_IPV4, accept), // nothing reads it back
     set_to<&card_state::management_ipv6>(KXDPA_OP_SET_MANAGEMENT_IPV6),

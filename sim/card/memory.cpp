@@ -25,11 +25,7 @@ template <auto list> void answer_next(host &state, exchange &talk) {
         next = find_by_name(entries, query);
         next += next == entries.end() ? 0 : 1;
     }
-    if (next == entries.end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(*next);
-    }
+    talk.tell(state, next == entries.end() ? nullptr : &*next);
 }
 
 // An entry without a name would start the walk again.
@@ -45,18 +41,10 @@ template <auto list> constexpr answer walk(kxdpa_opcode opcode) {
     return exchanged<record_of<list>>(opcode, answer_next<list>, learn_next<list>);
 }
 
-void answer_asserts(host &state, exchange &talk) {
-    talk.tell(state, state.memory.asserts);
-}
-
-void learn_asserts(host &state, const exchange &told) {
-    told.learn(state.memory.asserts);
-}
-
 constexpr answer MEMORY_ANSWERS[] = {
     walk<&memory_state::heaps>(KXDPA_OP_NEXT_HEAP).from_key("heaps"),
     walk<&memory_state::pools>(KXDPA_OP_NEXT_MEMORY_POOL).from_key("memory_pools"),
-    get<uint32_t>(KXDPA_OP_ASSERT_COUNT, answer_asserts, learn_asserts).from_key("asserts"),
+    value<&host::memory, &memory_state::asserts>(KXDPA_OP_ASSERT_COUNT).from_key("asserts"),
 };
 
 } // namespace

@@ -6,11 +6,10 @@
 namespace {
 
 void answer_traffic(host &state, exchange &talk) {
-    const auto found = state.counters.traffic.find(talk.request.arg);
-    if (found == state.counters.traffic.end()) {
-        talk.reply_with(kx_port_statistics{});
+    if (const auto *told = value_in(state.counters.traffic, talk.request.arg)) {
+        talk.tell(state, *told);
     } else {
-        talk.tell(state, found->second);
+        talk.reply_with(kx_port_statistics{});
     }
 }
 
@@ -32,11 +31,8 @@ void clear_all_traffic(host &state, exchange & /*talk*/) {
 }
 
 void answer_stage(host &state, exchange &talk) {
-    if (talk.request.arg < state.counters.stages.size()) {
-        talk.reply_with(state.counters.stages[talk.request.arg]);
-    } else {
-        talk.fail(state);
-    }
+    const auto &stages = state.counters.stages;
+    talk.tell(state, talk.request.arg < stages.size() ? &stages[talk.request.arg] : nullptr);
 }
 
 // A described host has no gaps between its stages: one that is refused is there, but not shown.
@@ -67,9 +63,8 @@ bool is_stranger(const host &state, uint32_t ltl) {
 
 void answer_drops(host &state, exchange &talk) {
     const uint32_t ltl = talk.request.arg;
-    const auto found = state.counters.drops.find(ltl);
-    if (found != state.counters.drops.end()) {
-        talk.tell(state, found->second);
+    if (const auto *told = value_in(state.counters.drops, ltl)) {
+        talk.tell(state, *told);
     } else if (state.counters.drops_of_ports_alone && is_stranger(state, ltl)) {
         talk.fail(state);
     } else {
@@ -91,17 +86,14 @@ void learn_drops(host &state, const exchange &told) {
     describe(counters);
 }
 
-template <auto member> void answer_common(host &state, exchange &talk) {
-    talk.tell(state, state.counters.*member);
-}
-
 template <auto member> void learn_common(host &state, const exchange &told) {
-    told.learn(state.counters.*member);
+    learn_value<&host::counters, member>(state, told);
     describe(state.counters.*member);
 }
 
 template <auto member> constexpr answer common(kxdpa_opcode opcode) {
-    return get<kx_drop_counters>(opcode, answer_common<member>, learn_common<member>);
+    return get<kx_drop_counters>(opcode, answer_value<&host::counters, member>,
+                                 learn_common<member>);
 }
 
 constexpr answer COUNTER_ANSWERS[] = {

@@ -33,8 +33,8 @@ const l2_table *table_of(const host &state, uint32_t index) {
     if (!state.bridge_domains.by_index.contains(index)) {
         return nullptr;
     }
-    const auto found = state.l2.tables.find(index);
-    return found == state.l2.tables.end() ? &empty : &found->second;
+    const l2_table *found = value_in(state.l2.tables, index);
+    return found == nullptr ? &empty : found;
 }
 
 // The same to be filled.
@@ -43,11 +43,7 @@ l2_table *learnt_table(host &state, uint32_t index) {
 }
 
 template <auto member> void answer_member(host &state, exchange &talk) {
-    if (const l2_table *table = table_of(state, talk.request.arg)) {
-        talk.tell(state, table->*member);
-    } else {
-        talk.fail(state);
-    }
+    talk.tell(state, member_in<member>(table_of(state, talk.request.arg)));
 }
 
 template <auto member> void learn_member(host &state, const exchange &told) {
@@ -177,14 +173,6 @@ bool is_alike_step(const exchange &one, const exchange &other) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-template <auto member> void answer_common(host &state, exchange &talk) {
-    talk.tell(state, state.l2.*member);
-}
-
-template <auto member> void learn_common(host &state, const exchange &told) {
-    told.learn(state.l2.*member);
-}
-
 void answer_get_mac(host &state, exchange &talk) {
     const l2_table *table = table_of(state, talk.request.arg);
     if (table == nullptr || !table->announced) {
@@ -211,24 +199,17 @@ void learn_get_mac(host &state, const exchange &told) {
     }
 }
 
-constexpr answer slot_steps() {
-    answer made = exchanged<kx_l2_slot_step>(KXDPA_OP_L2_SLOTS, answer_slot_step, learn_slot_step)
-                      .told_alike(is_alike_step);
-    made.steps_by_reply = 1;
-    return made;
-}
-
 constexpr answer L2_ANSWERS[] = {
     member_of<&l2_table::limit>(KXDPA_OP_L2_TABLE_LIMIT),
     get<uint32_t>(KXDPA_OP_L2_ENTRY_COUNT, answer_entry_count, learn_nothing),
     member_of<&l2_table::aging_time>(KXDPA_OP_L2_AGING_TIME),
     {KXDPA_OP_NEXT_L2_ENTRY, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO, KX_MAC_SIZE,
      sizeof(kx_l2_entry), 0, answer_next_entry, learn_next_entry},
-    slot_steps(),
-    get<kx_l2_totals>(KXDPA_OP_L2_ENTRY_TOTALS, answer_common<&l2_state::totals>,
-                      learn_common<&l2_state::totals>),
-    get<kx_l2_aging_statistics>(KXDPA_OP_L2_AGING_STATISTICS, answer_common<&l2_state::aging>,
-                                learn_common<&l2_state::aging>),
+    exchanged<kx_l2_slot_step>(KXDPA_OP_L2_SLOTS, answer_slot_step, learn_slot_step)
+        .told_alike(is_alike_step)
+        .with(&answer::steps_by_reply, 1U),
+    value<&host::l2, &l2_state::totals>(KXDPA_OP_L2_ENTRY_TOTALS),
+    value<&host::l2, &l2_state::aging>(KXDPA_OP_L2_AGING_STATISTICS),
     get<kx_get_mac_info>(KXDPA_OP_GET_MAC_TABLE, answer_get_mac, learn_get_mac),
 };
 

@@ -46,6 +46,10 @@ bool read_options(int argc, char **argv, lab_options &options, std::string &erro
                                    {"version", no_argument, nullptr, 'v'},
                                    {"help", no_argument, nullptr, 'H'},
                                    {nullptr, 0, nullptr, 0}};
+    const auto refuse = [&](const std::string &reason) {
+        error = reason + "; see tarnlab --help";
+        return false;
+    };
     opterr = 0;
     int letter = 0;
     // The options end at the first word that is none: the rest is the command's.
@@ -77,11 +81,9 @@ bool read_options(int argc, char **argv, lab_options &options, std::string &erro
             options.what = lab_options::task::help;
             return true;
         case ':':
-            error = std::string(argv[optind - 1]) + " needs a FILE; see tarnlab --help";
-            return false;
+            return refuse(std::string(argv[optind - 1]) + " needs a FILE");
         default:
-            error = "no such option: " + std::string(argv[optind - 1]) + "; see tarnlab --help";
-            return false;
+            return refuse("no such option: " + std::string(argv[optind - 1]));
         }
     }
     options.command = argv + optind;
@@ -90,13 +92,7 @@ bool read_options(int argc, char **argv, lab_options &options, std::string &erro
         return true;
     }
     if (prints || options.full) {
-        error = "--print-host goes with --full and --host only, --full with --print-host; "
-                "see tarnlab --help";
-        return false;
+        return refuse("--print-host goes with --full and --host only, --full with --print-host");
     }
-    if (*options.command == nullptr) {
-        error = "no command given; see tarnlab --help";
-        return false;
-    }
-    return true;
+    return *options.command != nullptr || refuse("no command given");
 }

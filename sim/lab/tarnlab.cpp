@@ -35,8 +35,10 @@ constexpr int EXIT_CANNOT_RUN = 126;
 constexpr int EXIT_NOT_FOUND = 127;
 constexpr int EXIT_SIGNAL_BASE = 128;
 
-void complain(const std::string &line) {
+// Returns the exit value of what cannot be done.
+int complain(const std::string &line) {
     std::fprintf(stderr, "tarnlab: %s\n", line.c_str());
+    return EXIT_WRONG_USE;
 }
 
 // A run in the making.
@@ -268,8 +270,7 @@ int run_on_host(lab_run &run, std::string &error) {
 int run(lab_run &run) {
     std::string error;
     if (!read_host(run, error) || !start_trace(run, error)) {
-        complain(error);
-        return EXIT_WRONG_USE;
+        return complain(error);
     }
     if (!run.options.device) {
         error = why_not_preloaded(run.options.command[0]);
@@ -282,8 +283,7 @@ int run(lab_run &run) {
         sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
     }
     if (exit_value == -1) {
-        complain(error);
-        return EXIT_WRONG_USE;
+        return complain(error);
     }
     for (const std::string &line : use_report(run.described, run.marks, run.options.host)) {
         complain(line);
@@ -295,8 +295,7 @@ int check(const std::string &path) {
     std::string text;
     std::string error;
     if (!read_host_file(path, text, error)) {
-        complain(error);
-        return EXIT_WRONG_USE;
+        return complain(error);
     }
     const std::vector<std::string> wrong = check_host(text, path);
     for (const std::string &line : wrong) {
@@ -317,8 +316,7 @@ int print(std::string_view text) {
 int print_host(lab_run &planned) {
     std::string error;
     if (!read_host(planned, error)) {
-        complain(error);
-        return EXIT_WRONG_USE;
+        return complain(error);
     }
     return print(planned.options.full ? write_host(planned.described, {.full = true})
                                       : planned.text);
@@ -345,8 +343,7 @@ int main(int argc, char **argv) {
     lab_run planned;
     std::string error;
     if (!read_options(argc, argv, planned.options, error)) {
-        complain(error);
-        return EXIT_WRONG_USE;
+        return complain(error);
     }
     switch (planned.options.what) {
     case lab_options::task::check:

@@ -9,12 +9,7 @@ using uplink_value = typename std::remove_reference_t<decltype(lacp_uplink{}.*me
 
 // A member of the uplink that the argument names.
 template <auto member> void answer_uplink(host &state, exchange &talk) {
-    const auto found = state.lacp.uplinks.find(talk.request.arg);
-    if (found == state.lacp.uplinks.end()) {
-        talk.fail(state);
-    } else {
-        talk.tell(state, found->second.*member);
-    }
+    talk.tell(state, member_in<member>(value_in(state.lacp.uplinks, talk.request.arg)));
 }
 
 // What a driver refuses of a port of which it has told nothing is refused of any port.
@@ -29,19 +24,9 @@ template <auto member> constexpr answer of_uplink(kxdpa_opcode opcode) {
     return get<uplink_value<member>>(opcode, answer_uplink<member>, learn_uplink<member>);
 }
 
-template <auto member> void answer_common(host &state, exchange &talk) {
-    talk.tell(state, state.lacp.*member);
-}
-
-template <auto member> void learn_common(host &state, const exchange &told) {
-    told.learn(state.lacp.*member);
-}
-
 constexpr answer LACP_ANSWERS[] = {
-    get<uint32_t>(KXDPA_OP_LACP_OFFLOAD, answer_common<&lacp_state::offload>,
-                  learn_common<&lacp_state::offload>),
-    get<kx_lacp_carriers>(KXDPA_OP_LACP_CARRIERS, answer_common<&lacp_state::carriers>,
-                          learn_common<&lacp_state::carriers>),
+    value<&host::lacp, &lacp_state::offload>(KXDPA_OP_LACP_OFFLOAD),
+    value<&host::lacp, &lacp_state::carriers>(KXDPA_OP_LACP_CARRIERS),
     of_uplink<&lacp_uplink::bit>(KXDPA_OP_LACP_BIT),
     of_uplink<&lacp_uplink::port_state>(KXDPA_OP_LACP_PORT_STATE),
     of_uplink<&lacp_uplink::upgrade_notify>(KXDPA_OP_LACP_UPGRADE_NOTIFY),

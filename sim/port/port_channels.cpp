@@ -6,21 +6,9 @@
 
 namespace {
 
-void answer_mode(host &state, exchange &talk) {
-    talk.tell(state, state.port_channels.mode);
-}
-
-void learn_mode(host &state, const exchange &told) {
-    told.learn(state.port_channels.mode);
-}
-
 void answer_port_channel(host &state, exchange &talk) {
-    const auto found = state.port_channels.by_ltl.find(talk.request.arg);
-    if (found == state.port_channels.by_ltl.end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(found->second.record);
-    }
+    const port_channel *found = value_in(state.port_channels.by_ltl, talk.request.arg);
+    talk.tell(state, member_in<&port_channel::record>(found));
 }
 
 void learn_port_channel(host &state, const exchange &told) {
@@ -61,7 +49,8 @@ void learn_pinned(host &state, const exchange &told) {
 }
 
 constexpr answer PORT_CHANNEL_ANSWERS[] = {
-    get<uint32_t>(KXDPA_OP_PINNING_MODE, answer_mode, learn_mode).from_key("port_channel_mode"),
+    value<&host::port_channels, &port_channel_table::mode>(KXDPA_OP_PINNING_MODE)
+        .from_key("port_channel_mode"),
     get<kx_port_channel_record>(KXDPA_OP_PORT_CHANNEL_RECORD, answer_port_channel,
                                 learn_port_channel),
     get<uint32_t>(KXDPA_OP_PINNED_PORTS, answer_pinned, learn_pinned),

@@ -7,21 +7,11 @@
 
 namespace {
 
-// nullptr for none. Also the port of an argument with a view.
-template <typename Host> auto *find_port(Host &state, uint32_t ltl) {
-    const auto found = state.ports.by_ltl.find(ltl);
-    return found == state.ports.by_ltl.end() ? nullptr : &found->second;
-}
-
 void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
     const bool from_start = talk.request.arg == KX_LTL_BEFORE_FIRST;
     const auto next = from_start ? ports.begin() : ports.upper_bound(talk.request.arg);
-    if (next == ports.end()) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(next->first);
-    }
+    talk.tell(state, next == ports.end() ? nullptr : &next->first);
 }
 
 void learn_next_ltl(host &state, const exchange &told) {
@@ -35,7 +25,7 @@ void learn_next_ltl(host &state, const exchange &told) {
 // the HMX's own is not told twice, which is asked first.
 template <typename Is, typename Change>
 void learn_view(host &state, uint32_t argument, Is is_so, Change change) {
-    port *found = find_port(state, argument & LAST_LTL);
+    port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
     const auto view = static_cast<kx_port_view>(argument >> 24);
     if (found != nullptr && view < PORT_VIEWS && !is_so(view_of(*found, view))) {
         change(own_view(*found, view));
@@ -43,12 +33,7 @@ void learn_view(host &state, uint32_t argument, Is is_so, Change change) {
 }
 
 void answer_port(host &state, exchange &talk) {
-    const port_view *view = find_port_view(state, talk.request.arg);
-    if (view == nullptr) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(view->record);
-    }
+    talk.tell(state, member_in<&port_view::record>(find_port_view(state, talk.request.arg)));
 }
 
 void learn_port(host &state, const exchange &told) {
@@ -66,22 +51,17 @@ void learn_port(host &state, const exchange &told) {
 }
 
 template <auto member> void answer_member(host &state, exchange &talk) {
-    const port *found = find_port(state, talk.request.arg);
-    if (found == nullptr) {
-        talk.fail(state);
-    } else {
-        talk.tell(state, found->*member);
-    }
+    talk.tell(state, member_in<member>(value_in(state.ports.by_ltl, talk.request.arg)));
 }
 
 template <auto member> void learn_member(host &state, const exchange &told) {
-    if (port *found = find_port(state, told.request.arg)) {
+    if (port *found = value_in(state.ports.by_ltl, told.request.arg)) {
         told.learn(found->*member);
     }
 }
 
 void answer_secure_state(host &state, exchange &talk) {
-    const port *found = find_port(state, talk.request.arg);
+    const port *found = value_in(state.ports.by_ltl, talk.request.arg);
     if (found == nullptr || !found->secure) {
         talk.fail(state);
     } else {
@@ -90,7 +70,7 @@ void answer_secure_state(host &state, exchange &talk) {
 }
 
 void learn_secure_state(host &state, const exchange &told) {
-    if (port *found = find_port(state, told.request.arg)) {
+    if (port *found = value_in(state.ports.by_ltl, told.request.arg)) {
         found->secure = told.is_told();
     }
 }
@@ -177,7 +157,7 @@ constexpr answer PORT_ANSWERS[] = {
 } // namespace
 
 const port_view *find_port_view(const host &state, uint32_t argument) {
-    const port *found = find_port(state, argument & LAST_LTL);
+    const port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
     const uint32_t view = argument >> 24;
     if (found == nullptr || view >= PORT_VIEWS) {
         return nullptr;

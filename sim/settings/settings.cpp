@@ -27,16 +27,16 @@ void set_mode_of(port_view &view, const kx_port_mode_request &request) {
 }
 
 void set_port_mode(host &state, exchange &talk) {
-    const auto found = state.ports.by_ltl.find(talk.request.arg);
+    port *found = value_in(state.ports.by_ltl, talk.request.arg);
     const auto request = talk.input_as<kx_port_mode_request>();
     const bool native = request.native_vlan >= 1 && request.native_vlan <= KX_LAST_VLAN;
     const bool trunk = request.mode == KX_PORT_TRUNK;
-    if (found == state.ports.by_ltl.end() || (!trunk && request.mode != KX_PORT_ACCESS) ||
+    if (found == nullptr || (!trunk && request.mode != KX_PORT_ACCESS) ||
         !(native || (trunk && request.native_vlan == KX_NO_NATIVE_VLAN))) {
         return talk.fail(state);
     }
-    set_mode_of(found->second.hmx, request);
-    for (auto &[which, view] : found->second.others) {
+    set_mode_of(found->hmx, request);
+    for (auto &[which, view] : found->others) {
         set_mode_of(view, request);
     }
 }

@@ -13,7 +13,9 @@
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "frontend/handlers.h"
 #include "frontend/kestrel_cmd_list.h"
+#include "handlers/port/bridge_domain_record.h"
 #include "handlers/port/counter_records.h"
+#include "handlers/port/l2_record.h"
 #include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "tests/capture/tool_run.h"
@@ -179,6 +181,45 @@ void capture_endless_driver(uint32_t circle) {
         give_up(circle, "endless", "nothing is cut");
 }
 
+// What is equal is remembered once, but the description keeps it for each bridge domain.
+void capture_equal_tables() {
+    constexpr uint32_t DOMAINS = 4000, ENTRIES = 60000;
+    set_test_driver([](kxdpa_request &record) {
+        const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
+        auto *const reply = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
+        const auto tell = [&](auto value) {
+            record.status = KXDPA_STATUS_SUCCESS;
+            memcpy(reply, &value, sizeof value);
+        };
+        record.status = 5;
+        if (record.opcode == KXDPA_OP_NEXT_BD && record.arg < DOMAINS) {
+            tell(record.arg + 1);
+        } else if (record.opcode == KXDPA_OP_BD_RECORD) {
+            tell(kx_bd_record{});
+        } else if (record.opcode == KXDPA_OP_BD_COUNT) {
+            tell(DOMAINS);
+        } else if (record.opcode == KXDPA_OP_L2_ENTRY_COUNT ||
+                   record.opcode == KXDPA_OP_L2_TABLE_LIMIT ||
+                   record.opcode == KXDPA_OP_L2_AGING_TIME) {
+            tell(ENTRIES);
+        } else if (record.opcode == KXDPA_OP_NEXT_L2_ENTRY) {
+            kx_l2_entry entry{};
+            memcpy(entry.mac, reinterpret_cast<const void *>(record.buf1), sizeof entry.mac);
+            uint32_t number = 0;
+            memcpy(&number, entry.mac, sizeof number);
+            memcpy(entry.mac, &++number, sizeof number);
+            if (number <= ENTRIES)
+                tell(entry);
+        }
+        return 0;
+    });
+    host captured;
+    capture_host({}, "", captured);
+    const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
+    if (std::count(cut.begin(), cut.end(), "more answers than 128 MiB hold") != 1)
+        give_up(ENTRIES, "equal tables", cut.empty() ? "nothing is cut" : cut.front());
+}
+
 void capture_slow_driver() {
     hostile_driver_restart(1);
     const std::vector<std::string> cut =
@@ -231,6 +272,7 @@ int main(int argc, char *argv[]) {
         give_up(0, argv[0], "no seed is given");
     if (every == 1) {
         capture_endless_driver(0);
+        capture_equal_tables();
         record_too_much();
     }
     capture_endless_driver(7);
