@@ -3,11 +3,13 @@
 #include "capture/differences.h"
 #include "capture/lines.h"
 #include "capture/memory.h"
+#include "dpa/command/management_ip.h"
 #include "dpa/userspace/kxdpa_indirect.h"
 #include "handlers/card/card_record.h"
 #include "sim/answer.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 
 namespace {
@@ -104,8 +106,8 @@ std::set<std::string> captured_keys() {
     return keys;
 }
 
-capture_outcome capture_host(const capture_request &asked, const std::string &version,
-                             host &described) {
+std::string capture_host(const capture_request &asked, const std::string &version,
+                         host &described) {
     const auto is_asked = [&](const char *key) {
         return asked.keys.empty() || asked.keys.contains(key);
     };
@@ -115,12 +117,13 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
     note.keys = unless_empty(std::vector<std::string>(asked.keys.begin(), asked.keys.end()));
     driver_memory memory(described, asked.time_limit, asked.is_wanted, asked.shows_progress);
     if (kx_dpa_api_init() != 0) {
-        return capture_outcome::NO_DRIVER;
+        return "Error initializing kx_dpa_api_init()";
     }
     uint32_t domain = 0;
     if (kx_dpa_get(KXDPA_OP_CARD_DOMAIN, 0, &domain) == KXDPA_STATUS_VERSION_MISMATCH) {
         kx_dpa_api_exit();
-        return capture_outcome::WRONG_VERSION;
+        return "Cannot execute tarncmd: tarncmd utility version does not match the running HMX "
+               "version.";
     }
     run_displays(asked.keys, described, memory);
     if (is_asked("card")) {
@@ -130,7 +133,8 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
     const opcode_tallies tallies = memory.tallies();
     if (std::all_of(tallies.begin(), tallies.end(),
                     [](const auto &tally) { return tally.second.told == 0; })) {
-        return capture_outcome::REFUSED;
+        return "tarncap: nothing is written: the driver refuses everything; see with \"tarncmd show "
+               "card\" whether the HMX runs, and ask again";
     }
     settle(tallies, described);
     if (is_asked(OVERRIDES)) {
@@ -142,7 +146,7 @@ capture_outcome capture_host(const capture_request &asked, const std::string &ve
     note.cut = unless_empty(memory.cut());
     note.whole = !note.cut;
     note.refused = unless_empty(refused_of(tallies));
-    return capture_outcome::DONE;
+    return "";
 }
 
 std::vector<std::string> report_of(const capture_note &capture, bool by_opcode) {
@@ -163,4 +167,14 @@ std::vector<std::string> report_of(const capture_note &capture, bool by_opcode) 
                         " not exist, which is usual" + (by_opcode ? opcodes : ""));
     }
     return lines;
+}
+
+std::optional<std::string> ask_management_address() {
+    // Without the program the shell would complain.
+    if (std::system("command -v esxcfg-advcfg > /dev/null 2>&1") != 0) {
+        return std::nullopt;
+    }
+    char address[KX_MANAGEMENT_IP_SIZE];
+    kx_dpa_platform_read_management_ip(address);
+    return address;
 }

@@ -17,20 +17,14 @@ struct capture_request {
     std::chrono::seconds time_limit{600};
 };
 
-enum class capture_outcome {
-    DONE,          // whole or not, which the description says
-    NO_DRIVER,     // the device cannot be opened
-    WRONG_VERSION, // the driver refuses this tool's version
-    REFUSED,       // and everything else
-};
-
 // The top-level keys of the host file that a capture can fill.
 std::set<std::string> captured_keys();
 
 // Ask for what these keys are about, and for what no key can say when all are asked for or
 // "overrides" is. The description may hold more than was asked for. `version` is the program's.
-capture_outcome capture_host(const capture_request &asked, const std::string &version,
-                             host &described);
+// Returns why there is no capture, a line for standard error, and nothing when there is one, whole
+// or not, which the description says.
+std::string capture_host(const capture_request &asked, const std::string &version, host &described);
 
 // The lines about it for standard error: what was cut, and how much was refused, by opcode when
 // that is asked for.

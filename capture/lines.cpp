@@ -37,7 +37,6 @@ constexpr line LINES[] = {
     {"show port vlans krt", "ports"},
     {"show trunk krt", "ports"},
     {"show port security internal", "ports private_vlans"},
-    {"show port-old priv", "private_vlans"},
     {"show port-old krt", "private_vlans"},
     {"show port segments", "ports"},
     {"show dvport internal", "ports"},

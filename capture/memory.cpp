@@ -196,7 +196,19 @@ driver_memory::row &driver_memory::add_row(shape &of, uint32_t argument) {
     return added;
 }
 
-inline uint32_t driver_memory::find_place(const row &in, std::span<const uint8_t> input) {
+// The step that comes next if all goes as with the row before, nullptr for none.
+const remembered_step *likely_step(const std::vector<remembered_step> *before, size_t place) {
+    return before != nullptr && place < before->size() ? &(*before)[place] : nullptr;
+}
+
+const byte_pool::item *driver_memory::intern_input(const shape &of,
+                                                   std::span<const uint8_t> input) {
+    const remembered_step *likely = likely_step(of.before, of.own.size());
+    return inputs_.intern(input, likely == nullptr ? nullptr : likely->asked);
+}
+
+inline uint32_t driver_memory::find_place(const shape &of, const row &in,
+                                          std::span<const uint8_t> input) {
     const steps &list = *in.list;
     const auto is_it = [&](uint32_t place) {
         return std::memcmp(list[place].asked->first.data(), input.data(), input.size()) == 0;
@@ -208,7 +220,7 @@ inline uint32_t driver_memory::find_place(const row &in, std::span<const uint8_t
     if (is_it(in.place)) {
         return in.place;
     }
-    const byte_pool::item *asked = inputs_.intern(input);
+    const byte_pool::item *asked = intern_input(of, input);
     if (in.rises && list.back().asked->second < asked->second) {
         return NO_PLACE;
     }
@@ -283,13 +295,14 @@ void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
             const auto [list, is_new] = lists_.insert(std::move(of.own));
             list_bytes_ += is_new ? LIST_BYTES + list->size() * sizeof(remembered_step) : 0;
             of.growing->list = &*list;
+            of.before = &*list;
         }
         of.own = in.list == nullptr ? steps() : *in.list;
         of.growing = &in;
         in.list = &of.own;
     }
     const kxdpa_request asked = record;
-    const byte_pool::item *input = inputs_.intern(input_of(record));
+    const byte_pool::item *input = intern_input(of, input_of(record));
     const driver_answer told = ask_once(*in.form, record);
     learn(of, in, asked, bytes_of(*input), told);
     walked_bytes_ += of.longest != 0 && told.reply ? told.reply->size() : 0;
@@ -304,7 +317,9 @@ void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
     answer_bytes_.insert(answer_bytes_.end(), reply.begin(), reply.end());
     in.rises = of.own.empty() || (in.rises && of.own.back().asked->second < input->second);
     in.place = static_cast<uint32_t>(of.own.size());
-    of.own.push_back({input, answers_.intern(answer_bytes_)});
+    const remembered_step *likely = likely_step(of.before, of.own.size());
+    of.own.push_back(
+        {input, answers_.intern(answer_bytes_, likely == nullptr ? nullptr : likely->answered)});
 }
 
 int driver_memory::call(kxdpa_request &record) {
@@ -320,7 +335,7 @@ int driver_memory::call(kxdpa_request &record) {
         return EIO;
     }
     row *in = find_row(*of, record.arg);
-    const uint32_t place = in == nullptr ? NO_PLACE : find_place(*in, input_of(record));
+    const uint32_t place = in == nullptr ? NO_PLACE : find_place(*of, *in, input_of(record));
     if (place == NO_PLACE) {
         if (!may_ask(*of, in)) {
             return EIO;

@@ -22,6 +22,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory_resource>
 #include <optional>
 #include <set>
 #include <span>
@@ -126,7 +127,8 @@ private:
         row *last = nullptr;  // the one that was asked last
         uint32_t walked = 0;  // steps since a walk's start
         row *growing = nullptr;
-        steps own{}; // the growing one's list
+        steps own{};                   // the growing one's list
+        const steps *before = nullptr; // the list of the one that grew before it
     };
 
     struct row_key {
@@ -142,7 +144,8 @@ private:
     shape *find_shape(const kxdpa_request &record);
     row *find_row(shape &of, uint32_t argument);
     row &add_row(shape &of, uint32_t argument);
-    uint32_t find_place(const row &in, std::span<const uint8_t> input);
+    const byte_pool::item *intern_input(const shape &of, std::span<const uint8_t> input);
+    uint32_t find_place(const shape &of, const row &in, std::span<const uint8_t> input);
     bool comes_back(shape &of, const row &in, uint32_t place);
     bool may_ask(const shape &of, const row *in);
     void ask(shape &of, row &in, kxdpa_request &record);
@@ -161,7 +164,8 @@ private:
     std::vector<std::string> cut_;
     std::vector<shape *> shape_of_opcode_; // the newest of each
     std::deque<shape> shapes_;
-    std::map<row_key, row> rows_;
+    std::pmr::monotonic_buffer_resource row_memory_;
+    std::pmr::map<row_key, row> rows_{&row_memory_};
     std::set<steps> lists_;
     size_t list_bytes_ = 0;
     size_t walked_bytes_ = 0; // of replies to steps, which the description keeps each by itself

@@ -2,6 +2,7 @@
 #include "capture/capture.h"
 #include "capture/output_file.h"
 #include "capture/recorder.h"
+#include "frontend/command_rows.h"
 #include "host/host_file.h"
 
 #include <algorithm>
@@ -10,14 +11,13 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <getopt.h>
+#include <malloc.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -83,26 +83,11 @@ void print_help() {
     std::puts(line.c_str());
 }
 
-// How many characters have to be put in, left out or replaced.
-size_t typing_errors(const std::string &typed, const std::string &meant) {
-    std::vector<size_t> row(meant.size() + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (size_t i = 0; i < typed.size(); i++) {
-        size_t diagonal = std::exchange(row[0], i + 1);
-        for (size_t j = 0; j < meant.size(); j++) {
-            const size_t replaced = diagonal + (typed[i] == meant[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
 bool complain_of_key(const std::string &typed) {
     size_t least = 3; // so many errors make another word
     std::string meant;
     for (const std::string &key : captured_keys()) {
-        const size_t errors = typing_errors(typed, key);
+        const size_t errors = kx_typing_errors(typed.data(), typed.size(), key.c_str());
         if (errors < std::min(least, key.size())) {
             least = errors;
             meant = key;
@@ -282,27 +267,15 @@ int capture(const options &given) {
     const capture_request asked = {.keys = given.keys,
                                    .is_wanted = given.output.empty() ? is_read : nullptr,
                                    .shows_progress = isatty(STDERR_FILENO) != 0};
-    switch (capture_host(asked, TARN_VERSION, described)) {
-    case capture_outcome::NO_DRIVER:
-        std::fputs("Error initializing kx_dpa_api_init()\n", stderr);
+    if (const std::string why = capture_host(asked, TARN_VERSION, described); !why.empty()) {
+        std::fprintf(stderr, "%s\n", why.c_str());
         return EXIT_CANNOT;
-    case capture_outcome::WRONG_VERSION:
-        std::fputs("Cannot execute tarncmd: tarncmd utility version does not match the running "
-                   "HMX version.\n",
-                   stderr);
-        return EXIT_CANNOT;
-    case capture_outcome::REFUSED:
-        complain(
-            "nothing is written: the driver refuses everything; see with \"tarncmd show card\" "
-            "whether the HMX runs, and ask again");
-        return EXIT_CANNOT;
-    case capture_outcome::DONE:
-        break;
     }
     write_options options = {.full = given.full, .keys = given.keys};
     if (!options.keys.empty()) {
         options.keys.insert({"capture", "refusal_status"});
     }
+    malloc_trim(0); // all the answers are given back; the text is nearly as large
     const std::string text = write_host(described, options);
     bool written = text.size() <= HOST_FILE_LIMIT;
     if (written) {

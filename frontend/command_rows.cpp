@@ -58,31 +58,6 @@ bool is_change(const kestrel_cmd_row &row) {
     return !is_display(row) && strcmp(row.keywords[0], "dump") != 0;
 }
 
-// The number of letters that are too many, missing, wrong, or swapped with the next one.
-size_t typing_errors(const char *typed, size_t typed_length, const char *keyword) {
-    const size_t length = strlen(keyword);
-    size_t errors[LONGEST_WORD][LONGEST_WORD];
-    if (typed_length >= LONGEST_WORD || length >= LONGEST_WORD) {
-        return LONGEST_WORD;
-    }
-    for (size_t i = 0; i <= typed_length; ++i) {
-        for (size_t k = 0; k <= length; ++k) {
-            if (i == 0 || k == 0) {
-                errors[i][k] = i + k;
-                continue;
-            }
-            const size_t wrong = kx_strncasecmp(typed + i - 1, keyword + k - 1, 1) == 0 ? 0 : 1;
-            errors[i][k] = std::min(
-                {errors[i - 1][k] + 1, errors[i][k - 1] + 1, errors[i - 1][k - 1] + wrong});
-            if (i > 1 && k > 1 && kx_strncasecmp(typed + i - 1, keyword + k - 2, 1) == 0 &&
-                kx_strncasecmp(typed + i - 2, keyword + k - 1, 1) == 0) {
-                errors[i][k] = std::min(errors[i][k], errors[i - 2][k - 2] + 1);
-            }
-        }
-    }
-    return errors[typed_length][length];
-}
-
 // The second word of the built display that is nearest to `typed`, NULL when none is near. Of two
 // that are as near, the one with the same first letter: people get that right.
 const char *nearest_display(const char *typed, size_t typed_length) {
@@ -93,7 +68,7 @@ const char *nearest_display(const char *typed, size_t typed_length) {
             kx_typed_keywords(row) < 2) {
             continue;
         }
-        const size_t distance = 2 * typing_errors(typed, typed_length, row.keywords[1]) +
+        const size_t distance = 2 * kx_typing_errors(typed, typed_length, row.keywords[1]) +
                                 (kx_strncasecmp(typed, row.keywords[1], 1) == 0 ? 0 : 1);
         if (distance < least) {
             least = distance;
@@ -131,6 +106,30 @@ void tell_unknown_display(int length, const char *command) {
 }
 
 } // namespace
+
+size_t kx_typing_errors(const char *typed, size_t typed_length, const char *keyword) {
+    const size_t length = strlen(keyword);
+    size_t errors[LONGEST_WORD][LONGEST_WORD];
+    if (typed_length >= LONGEST_WORD || length >= LONGEST_WORD) {
+        return LONGEST_WORD;
+    }
+    for (size_t i = 0; i <= typed_length; ++i) {
+        for (size_t k = 0; k <= length; ++k) {
+            if (i == 0 || k == 0) {
+                errors[i][k] = i + k;
+                continue;
+            }
+            const size_t wrong = kx_strncasecmp(typed + i - 1, keyword + k - 1, 1) == 0 ? 0 : 1;
+            errors[i][k] = std::min(
+                {errors[i - 1][k] + 1, errors[i][k - 1] + 1, errors[i - 1][k - 1] + wrong});
+            if (i > 1 && k > 1 && kx_strncasecmp(typed + i - 1, keyword + k - 2, 1) == 0 &&
+                kx_strncasecmp(typed + i - 2, keyword + k - 1, 1) == 0) {
+                errors[i][k] = std::min(errors[i][k], errors[i - 2][k - 2] + 1);
+            }
+        }
+    }
+    return errors[typed_length][length];
+}
 
 int kx_typed_keywords(const kestrel_cmd_row &row) {
     int count = 0;

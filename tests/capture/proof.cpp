@@ -96,8 +96,8 @@ std::string capture_of(const std::string &name, live_host &live) {
     const std::string before = write_host(live.simulated.state);
     set_test_driver(driver_of(live.simulated));
     host captured;
-    if (capture_host({}, "", captured) != capture_outcome::DONE)
-        give_up(name, "the host cannot be captured");
+    if (const std::string why = capture_host({}, "", captured); !why.empty())
+        give_up(name, "the host cannot be captured: " + why);
     if (!captured.capture->whole)
         give_up(name, "not whole: " + captured.capture->cut->front());
     for (const asked_request &asked : requests_so_far()) {
