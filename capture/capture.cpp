@@ -92,6 +92,7 @@ void settle(const opcode_tallies &tallies, host &described) {
     }
     settle_drops(described, stranger_to(described));
     settle_l2(described);
+    settle_lacp(described);
 }
 
 template <typename T> std::optional<std::vector<T>> unless_empty(std::vector<T> list) {

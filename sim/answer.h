@@ -169,6 +169,7 @@ std::optional<size_t> key_place(const answer &known);
 // twice the same. The drops of one LTL that is neither a port nor internal tell of the others.
 void settle_drops(host &state, uint32_t stranger);
 void settle_l2(host &state);
+void settle_lacp(host &state);
 
 // The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
 const port_view *find_port_view(const host &state, uint32_t argument);

@@ -2,6 +2,7 @@
 // is this test then.
 #ifdef TARNCAP_PATH
 
+#include "tests/golden.h"
 #include "tests/text.h"
 
 #include <cstdio>
@@ -92,6 +93,7 @@ TEST_F(Tarncap, SaysInOneLineWhatIsWrongAndWritesNothing) {
             EXPECT_EQ(seen.text, std::string("tarncap: ") + text + "\n") << arguments;
         }
     }
+    EXPECT_EQ(run(TARNCAP_PATH " --help").text, golden_text("tarncap_help.txt"));
     // The command has not run.
     const outcome traced = run(TARNLAB_PATH " --trace - " TARNCAP_PATH " --record . clear stats");
     EXPECT_EQ(traced.text.find("op "), std::string::npos) << traced.text;

@@ -267,6 +267,19 @@ TEST(Model, ReplyOfTwoBuffersGoesIntoTheSecond) {
     EXPECT_EQ(on.buffer2[1], 0x0b);
     EXPECT_EQ(on.buffer2[2], NO_REPLY);
     EXPECT_EQ(on.trace.at(0), "op 9999 arg 0x0 flags 11 len 2 len2 2 in 5555 -> 0");
+    kxdpa_request text = on.variable(9999, 31, 11, 0, 30);
+    on.buffer1[2] = 0;
+    text.buf2 = record.buf2;
+    text.max2 = 20;
+    text.max2_valid = 1;
+    EXPECT_EQ(on.ask(text), 0);
+    text.max2 = 10;
+    on.driver.take_overrides({});
+    EXPECT_EQ(on.ask(text), 0);
+    EXPECT_EQ(on.trace.at(1),
+              "op 9999 arg 0x1f flags 15 max 30 max2 20 in 5555 -> 0 max 30 max2 3");
+    EXPECT_EQ(on.trace.at(2),
+              "op 9999 arg 0x1f flags 15 max 30 max2 10 in 5555 -> 38 max 30 max2 10");
 }
 
 } // namespace
