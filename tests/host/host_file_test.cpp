@@ -129,6 +129,14 @@ TEST(HostFile, LeavesOutWhatHasNoKeyAtEveryDepth) {
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
 }
 
+TEST(HostFile, TakesWhatPeopleWrite) {
+    for (const auto &row : golden("host_forms.tsv")) {
+        SCOPED_TRACE(row.at(0));
+        EXPECT_EQ(write_host(described(row[0])), write_host(described(row.at(1))));
+        EXPECT_NE(write_host(described(row[0])), "{}\n");
+    }
+}
+
 TEST(HostFile, InterfacesAreNamedOrNumbered) {
     for (const auto &row : golden("host_interfaces.tsv")) {
         const host parsed = described(R"({"ports": [{"ltl": 1, "interface": )" + row.at(0) + "}]}");
