@@ -14,7 +14,7 @@ namespace {
 constexpr uint64_t REQUESTS_LIMIT = uint64_t{1} << 25; // to the driver
 constexpr uint64_t CALLS_LIMIT = uint64_t{1} << 28;    // with those that are answered from here
 constexpr size_t BYTES_LIMIT = size_t{128} << 20;
-constexpr size_t ROW_BYTES = 64, LIST_BYTES = 48; // roughly
+constexpr size_t ROW_BYTES = 64, LIST_BYTES = 48, PRIVATE_VLAN_BYTES = 48; // roughly
 
 constexpr uint64_t REQUESTS_BETWEEN_LOOKS = 64;
 constexpr auto BEFORE_PROGRESS = std::chrono::seconds(1);
@@ -254,8 +254,9 @@ bool driver_memory::may_ask(const shape &of, const row *in) {
     // Walks by the argument begin at a few places beside their start.
     constexpr size_t STARTS = 4;
     const size_t known = !of.walks_by_input ? of.rows : in == nullptr ? 0 : in->list->size();
-    const size_t bytes =
-        inputs_.bytes() + answers_.bytes() + list_bytes_ + rows_.size() * ROW_BYTES + walked_bytes_;
+    const size_t bytes = inputs_.bytes() + answers_.bytes() + list_bytes_ +
+                         rows_.size() * ROW_BYTES + walked_bytes_ +
+                         learnt_.private_vlans.size() * PRIVATE_VLAN_BYTES;
     if (of.longest != 0 && known > of.longest + STARTS) {
         cut_off("the walk of opcode " + std::to_string(of.request.opcode) +
                 " does not end and is cut after " + std::to_string(of.longest) + " entries");

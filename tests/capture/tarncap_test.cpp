@@ -137,6 +137,26 @@ TEST_F(Tarncap, TellsWhatItIsAndWhatWasCut) {
     EXPECT_GE(asked - told, 0);
 }
 
+// Every port has a private VLAN on every VLAN.
+TEST_F(Tarncap, WritesNothingThatTheLabRefuses) {
+    std::string ports, domains;
+    for (int ltl = 50; ltl < 210; ltl++)
+        ports += std::string(ltl == 50 ? "" : ", ") + R"({"ltl": )" + std::to_string(ltl) + "}";
+    for (int vlan = 1; vlan <= 4000; vlan++) {
+        const std::string number = std::to_string(vlan);
+        domains += std::string(vlan == 1 ? "" : ", ") + R"({"index": )" + number + R"(, "vlan": )" +
+                   number + "}";
+    }
+    const std::string host =
+        described(R"({"ports": [)" + ports + R"(], "bridge_domains": [)" + domains +
+                  R"(], "overrides": [{"opcode": 165, "reply": "0100020003000400"}]})");
+    const outcome seen = capture("private_vlans -o file", host);
+    EXPECT_EQ(seen.text, "tarncap: not written: the host file would be larger than tarnlab takes "
+                         "(64 MiB); ask for some keys of it\n");
+    EXPECT_EQ(seen.exit_value, 1);
+    EXPECT_FALSE(fs::exists(folder / "file"));
+}
+
 TEST_F(Tarncap, CountsWhatDoesNotExist) {
     EXPECT_EQ(capture("ports -o file", HOSTS + "ports.json").text,
               "tarncap: 17 things asked about do not exist, which is usual\n");
