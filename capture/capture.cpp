@@ -116,7 +116,7 @@ std::string capture_host(const capture_request &asked, const std::string &versio
     note.version = version;
     note.time = now_in_utc();
     note.keys = unless_empty(std::vector<std::string>(asked.keys.begin(), asked.keys.end()));
-    driver_memory memory(described, asked.time_limit, asked.is_wanted, asked.shows_progress);
+    driver_memory memory(described, asked);
     if (kx_dpa_api_init() != 0) {
         return "Error initializing kx_dpa_api_init()";
     }

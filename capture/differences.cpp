@@ -1,6 +1,5 @@
 #include "capture/differences.h"
 
-#include "capture/rule.h"
 #include "host/host_file.h"
 #include "sim/model.h"
 #include "sim/transfer.h"

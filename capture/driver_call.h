@@ -1,4 +1,4 @@
-// The request channel's system call, on its way to the driver.
+// The request channel's system call, on its way to the driver, and what the driver answers.
 //
 // The program is linked with --wrap=ioctl, so that the call comes through here, in a dynamic and in
 // a static program alike. Calls that nobody listens to, and calls on other descriptors, pass
@@ -7,7 +7,7 @@
 #define CAPTURE_DRIVER_CALL_H
 
 #include "dpa/userspace/kxdpa_request.h"
-
+#include "host/host.h"
 #include "sim/transfer.h"
 
 #include <cstdint>
@@ -15,12 +15,8 @@
 #include <optional>
 #include <span>
 
-class call_listener {
-public:
-    virtual ~call_listener() = default;
-    // Stands for the system call: fills the record, and returns 0 or an errno.
-    virtual int call(kxdpa_request &record) = 0;
-};
+// Stands for the system call: fills the record, and returns 0 or an errno.
+using call_listener = int(kxdpa_request &record);
 
 // Who gets the calls from now on; nullptr for the driver.
 void listen_to_calls(call_listener *listener);
@@ -52,5 +48,16 @@ struct driver_answer {
 
 // Let the driver answer the record in place.
 driver_answer ask_driver(kxdpa_request &record);
+
+// --- An answer as an override of a host file ---
+
+// The capacity word of an answer where it is neither the reply's size nor, without a reply, as it
+// was asked with.
+std::optional<uint32_t> odd_length(const kxdpa_request &asked, const driver_answer &told);
+
+// The rule that gives this answer to this question, and to no other one. REQUIRES: the answer has
+// no capacity word but an odd one.
+override_rule rule_for(const kxdpa_request &asked, std::optional<std::span<const uint8_t>> input,
+                       const driver_answer &told);
 
 #endif

@@ -115,6 +115,8 @@ inline void tell(const remembered_step &kept, kxdpa_request &record) {
     }
 }
 
+driver_memory *listening = nullptr;
+
 } // namespace
 
 std::optional<uint32_t> remembered_row::refusal(const remembered_step &step) const {
@@ -126,12 +128,11 @@ std::optional<uint32_t> remembered_row::refusal(const remembered_step &step) con
     return says_more ? std::nullopt : std::optional(told.status);
 }
 
-driver_memory::driver_memory(host &learnt, std::chrono::seconds time_limit, bool (*is_wanted)(),
-                             bool shows_progress)
-    : learnt_(learnt), time_limit_(time_limit), is_wanted_(is_wanted),
-      shows_progress_(shows_progress), shape_of_opcode_(OPCODES),
+driver_memory::driver_memory(host &learnt, const capture_request &asked)
+    : learnt_(learnt), asked_(asked), shape_of_opcode_(OPCODES),
       began_(std::chrono::steady_clock::now()), next_progress_(began_ + BEFORE_PROGRESS) {
-    listen_to_calls(this);
+    listening = this;
+    listen_to_calls([](kxdpa_request &record) { return listening->call(record); });
 }
 
 driver_memory::~driver_memory() {
@@ -403,14 +404,14 @@ void driver_memory::end(const std::string &why) {
 }
 
 void driver_memory::look_around() {
-    if (is_wanted_ != nullptr && !is_wanted_()) {
+    if (asked_.is_wanted != nullptr && !asked_.is_wanted()) {
         end("nobody waits for it any more");
     }
     const auto now = std::chrono::steady_clock::now();
-    if (now - began_ > time_limit_) {
-        end("no end after " + std::to_string(time_limit_.count()) + " seconds");
+    if (now - began_ > asked_.time_limit) {
+        end("no end after " + std::to_string(asked_.time_limit.count()) + " seconds");
     }
-    if (!shows_progress_ || now < next_progress_) {
+    if (!asked_.shows_progress || now < next_progress_) {
         return;
     }
     next_progress_ = now + BETWEEN_PROGRESS;

@@ -10,6 +10,7 @@
 #ifndef CAPTURE_MEMORY_H
 #define CAPTURE_MEMORY_H
 
+#include "capture/capture.h"
 #include "capture/driver_call.h"
 #include "capture/pool.h"
 #include "host/host.h"
@@ -17,6 +18,7 @@
 #include "sim/exchange.h"
 
 #include <chrono>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -27,7 +29,6 @@
 #include <set>
 #include <span>
 #include <string>
-#include <tuple>
 #include <vector>
 
 // An answer as it is kept, before its reply: what stands in the buffers afterwards, as far as it is
@@ -51,9 +52,7 @@ struct remembered_step {
     std::span<const uint8_t> reply() const {
         return bytes_of(*answered).subspan(sizeof(kept_answer));
     }
-    bool operator<(const remembered_step &other) const {
-        return std::tie(asked, answered) < std::tie(other.asked, other.answered);
-    }
+    auto operator<=>(const remembered_step &) const = default;
 };
 
 // The questions of an opcode and argument, in the order in which they came up.
@@ -74,21 +73,17 @@ struct opcode_tally {
     std::map<uint32_t, uint32_t> refusals{}; // by status, of those that were told nothing else
 };
 
-class driver_memory : public call_listener {
+class driver_memory {
 public:
-    // What is learnt goes into `learnt`. After `time_limit` nothing more is asked. `is_wanted` is
-    // called now and then; once it returns false nothing more is asked. With `shows_progress`, what
-    // is being asked shows on standard error once a second has passed.
-    driver_memory(host &learnt, std::chrono::seconds time_limit, bool (*is_wanted)() = nullptr,
-                  bool shows_progress = false);
-    ~driver_memory() override;
+    // What is learnt goes into `learnt`. With `shows_progress`, what is being asked shows on
+    // standard error once a second has passed.
+    driver_memory(host &learnt, const capture_request &asked);
+    ~driver_memory();
     driver_memory(const driver_memory &) = delete;
     driver_memory &operator=(const driver_memory &) = delete;
 
     // What asks from now on, which walks from the start.
     void begin(const std::string &who);
-
-    int call(kxdpa_request &record) override;
 
     // What has been asked so far, opcode by opcode, or of one opcode. Where an opcode and argument
     // was asked in several forms, that is what the first one asked: a rule cannot tell them apart.
@@ -135,12 +130,10 @@ private:
         uint16_t opcode;
         uint32_t argument;
         uint16_t shape;
-        bool operator<(const row_key &other) const {
-            return std::tie(opcode, argument, shape) <
-                   std::tie(other.opcode, other.argument, other.shape);
-        }
+        auto operator<=>(const row_key &) const = default;
     };
 
+    int call(kxdpa_request &record);
     shape *find_shape(const kxdpa_request &record);
     row *find_row(shape &of, uint32_t argument);
     row &add_row(shape &of, uint32_t argument);
@@ -156,9 +149,7 @@ private:
     void look_around();
 
     host &learnt_;
-    std::chrono::seconds time_limit_;
-    bool (*is_wanted_)();
-    bool shows_progress_;
+    const capture_request &asked_;
     bool over_ = false; // every question is refused
     uint64_t calls_ = 0, requests_ = 0;
     std::vector<std::string> cut_;

@@ -1,11 +1,12 @@
 #include "capture/output_file.h"
 
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,8 +14,10 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 struct destination {
-    std::string target;
+    fs::path target;
     bool replaced = true; // false for what is written as it is
     mode_t mode = 0;      // of what replaces it
 };
@@ -48,22 +51,12 @@ mode_t mode_of_new_file() {
     return 0666 & ~mask;
 }
 
-// Without the name in it; empty, or with a slash at its end.
-std::string folder_of(const std::string &path) {
-    return path.substr(0, path.rfind('/') + 1);
-}
-
 // What a symbolic link names, which need not be there.
-std::string end_of_links(std::string path) {
+fs::path end_of_links(fs::path path) {
     constexpr int MOST_LINKS = 40; // as the kernel follows
-    char named[PATH_MAX];
-    for (int i = 0; i < MOST_LINKS; i++) {
-        const ssize_t length = readlink(path.c_str(), named, sizeof named);
-        if (length <= 0) {
-            break;
-        }
-        path = named[0] == '/' ? "" : folder_of(path);
-        path.append(named, static_cast<size_t>(length));
+    std::error_code none;
+    for (int i = 0; i < MOST_LINKS && fs::is_symlink(path, none); i++) {
+        path = path.parent_path() / fs::read_symlink(path, none);
     }
     return path;
 }
@@ -90,7 +83,7 @@ bool find_destination(const std::string &path, destination &to) {
 
 // A name in the target's folder. The target's own may already be as long as a name can be.
 std::string name_beside(const destination &to, const std::string &ending) {
-    return folder_of(to.target) + ".tarncap-" + ending;
+    return to.target.parent_path() / (".tarncap-" + ending);
 }
 
 bool write_all(int file, std::string_view text) {
@@ -120,7 +113,7 @@ bool write_as_it_is(const destination &to, std::string_view text) {
 
 // A file without a name is gone when its process is. -1 where the file system has none.
 int open_nameless(const destination &to) {
-    return open((folder_of(to.target) + ".").c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    return open((to.target.parent_path() / ".").c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
 }
 
 bool give_name(int file, const std::string &name) {

@@ -3,15 +3,14 @@
 #include "capture/capture.h"
 #include "capture/driver_call.h"
 #include "capture/pool.h"
-#include "capture/rule.h"
 #include "dpa/userspace/kxdpa_opcodes.h"
 #include "host/host_file.h"
 
 #include <algorithm>
-#include <cstring>
+#include <compare>
 #include <map>
 #include <memory>
-#include <tuple>
+#include <set>
 #include <vector>
 
 namespace {
@@ -27,10 +26,7 @@ struct question {
     uint32_t argument;
     const byte_pool::item *input;
 
-    bool operator<(const question &other) const {
-        return std::tie(opcode, argument, input) <
-               std::tie(other.opcode, other.argument, other.input);
-    }
+    auto operator<=>(const question &) const = default;
 };
 
 struct told_answer {
@@ -39,31 +35,55 @@ struct told_answer {
     std::optional<uint32_t> returned;
     const byte_pool::item *reply;
 
-    bool operator==(const told_answer &) const = default;
-    bool operator<(const told_answer &other) const {
-        return std::tie(error, status, returned, reply) <
-               std::tie(other.error, other.status, other.returned, other.reply);
-    }
-};
-
-// So many times in a row the same answer.
-struct run {
-    told_answer answer;
-    uint32_t times;
+    auto operator<=>(const told_answer &) const = default;
 };
 
 struct recorded_question {
     question asked;
-    std::vector<run> runs{};
+    std::vector<const told_answer *> told{}; // each time
 };
 
-class recorder : public call_listener {
+override_rule rule_of(const question &asked, const told_answer &answer) {
+    driver_answer told = {
+        .error = answer.error, .status = answer.status, .returned = answer.returned};
+    if (answer.reply != nullptr) {
+        told.reply = bytes_of(*answer.reply);
+    }
+    std::optional<std::span<const uint8_t>> input;
+    if (asked.input != nullptr) {
+        input = bytes_of(*asked.input);
+    }
+    kxdpa_request request{};
+    request.opcode = asked.opcode;
+    request.arg = asked.argument;
+    return rule_for(request, input, told);
+}
+
+void add_rules(const recorded_question &recorded, std::vector<override_rule> &rules) {
+    std::map<const told_answer *, size_t> times;
+    for (const told_answer *answer : recorded.told) {
+        times[answer]++;
+    }
+    // Of answers that came equally often the one that came first.
+    const told_answer *const usual = *std::max_element(
+        recorded.told.begin(), recorded.told.end(),
+        [&](const auto *one, const auto *other) { return times[one] < times[other]; });
+    for (size_t time = 0; time < recorded.told.size() && rules.size() <= RULES_LIMIT; time++) {
+        if (recorded.told[time] != usual) {
+            rules.push_back(rule_of(recorded.asked, *recorded.told[time]));
+            rules.back().only_time = static_cast<uint32_t>(time) + 1;
+        }
+    }
+    rules.push_back(rule_of(recorded.asked, *usual));
+}
+
+class recorder {
 public:
     recorder(const volatile int *interrupted, void (*leave)())
         : interrupted_(interrupted), leave_(leave) {
     }
 
-    int call(kxdpa_request &record) override {
+    int call(kxdpa_request &record) {
         const kxdpa_request asked = record;
         const byte_pool::item *input = nullptr;
         too_large_ |= bytes_.bytes() + kept_bytes_ >= BYTES_LIMIT;
@@ -104,53 +124,12 @@ private:
         }
         const told_answer answer = {told.error, told.status, told.returned,
                                     told.reply ? bytes_.intern(*told.reply) : nullptr};
-        std::vector<run> &so_far = recorded_[found->second].runs;
-        if (!so_far.empty() && so_far.back().answer == answer) {
-            so_far.back().times++;
-        } else {
-            so_far.push_back({answer, 1});
-            kept_bytes_ += sizeof(run);
-        }
+        recorded_[found->second].told.push_back(&*answers_.insert(answer).first);
+        kept_bytes_ += sizeof(const told_answer *);
     }
 
-    static void add_rules(const recorded_question &recorded, std::vector<override_rule> &rules) {
-        std::map<told_answer, uint64_t> times;
-        for (const auto &[answer, count] : recorded.runs) {
-            times[answer] += count;
-        }
-        // Of answers that came equally often the one that came first.
-        told_answer usual = recorded.runs.front().answer;
-        for (const auto &[answer, count] : recorded.runs) {
-            usual = times[answer] > times[usual] ? answer : usual;
-        }
-        uint32_t time = 0;
-        for (const auto &[answer, count] : recorded.runs) {
-            for (uint32_t i = 0; i < count && answer != usual && rules.size() <= RULES_LIMIT; i++) {
-                rules.push_back(rule_of(recorded.asked, answer));
-                rules.back().only_time = time + i + 1;
-            }
-            time += count;
-        }
-        rules.push_back(rule_of(recorded.asked, usual));
-    }
-
-    static override_rule rule_of(const question &asked, const told_answer &answer) {
-        driver_answer told = {
-            .error = answer.error, .status = answer.status, .returned = answer.returned};
-        if (answer.reply != nullptr) {
-            told.reply = bytes_of(*answer.reply);
-        }
-        std::optional<std::span<const uint8_t>> input;
-        if (asked.input != nullptr) {
-            input = bytes_of(*asked.input);
-        }
-        kxdpa_request request{};
-        request.opcode = asked.opcode;
-        request.arg = asked.argument;
-        return rule_for(request, input, told);
-    }
-
-    byte_pool bytes_;                         // of inputs and replies
+    byte_pool bytes_; // of inputs and replies
+    std::set<told_answer> answers_;
     std::vector<recorded_question> recorded_; // in the order of coming
     std::map<question, size_t> places_;
     size_t kept_bytes_ = 0; // beside them, roughly
@@ -165,7 +144,7 @@ std::unique_ptr<recorder> under_way;
 
 void recorder_start(const volatile int *interrupted, void (*leave)()) {
     under_way = std::make_unique<recorder>(interrupted, leave);
-    listen_to_calls(under_way.get());
+    listen_to_calls([](kxdpa_request &record) { return under_way->call(record); });
 }
 
 std::optional<host> recorder_stop(bool *too_large) {
