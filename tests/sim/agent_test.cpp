@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/socket.h>
@@ -60,6 +61,49 @@ TEST(AgentProcess, AnswersAsDescribed) {
     }
     EXPECT_FALSE(exists(AGENT_SOCKET_PATH));
     EXPECT_FALSE(exists(AGENT_PIPE_PATH));
+}
+
+TEST(AgentProcess, SaysWhichMessageIsWrong) {
+    const struct {
+        const char *complaint;
+        std::function<void(kxdpa_request &)> spoil;
+        uint32_t status;
+    } rows[] = {
+        {"", [](auto &) {}, 38},
+        {"agent: op 7: marker is wrong\n", [](auto &r) { r.marker = KXDPA_KERNEL_MARKER; }, 22},
+        {"agent: op 7: version is wrong\n", [](auto &r) { r.version++; }, 22},
+        {"agent: op 7: reserved is wrong\n", [](auto &r) { r.reserved[2] = 1; }, 22},
+        {"agent: op 7: max1_valid is wrong\n", [](auto &r) { r.flags = KXDPA_FLAG_MAX; }, 22},
+        {"agent: op 7: max2_valid is wrong\n", [](auto &r) { r.max2_valid = 1; }, 22},
+        {"agent: op 7: a message of 4294967343 bytes\n", [](auto &r) { r.len1 = 0xFFFFFFFF; }, 0},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.complaint);
+        testing::internal::CaptureStderr();
+        kxdpa_request record{};
+        record.opcode = 7;
+        record.marker = KXDPA_SOCKET_MARKER;
+        record.version = KXDPA_SOCKET_VERSION;
+        row.spoil(record);
+        uint32_t status = 0;
+        {
+            std::string error;
+            agent_process agent;
+            ASSERT_TRUE(agent.start({}, error)) << error;
+            const int asking = socket(AF_UNIX, SOCK_STREAM, 0);
+            sockaddr_un address{};
+            address.sun_family = AF_UNIX;
+            strcpy(address.sun_path, AGENT_SOCKET_PATH);
+            ASSERT_EQ(connect(asking, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+            ASSERT_EQ(send(asking, &record, sizeof record, 0), ssize_t{sizeof record});
+            kxdpa_request answered{};
+            if (recv(asking, &answered, sizeof answered, MSG_WAITALL) == sizeof answered)
+                status = answered.status;
+            close(asking);
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), row.complaint);
+        EXPECT_EQ(status, row.status);
+    }
 }
 
 TEST(AgentPaths, RefuseWhatSomebodyElseServes) {

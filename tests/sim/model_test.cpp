@@ -131,6 +131,28 @@ TEST(Model, ComplainsAboutTheFieldThatIsWrong) {
     }
 }
 
+TEST(Model, TakesOnlyItsOwnCodeAndGoodAddresses) {
+    bench on(R"({"card": {"domain": 9}})");
+    own_memory memory;
+    kxdpa_request record = on.request(63, 0, KXDPA_FLAG_OUT, 4);
+    const auto address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&record));
+    EXPECT_EQ(model_ioctl(on.driver, 5, address, memory), ENOTTY);
+    EXPECT_EQ(on.complaints, std::vector<std::string>{"request code is 5, expected 0"});
+    EXPECT_EQ(model_ioctl(on.driver, 0, 4095, memory), EFAULT);
+    EXPECT_EQ(record.status, KXDPA_STATUS_NO_EXCHANGE);
+    EXPECT_EQ(model_ioctl(on.driver, 0, address, memory), 0);
+    EXPECT_EQ(record.status, KXDPA_STATUS_SUCCESS);
+    record.buf1 = 4095;
+    EXPECT_EQ(model_ioctl(on.driver, 0, address, memory), EFAULT);
+    record.status = KXDPA_STATUS_NO_EXCHANGE;
+    on.driver.take_overrides(
+        described(R"({"overrides": [{"opcode": 63, "error": 4000}]})").overrides);
+    EXPECT_EQ(model_ioctl(on.driver, 0, address, memory), 4000);
+    EXPECT_EQ(on.trace, (std::vector<std::string>{"op 63 arg 0x0 flags 1 len 4 -> 0",
+                                                  "op 63 arg 0x0 flags 1 len 4 -> EFAULT",
+                                                  "op 63 arg 0x0 flags 1 len 4 -> error 4000"}));
+}
+
 // Whatever it is told to reply, the driver writes no more than the request has room for; behind the
 // room of the card's UUID, the type alone.
 TEST(Model, NeverWritesBeyondTheRoom) {

@@ -61,6 +61,8 @@ std::string program_of(const std::string &name, const std::string &bytes) {
 TEST(Tarnlab, SaysInOneLineWhatIsWrong) {
     const std::string wide = ": is a 64-bit program, which the device cannot be preloaded into; "
                              "give the 32-bit program itself, or --device\n";
+    const std::string prints = "--print-host goes with --full and --host only, --full with "
+                               "--print-host; see tarnlab --help\n";
     const std::string script = program_of(".sh", "#! /bin/sh -e\nexit 0\n");
     const std::string plain = program_of(".plain", "exit 0\n");
     // An ELF header without a loader behind it.
@@ -77,6 +79,9 @@ TEST(Tarnlab, SaysInOneLineWhatIsWrong) {
         {"", "tarnlab: no command given; see tarnlab --help\n", 2},
         {"--hots x", "tarnlab: no such option: --hots; see tarnlab --help\n", 2},
         {"--device --host", "tarnlab: --host needs a FILE; see tarnlab --help\n", 2},
+        {"--print-host x", "tarnlab: " + prints, 2},
+        {"--print-host --trace x", "tarnlab: " + prints, 2},
+        {"--full" + PROBE + "exit 0", "tarnlab: " + prints, 2},
         {"sh -c true", "tarnlab: sh" + wide, 2},
         {script, "tarnlab: " + script + ": its interpreter /bin/sh" + wide, 2},
         {plain, "tarnlab: " + plain + ": its interpreter /bin/sh" + wide, 2},
