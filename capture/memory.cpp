@@ -115,6 +115,11 @@ inline void tell(const remembered_step &kept, kxdpa_request &record) {
     }
 }
 
+// The step that comes next if all goes as with the row before, nullptr for none.
+const remembered_step *likely_step(const std::vector<remembered_step> *before, size_t place) {
+    return before != nullptr && place < before->size() ? &(*before)[place] : nullptr;
+}
+
 driver_memory *listening = nullptr;
 
 } // namespace
@@ -195,11 +200,6 @@ driver_memory::row &driver_memory::add_row(shape &of, uint32_t argument) {
     added = {.form = find_answer(request), .argument = argument};
     of.first = of.rows++ == 0 ? &added : of.first;
     return added;
-}
-
-// The step that comes next if all goes as with the row before, nullptr for none.
-const remembered_step *likely_step(const std::vector<remembered_step> *before, size_t place) {
-    return before != nullptr && place < before->size() ? &(*before)[place] : nullptr;
 }
 
 const byte_pool::item *driver_memory::intern_input(const shape &of,
