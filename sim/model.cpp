@@ -29,14 +29,17 @@ std::string format(const char *text, ...) {
 
 struct field {
     const char *name;
-    uint32_t found, expected;
+    uint32_t found, least;
+    uint32_t most = least;
 };
 
 // About the first one that is wrong, empty for none.
 std::string check_fields(std::initializer_list<field> fields) {
-    for (const auto &[name, found, expected] : fields) {
-        if (found != expected) {
-            return format("%s is %u, expected %u", name, found, expected);
+    for (const auto &[name, found, least, most] : fields) {
+        if (found < least || found > most) {
+            const char *bound = least == most ? "" : found < least ? "at least " : "at most ";
+            return format("%s is %u, expected %s%u", name, found, bound,
+                          found < least ? least : most);
         }
     }
     return "";
@@ -44,16 +47,12 @@ std::string check_fields(std::initializer_list<field> fields) {
 
 // The fields that have one right value, whatever the opcode.
 std::string check_head(const kxdpa_request &request) {
-    std::string complaint = check_fields({{"marker", request.marker, KXDPA_KERNEL_MARKER},
-                                          {"version", request.version, KXDPA_KERNEL_VERSION},
-                                          {"reserved", request.reserved[0], 0},
-                                          {"reserved", request.reserved[1], 0},
-                                          {"reserved", request.reserved[2], 0}});
-    const uint32_t longest = std::max(request.len1, request.len2);
-    if (complaint.empty() && longest > TRANSFER_LIMIT) {
-        complaint = format("length is %u, expected at most %u", longest, TRANSFER_LIMIT);
-    }
-    return complaint;
+    return check_fields({{"marker", request.marker, KXDPA_KERNEL_MARKER},
+                         {"version", request.version, KXDPA_KERNEL_VERSION},
+                         {"reserved", request.reserved[0], 0},
+                         {"reserved", request.reserved[1], 0},
+                         {"reserved", request.reserved[2], 0},
+                         {"length", std::max(request.len1, request.len2), 0, TRANSFER_LIMIT}});
 }
 
 std::string check_buffer(const char *name, uint32_t address, bool is_used) {
@@ -66,16 +65,15 @@ std::string check_buffer(const char *name, uint32_t address, bool is_used) {
 std::string check_form(const kxdpa_request &request, const answer &expected) {
     const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
     const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
-    std::string complaint = check_fields({{"flags", request.flags, expected.flags},
-                                          {"len1", request.len1, expected.len1},
-                                          {"len2", request.len2, expected.len2},
-                                          {"max1_valid", request.max1_valid, one},
-                                          {"max2_valid", request.max2_valid, two},
-                                          {"max1", request.max1, one * request.max1},
-                                          {"max2", request.max2, two * request.max2}});
-    if (complaint.empty() && one != 0 && request.max1 < expected.capacity) {
-        complaint = format("max1 is %u, expected at least %u", request.max1, expected.capacity);
-    }
+    std::string complaint =
+        check_fields({{"flags", request.flags, expected.flags},
+                      {"len1", request.len1, expected.len1},
+                      {"len2", request.len2, expected.len2},
+                      {"max1_valid", request.max1_valid, one},
+                      {"max2_valid", request.max2_valid, two},
+                      {"max1", request.max1, 0, one * UINT32_MAX},
+                      {"max2", request.max2, 0, two * UINT32_MAX},
+                      {"max1", request.max1, one * expected.capacity, UINT32_MAX}});
     if (complaint.empty()) {
         complaint = check_buffer("buf1", request.buf1, !has_flag(request, KXDPA_FLAG_NODATA));
     }
@@ -130,6 +128,11 @@ void fit_reply(exchange &talk) {
     }
 }
 
+std::string describe_capacities(const kxdpa_request &record) {
+    return (record.max1_valid != 0 ? format(" max %u", record.max1) : "") +
+           (record.max2_valid != 0 ? format(" max2 %u", record.max2) : "");
+}
+
 std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &input) {
     std::string line =
         format("op %u arg 0x%x flags %u", request.opcode, request.arg, request.flags);
@@ -139,16 +142,8 @@ std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &i
     if (request.len2 != 0) {
         line += format(" len2 %u", request.len2);
     }
-    if (request.max1_valid != 0) {
-        line += format(" max %u", request.max1);
-    }
-    if (request.max2_valid != 0) {
-        line += format(" max2 %u", request.max2);
-    }
-    if (!input.empty()) {
-        line += " in " + bytes_to_hex(input);
-    }
-    return line;
+    line += describe_capacities(request);
+    return input.empty() ? line : line + " in " + bytes_to_hex(input);
 }
 
 std::string describe_outcome(const kxdpa_request &record, int error) {
@@ -156,14 +151,7 @@ std::string describe_outcome(const kxdpa_request &record, int error) {
         const char *name = strerrorname_np(error);
         return name == nullptr ? format(" -> error %d", error) : " -> " + std::string(name);
     }
-    std::string line = format(" -> %u", record.status);
-    if (record.max1_valid != 0) {
-        line += format(" max %u", record.max1);
-    }
-    if (record.max2_valid != 0) {
-        line += format(" max2 %u", record.max2);
-    }
-    return line;
+    return format(" -> %u", record.status) + describe_capacities(record);
 }
 
 // What is wrong with the record, empty for nothing. An opcode that nobody answers has no form.

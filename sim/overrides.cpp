@@ -2,32 +2,10 @@
 
 #include <algorithm>
 
-namespace {
-
-// What a rule asks for, or what a request that it asks for is like.
-std::string group_key(uint16_t opcode, const uint32_t *argument,
-                      const std::span<const uint8_t> *input) {
-    std::string key = std::to_string(opcode);
-    key += argument == nullptr ? "any" : "=" + std::to_string(*argument);
-    if (input != nullptr) {
-        key += ':';
-        key.append(input->begin(), input->end());
-    }
-    return key;
-}
-
-} // namespace
-
 override_index::override_index(const std::vector<override_rule> &rules) {
     for (size_t place = 0; place < rules.size(); place++) {
         const override_rule &rule = rules[place];
-        std::span<const uint8_t> input;
-        if (rule.in) {
-            input = *rule.in;
-        }
-        const std::string key = group_key(rule.opcode, rule.argument ? &*rule.argument : nullptr,
-                                          rule.in ? &input : nullptr);
-        groups_[key].by_time.emplace(rule.only_time, place);
+        groups_[{rule.opcode, rule.argument, rule.in}].by_time.emplace(rule.only_time, place);
     }
 }
 
@@ -36,9 +14,13 @@ size_t override_index::find(const kxdpa_request &request, std::span<const uint8_
     if (groups_.empty()) {
         return first;
     }
-    for (const uint32_t *argument : {&request.arg, static_cast<const uint32_t *>(nullptr)}) {
-        for (const auto *in : {&input, static_cast<std::span<const uint8_t> *>(nullptr)}) {
-            const auto found = groups_.find(group_key(request.opcode, argument, in));
+    // As they stand in the question: an argument or any, an input or any.
+    const std::optional<uint32_t> arguments[] = {request.arg, std::nullopt};
+    const std::optional<std::vector<uint8_t>> inputs[] = {
+        std::vector<uint8_t>(input.begin(), input.end()), std::nullopt};
+    for (const auto &argument : arguments) {
+        for (const auto &in : inputs) {
+            const auto found = groups_.find({request.opcode, argument, in});
             if (found == groups_.end()) {
                 continue;
             }

@@ -7,9 +7,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <span>
-#include <string>
-#include <unordered_map>
+#include <tuple>
 #include <vector>
 
 // A recording has a rule for each of many thousand requests, so the rules are found by what they
@@ -27,13 +28,17 @@ public:
     size_t find(const kxdpa_request &request, std::span<const uint8_t> input);
 
 private:
+    // What a rule asks for; any argument or input when absent.
+    using question =
+        std::tuple<uint16_t, std::optional<uint32_t>, std::optional<std::vector<uint8_t>>>;
+
     // The rules that ask for the same requests.
     struct group {
-        uint32_t seen = 0;                            // requests so far
-        std::unordered_map<uint32_t, size_t> by_time; // first rule of each time, 0 for each time
+        uint32_t seen = 0;                  // requests so far
+        std::map<uint32_t, size_t> by_time; // first rule of each time, 0 for each time
     };
 
-    std::unordered_map<std::string, group> groups_;
+    std::map<question, group> groups_;
 };
 
 #endif

@@ -3,6 +3,9 @@
 #include "host/keys.h"
 
 #include <algorithm>
+#include <string_view>
+
+#include <unistd.h>
 
 namespace {
 
@@ -45,6 +48,14 @@ void report_overrides(const host &described, std::span<const uint8_t> met,
 
 } // namespace
 
+void trace_into(model &driver, int descriptor) {
+    driver.trace = [descriptor](const std::string &line) {
+        // One write a line, so that lines of several processes do not mix.
+        const std::string text = line + "\n";
+        [[maybe_unused]] const ssize_t written = write(descriptor, text.data(), text.size());
+    };
+}
+
 size_t marks_of(const host &described) {
     return described.overrides.size() + HOST_KEYS.keys.size();
 }
@@ -52,9 +63,11 @@ size_t marks_of(const host &described) {
 void mark_use_of(model &driver, uint8_t *marks) {
     driver.met = [marks](size_t place) { marks[place] = 1; };
     if (driver.state.capture && driver.state.capture->keys) {
-        driver.asked = [keys = marks + driver.state.overrides.size()](const answer &form) {
-            if (const auto place = key_place(form)) {
-                keys[*place] = 1;
+        driver.asked = [marks = marks + driver.state.overrides.size()](const answer &form) {
+            for (const key &known : HOST_KEYS.keys) {
+                if (form.key != nullptr && known.name == std::string_view(form.key)) {
+                    marks[&known - HOST_KEYS.keys.data()] = 1;
+                }
             }
         };
     }

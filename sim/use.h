@@ -1,5 +1,6 @@
-// What of a host description a run has used, a byte each: the overrides, and behind them the
-// top-level keys of the host file, which are marked where the description is a capture of some.
+// What is told of the requests of a run: each of them in a trace, and what of the host description
+// they have used. That is a byte for each of the overrides, and after them for the top-level keys
+// of the host file, which are marked where the description is a capture of some.
 #ifndef SIM_USE_H
 #define SIM_USE_H
 
@@ -10,6 +11,9 @@
 #include <span>
 #include <string>
 #include <vector>
+
+// Write a line to the descriptor for every request from now on. What cannot be written is lost.
+void trace_into(model &driver, int descriptor);
 
 size_t marks_of(const host &described);
 

@@ -62,7 +62,7 @@ void answer_card_api(host &, exchange &talk) {
     talk.reply_with(uint32_t{1});
 }
 
-// The type is assumed to stand behind the caller's 48 bytes, whatever the text's length.
+// The type is assumed to stand after the caller's 48 bytes, whatever the text's length.
 void answer_uuid(host &state, exchange &talk) {
     if (!state.card.uuid) {
         return talk.fail(state);

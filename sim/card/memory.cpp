@@ -16,7 +16,7 @@ auto find_by_name(records &entries, const record &named) {
     });
 }
 
-// The entry behind the one that the caller names; the first for an empty name.
+// The entry after the one that the caller names; the first for an empty name.
 template <auto list> void answer_next(host &state, exchange &talk) {
     const auto &entries = state.memory.*list;
     const auto query = talk.input_as<record_of<list>>();

@@ -64,10 +64,10 @@ void answer_entry_count(host &state, exchange &talk) {
     }
 }
 
-// The place of the entry behind the one with the address, of the first for the address zero, which
+// The place of the entry after the one with the address, of the first for the address zero, which
 // therefore is never told itself. A walk asks for one after the other, so the place of the last
 // answer is looked at first.
-size_t place_behind(const l2_table &table, const uint8_t (&mac)[KX_MAC_SIZE], size_t &last) {
+size_t place_after(const l2_table &table, const uint8_t (&mac)[KX_MAC_SIZE], size_t &last) {
     const auto &entries = table.entries;
     if (is_mac(mac, NO_MAC)) {
         last = 0;
@@ -109,7 +109,7 @@ void answer_next_entry(host &state, exchange &talk) {
     }
     size_t start = 0;
     size_t &last = place_of(talk, talk.request.arg, start);
-    const size_t first = place_behind(*table, talk.input_as<entry_key>().mac, last);
+    const size_t first = place_after(*table, talk.input_as<entry_key>().mac, last);
     const kx_l2_entry *found =
         find_entry(*table, first, last, [](const kx_l2_entry &) { return true; });
     if (found == nullptr) {
@@ -127,7 +127,7 @@ void learn_next_entry(host &state, const exchange &told) {
     }
 }
 
-// Behind the entry that the step names, the slot's next one: first in the same bridge domain.
+// After the entry that the step names, the slot's next one: first in the same bridge domain.
 void answer_slot_step(host &state, exchange &talk) {
     const l2_state &l2 = state.l2;
     const auto step = talk.input_as<kx_l2_slot_step>();
@@ -144,7 +144,7 @@ void answer_slot_step(host &state, exchange &talk) {
         size_t start = 0;
         size_t &last = place_of(talk, table->first, start);
         const bool goes_on = table->first == step.bd_index;
-        const size_t first = goes_on ? place_behind(table->second, step.entry.mac, last) : 0;
+        const size_t first = goes_on ? place_after(table->second, step.entry.mac, last) : 0;
         if (const kx_l2_entry *found = find_entry(table->second, first, last, in_slot)) {
             return talk.reply_with(
                 kx_l2_slot_step{*l2.slots, table->first, wire_entry(state, *found)});

@@ -8,7 +8,6 @@
 #include "sim/lab/lab_options.h"
 #include "sim/model.h"
 #include "sim/preload_channel.h"
-#include "sim/trace.h"
 #include "sim/use.h"
 
 #include <algorithm>
@@ -125,13 +124,16 @@ void hand_over(const preload_channel &channel) {
             fcntl(descriptor, F_SETFD, 0);
         }
     }
-    std::string preload = preload_entry(channel);
+    std::string preload = path_of(channel.library);
     const char *others = std::getenv("LD_PRELOAD");
     if (others != nullptr && *others != '\0') {
         preload += std::string(":") + others;
     }
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    setenv(PRELOAD_VARIABLE, preload_text(channel).c_str(), 1);
+    char handed[64];
+    std::snprintf(handed, sizeof handed, PRELOAD_FORMAT, channel.library, channel.host,
+                  channel.trace, channel.met);
+    setenv(PRELOAD_VARIABLE, handed, 1);
 }
 
 [[noreturn]] void become_command(const lab_options &options) {
@@ -139,10 +141,6 @@ void hand_over(const preload_channel &channel) {
     const int reason = errno;
     std::fprintf(stderr, "tarnlab: %s: %s\n", options.command[0], std::strerror(reason));
     _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
-}
-
-int exit_value_of(int status) {
-    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 // What asks a program to end. From before anything is made that is to be removed they do not come
@@ -192,12 +190,12 @@ void leave_terminal_to(pid_t command) {
     }
 }
 
-// Returns the process, or -1 after a complaint. Without a channel nothing is preloaded.
-pid_t start_command(const lab_run &run, const preload_channel *channel) {
+// Returns the process, or -1 after a complaint. Without a library nothing is preloaded.
+pid_t start_command(const lab_run &run, const preload_channel &channel) {
     const pid_t child = fork();
     if (child == 0) {
-        if (channel != nullptr) {
-            hand_over(*channel);
+        if (channel.library != -1) {
+            hand_over(channel);
         }
         sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
         become_command(run.options);
@@ -210,9 +208,9 @@ pid_t start_command(const lab_run &run, const preload_channel *channel) {
     return child;
 }
 
-// Wait for the command's end, and answer the requests of the device file meanwhile where there is
-// one. Whoever ends this program means the command, whose end is then ours.
-int serve_command(pid_t command, int signals, int device = -1, model *driver = nullptr) {
+// Wait for the command's end, and answer the requests of the device file meanwhile, -1 for none.
+// Whoever ends this program means the command, whose end is then ours.
+int serve_command(pid_t command, int signals, int device, model &driver) {
     pollfd watched[] = {{device, POLLIN, 0}, {signals, POLLIN, 0}};
     int status = 0;
     while (waitpid(command, &status, WNOHANG) != command) {
@@ -224,39 +222,29 @@ int serve_command(pid_t command, int signals, int device = -1, model *driver = n
             arrived.ssi_signo != SIGCHLD) {
             kill(command, static_cast<int>(arrived.ssi_signo));
         }
-        if (driver != nullptr && watched[0].revents != 0 &&
-            !serve_device_request(device, *driver)) {
+        if (watched[0].revents != 0 && !serve_device_request(device, driver)) {
             watched[0].fd = -1;
         }
     }
-    return exit_value_of(status);
+    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-int run_preloaded(lab_run &run, const preload_channel &channel) {
-    const pid_t command = start_command(run, &channel);
-    if (command == -1) {
-        return EXIT_CANNOT_RUN;
-    }
-    const int exit_value = serve_command(command, run.signals);
-    [[maybe_unused]] const ssize_t got = pread(channel.met, run.marks.data(), run.marks.size(), 0);
-    return exit_value;
-}
-
-int run_on_device(lab_run &run, int device) {
-    model driver(run.described);
+// The driver's device as a file, -1 with one line in `error`.
+int open_device(lab_run &run, model &driver, std::string &error) {
+    driver.take(run.described);
     mark_use_of(driver, run.marks.data());
     if (run.trace != -1) {
         trace_into(driver, run.trace);
     }
-    const pid_t command = start_command(run, nullptr);
-    return command == -1 ? EXIT_CANNOT_RUN : serve_command(command, run.signals, device, &driver);
+    return mount_device_file(error);
 }
 
 // The command with everything that its host has besides the driver. Returns the exit value, or -1
 // with one line in `error`.
 int run_on_host(lab_run &run, std::string &error) {
+    model driver;
     preload_channel channel;
-    const int device = run.options.device ? mount_device_file(error) : -1;
+    const int device = run.options.device ? open_device(run, driver, error) : -1;
     const bool ready = run.options.device ? device != -1 : open_channel(run, channel, error);
     agent_process agent;
     host_programs programs;
@@ -264,7 +252,14 @@ int run_on_host(lab_run &run, std::string &error) {
         !programs.install(run.described, error)) {
         return -1;
     }
-    return run.options.device ? run_on_device(run, device) : run_preloaded(run, channel);
+    const pid_t command = start_command(run, channel);
+    if (command == -1) {
+        return EXIT_CANNOT_RUN;
+    }
+    const int exit_value = serve_command(command, run.signals, device, driver);
+    // On a device file they were set here.
+    [[maybe_unused]] const ssize_t got = pread(channel.met, run.marks.data(), run.marks.size(), 0);
+    return exit_value;
 }
 
 int run(lab_run &run) {

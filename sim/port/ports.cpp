@@ -3,9 +3,21 @@
 #include "handlers/port/bridge_domain_record.h"
 #include "infra/utils/kxlibbmp.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
+
+// The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
+const port_view *find_port_view(const host &state, uint32_t argument) {
+    const port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
+    const uint32_t view = argument >> 24;
+    if (found == nullptr || view >= PORT_VIEWS) {
+        return nullptr;
+    }
+    const port_view &seen = view_of(*found, static_cast<kx_port_view>(view));
+    return seen.known ? &seen : nullptr;
+}
 
 void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
@@ -139,6 +151,26 @@ void learn_vlan_set(host &state, const exchange &told) {
         [&](port_view &view) { view.vlans = vlans; });
 }
 
+// A port without a role on the VLAN answers that it has none.
+void answer_private_vlan(host &state, exchange &talk) {
+    if (find_port_view(state, talk.request.arg) == nullptr) {
+        return talk.fail(state);
+    }
+    const auto asked = talk.input_as<kx_port_pvlan>();
+    const auto *found = value_in(state.private_vlans, {talk.request.arg & LAST_LTL, asked.vlan});
+    talk.reply_with(found == nullptr ? asked : *found);
+}
+
+// The views share one description: what the first of them says.
+void learn_private_vlan(host &state, const exchange &told) {
+    const auto asked = told.input_as<kx_port_pvlan>();
+    const auto pvlan = told.reply_as<kx_port_pvlan>();
+    if (told.is_told() && std::memcmp(&asked, &pvlan, sizeof pvlan) != 0 &&
+        std::max({asked.vlan, pvlan.primary, pvlan.secondary}) <= KX_LAST_VLAN) {
+        state.private_vlans.try_emplace({told.request.arg & LAST_LTL, asked.vlan}, pvlan);
+    }
+}
+
 constexpr answer PORT_ANSWERS[] = {
     get<uint32_t>(KXDPA_OP_NEXT_LTL, answer_next_ltl, learn_next_ltl),
     get<kx_port_record>(KXDPA_OP_PORT_RECORD, answer_port, learn_port),
@@ -152,18 +184,10 @@ constexpr answer PORT_ANSWERS[] = {
         .told_alike(forward_alike),
     {KXDPA_OP_PORT_VLAN_SET, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_MAX, sizeof(bmp4096), 0,
      sizeof(bmp4096), answer_vlan_set, learn_vlan_set},
+    exchanged<kx_port_pvlan>(KXDPA_OP_PORT_PVLAN, answer_private_vlan, learn_private_vlan)
+        .from_key("private_vlans"),
 };
 
 } // namespace
-
-const port_view *find_port_view(const host &state, uint32_t argument) {
-    const port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
-    const uint32_t view = argument >> 24;
-    if (found == nullptr || view >= PORT_VIEWS) {
-        return nullptr;
-    }
-    const port_view &seen = view_of(*found, static_cast<kx_port_view>(view));
-    return seen.known ? &seen : nullptr;
-}
 
 constinit const family port_family = PORT_ANSWERS;
