@@ -146,7 +146,6 @@ inline bool always_alike(const exchange & /*one*/, const exchange & /*other*/) {
 using family = std::span<const answer>;
 
 extern const family card_family;
-extern const family memory_family;
 extern const family bridge_domain_family;
 extern const family port_family;
 extern const family port_channel_family;

@@ -9,15 +9,10 @@ constexpr struct {
     const family *answers;
     const char *key; // of the host file, nullptr for none
 } FAMILIES[] = {
-    {&card_family, "card"},
-    {&memory_family, nullptr},
-    {&bridge_domain_family, "bridge_domains"},
-    {&port_family, "ports"},
-    {&port_channel_family, "port_channels"},
-    {&l2_family, "l2"},
-    {&counter_family, "drops"},
-    {&acl_family, "acls"},
-    {&lacp_family, "lacp"},
+    {&card_family, "card"},      {&bridge_domain_family, "bridge_domains"},
+    {&port_family, "ports"},     {&port_channel_family, "port_channels"},
+    {&l2_family, "l2"},          {&counter_family, "drops"},
+    {&acl_family, "acls"},       {&lacp_family, "lacp"},
     {&settings_family, nullptr},
 };
 

@@ -104,7 +104,7 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
 }
 
 // Never writes past the length and capacity that the request declares, whatever an override says,
-// but for the `behind` bytes of the opcode.
+// but for the opcode's bytes after it.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk,
                  uint32_t behind, bool forced) {
     const reply_place to = reply_place_of(record);
@@ -160,6 +160,34 @@ std::string check_request(const kxdpa_request &request, const answer *known) {
     return complaint.empty() && known != nullptr ? check_form(request, *known) : complaint;
 }
 
+// The place of the first override that holds for the request. All that ask for it count it, whether
+// or not they are the first.
+std::optional<size_t> find_override(model &driver, const kxdpa_request &request,
+                                    const std::vector<uint8_t> &input) {
+    std::optional<size_t> first;
+    if (driver.overrides.empty()) {
+        return first;
+    }
+    const std::optional<uint32_t> arguments[] = {request.arg, std::nullopt};
+    const std::optional<std::vector<uint8_t>> inputs[] = {input, std::nullopt};
+    for (const auto &argument : arguments) {
+        for (const auto &in : inputs) {
+            const auto found = driver.overrides.find({request.opcode, argument, in});
+            if (found == driver.overrides.end()) {
+                continue;
+            }
+            override_group &group = found->second;
+            group.seen++;
+            for (const uint32_t time : {uint32_t{0}, group.seen}) {
+                if (const size_t *place = value_in(group.by_time, time)) {
+                    first = std::min(*place, first.value_or(*place));
+                }
+            }
+        }
+    }
+    return first;
+}
+
 // Fill the exchange. `rule` replaces what it names and leaves the rest to the host.
 void answer_request(host &state, exchange &talk, const answer *known, const override_rule *rule) {
     if (rule != nullptr && (rule->reply || rule->status)) {
@@ -196,11 +224,10 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     if (!read_input(record, memory, input)) {
         return EFAULT;
     }
-    const size_t place = driver.overrides.find(record, input);
-    const override_rule *rule =
-        place == override_index::NONE ? nullptr : &driver.state.overrides[place];
+    const std::optional<size_t> place = find_override(driver, record, input);
+    const override_rule *rule = place ? &driver.state.overrides[*place] : nullptr;
     if (rule != nullptr && driver.met) {
-        driver.met(place);
+        driver.met(*place);
     }
     const bool forced = rule != nullptr && (rule->reply || rule->length);
     if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
@@ -255,13 +282,18 @@ bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
 
 void model::take(host described) {
     state = std::move(described);
-    overrides = override_index(state.overrides);
     places.clear();
+    take_overrides(std::move(state.overrides));
 }
 
 void model::take_overrides(std::vector<override_rule> rules) {
     state.overrides = std::move(rules);
-    overrides = override_index(state.overrides);
+    overrides.clear();
+    for (size_t place = 0; place < state.overrides.size(); place++) {
+        const override_rule &rule = state.overrides[place];
+        override_group &group = overrides[{rule.opcode, rule.argument, rule.in}];
+        group.by_time.emplace(rule.only_time, place);
+    }
 }
 
 void answer_as_host(host &state, const answer &form, exchange &talk) {

@@ -63,12 +63,10 @@ std::string library_path() {
 }
 
 bool read_host(lab_run &run, std::string &error) {
-    if (run.options.host.empty()) {
-        run.text = builtin_host_text();
-        return parse_host(run.text, "built-in host", run.described, error);
-    }
-    return read_host_file(run.options.host, run.text, error) &&
-           parse_host(run.text, run.options.host, run.described, error);
+    const std::string &path = run.options.host;
+    run.text = builtin_host_text();
+    return (path.empty() || read_host_file(path, run.text, error)) &&
+           parse_host(run.text, path.empty() ? "built-in host" : path, run.described, error);
 }
 
 bool start_trace(lab_run &run, std::string &error) {

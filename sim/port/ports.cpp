@@ -74,11 +74,8 @@ template <auto member> void learn_member(host &state, const exchange &told) {
 
 void answer_secure_state(host &state, exchange &talk) {
     const port *found = value_in(state.ports.by_ltl, talk.request.arg);
-    if (found == nullptr || !found->secure) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(uint32_t{1});
-    }
+    const uint32_t secure = 1;
+    talk.tell(state, found != nullptr && found->secure ? &secure : nullptr);
 }
 
 void learn_secure_state(host &state, const exchange &told) {
