@@ -65,18 +65,13 @@ uint64_t message_size(const kxdpa_request &request) {
 const char *wrong_field(const kxdpa_request &request) {
     const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
     const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
-    const std::pair<const char *, bool> fields[] = {
-        {"marker", request.marker != KXDPA_SOCKET_MARKER},
-        {"version", request.version != KXDPA_SOCKET_VERSION},
-        {"reserved", std::ranges::any_of(request.reserved, std::identity())},
-        {"max1_valid", request.max1_valid != one},
-        {"max2_valid", request.max2_valid != two}};
-    for (const auto &[name, is_wrong] : fields) {
-        if (is_wrong) {
-            return name;
-        }
-    }
-    return nullptr;
+    const bool reserved = std::ranges::any_of(request.reserved, std::identity());
+    return request.marker != KXDPA_SOCKET_MARKER     ? "marker"
+           : request.version != KXDPA_SOCKET_VERSION ? "version"
+           : reserved                                ? "reserved"
+           : request.max1_valid != one               ? "max1_valid"
+           : request.max2_valid != two               ? "max2_valid"
+                                                     : nullptr;
 }
 
 const agent_answer *find_answer(agent &self, const kxdpa_request &request) {

@@ -18,7 +18,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -83,16 +85,16 @@ bool start_trace(lab_run &run, std::string &error) {
     return run.trace != -1;
 }
 
-// A file without a name that holds `size` bytes; -1 when there is no room.
-int nameless_file(const char *bytes, size_t size) {
+// A file without a name that holds the bytes; -1 when there is no room.
+int nameless_file(std::string_view bytes) {
     const int file = memfd_create("tarnlab", MFD_CLOEXEC);
-    for (size_t written = 0; file != -1 && written < size;) {
-        const ssize_t more = write(file, bytes + written, size - written);
-        if (more <= 0) {
+    while (file != -1 && !bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written <= 0) {
             close(file);
             return -1;
         }
-        written += static_cast<size_t>(more);
+        bytes.remove_prefix(static_cast<size_t>(written));
     }
     return file;
 }
@@ -105,8 +107,8 @@ bool open_channel(const lab_run &run, preload_channel &channel, std::string &err
         error = library + ": " + std::strerror(errno);
         return false;
     }
-    channel.host = nameless_file(run.text.data(), run.text.size());
-    channel.met = nameless_file(reinterpret_cast<const char *>(run.marks.data()), run.marks.size());
+    channel.host = nameless_file(run.text);
+    channel.met = nameless_file(std::string(run.marks.size(), '\0'));
     channel.trace = run.trace;
     if (channel.host == -1 || channel.met == -1) {
         error = std::string("the host description: ") + std::strerror(errno);
@@ -141,33 +143,32 @@ void hand_over(const preload_channel &channel) {
     _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
 }
 
-// What asks a program to end. From before anything is made that is to be removed they do not come
-// by themselves: they are read from `run.signals` and go to the command.
-constexpr int ENDING_SIGNALS[] = {SIGTERM, SIGHUP, SIGPIPE};
+// What is read from `run.signals`: the command's end, and what asks a program to end, which goes to
+// the command. From before anything is made that is to be removed none of them comes by itself.
+constexpr int HANDLED_SIGNALS[] = {SIGCHLD, SIGTERM, SIGHUP, SIGPIPE};
 // A terminal sends these to the command as well.
 constexpr int TERMINAL_SIGNALS[] = {SIGINT, SIGQUIT};
 
-// What is ignored, as a hang-up under nohup, stays so.
-void add_unless_ignored(sigset_t &signals, int number) {
-    struct sigaction now {};
-    sigaction(number, nullptr, &now);
-    if (now.sa_handler != SIG_IGN) {
-        sigaddset(&signals, number);
+// Block these, but for what is ignored: that stays so, as a hang-up under nohup. Returns what is
+// blocked.
+sigset_t block(std::span<const int> numbers) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    for (const int number : numbers) {
+        struct sigaction now {};
+        sigaction(number, nullptr, &now);
+        if (now.sa_handler != SIG_IGN) {
+            sigaddset(&blocked, number);
+        }
     }
+    sigprocmask(SIG_BLOCK, &blocked, nullptr);
+    return blocked;
 }
 
 bool hold_back_signals(lab_run &run, std::string &error) {
-    sigset_t handled;
-    sigemptyset(&handled);
-    sigaddset(&handled, SIGCHLD);
-    for (const int number : ENDING_SIGNALS) {
-        add_unless_ignored(handled, number);
-    }
-    sigset_t held = handled;
-    for (const int number : TERMINAL_SIGNALS) {
-        add_unless_ignored(held, number);
-    }
-    sigprocmask(SIG_BLOCK, &held, &run.mask_before);
+    sigprocmask(SIG_BLOCK, nullptr, &run.mask_before);
+    const sigset_t handled = block(HANDLED_SIGNALS);
+    block(TERMINAL_SIGNALS);
     run.signals = signalfd(-1, &handled, SFD_CLOEXEC);
     if (run.signals == -1) {
         error = std::string("signalfd: ") + std::strerror(errno);
