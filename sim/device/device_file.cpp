@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
-#include <vector>
+#include <string_view>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -21,85 +21,59 @@ namespace {
 // --- Where the file is ---
 
 constexpr const char *TOP_FOLDER = "/vmfs";
+constexpr const char *STAGE = "/dev"; // any folder of the root serves to build another root on
 
-// An entry of the root folder that the assembled root shows again.
-struct root_entry {
-    std::string name;
-    mode_t mode;
-    int tree;           // its mount tree, detached; -1 for a symbolic link
-    std::string target; // of a symbolic link
-};
+// A folder or file with all that is mounted below it, detached; -1 for what cannot be had.
+int tree_of(const std::string &path) {
+    const auto recursive = static_cast<unsigned>(AT_RECURSIVE);
+    return open_tree(AT_FDCWD, path.c_str(), OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | recursive);
+}
 
-bool look_at_entry(const std::string &name, root_entry &entry) {
-    const std::string path = "/" + name;
+bool show_link(const std::string &path) {
+    char target[PATH_MAX] = {};
+    return readlink(path.c_str(), target, sizeof target - 1) < 1 ||
+           symlink(target, (STAGE + path).c_str()) == 0;
+}
+
+// Show an entry of the root folder on the stage, too; `hidden` is what the stage hides. What cannot
+// be had is left out.
+bool show_entry(const std::string &path, int hidden) {
     struct stat status {};
     if (lstat(path.c_str(), &status) == -1) {
-        return false;
+        return true;
     }
-    entry = {name, status.st_mode, -1, ""};
     if (S_ISLNK(status.st_mode)) {
-        char target[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), target, sizeof target);
-        entry.target.assign(target, length > 0 ? static_cast<size_t>(length) : 0);
-        return length > 0;
+        return show_link(path);
     }
-    entry.tree =
-        open_tree(AT_FDCWD, path.c_str(),
-                  OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | static_cast<unsigned>(AT_RECURSIVE));
-    return entry.tree != -1;
-}
-
-bool look_at_root(std::vector<root_entry> &entries) {
-    DIR *root = opendir("/");
-    if (root == nullptr) {
-        return false;
+    const int tree = path == STAGE ? hidden : tree_of(path);
+    if (tree == -1) {
+        return true;
     }
-    while (const dirent *listed = readdir(root)) {
-        const std::string name = listed->d_name;
-        root_entry entry{};
-        if (name != "." && name != ".." && look_at_entry(name, entry)) {
-            entries.push_back(entry);
-        }
-    }
-    closedir(root);
-    return true;
-}
-
-bool show_entry(const std::string &stage, const root_entry &entry) {
-    const std::string path = stage + "/" + entry.name;
-    if (S_ISLNK(entry.mode)) {
-        return symlink(entry.target.c_str(), path.c_str()) == 0;
-    }
-    const bool made = S_ISDIR(entry.mode) ? mkdir(path.c_str(), 0755) == 0
-                                          : mknod(path.c_str(), S_IFREG | 0644, 0) == 0;
-    return made && move_mount(entry.tree, "", AT_FDCWD, path.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0;
+    const std::string to = STAGE + path;
+    const bool made = S_ISDIR(status.st_mode) ? mkdir(to.c_str(), 0755) == 0
+                                              : mknod(to.c_str(), S_IFREG | 0644, 0) == 0;
+    const bool shown =
+        made && move_mount(tree, "", AT_FDCWD, to.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0;
+    close(tree);
+    return shown;
 }
 
 // Go on in a root of our own that shows all that the real one holds and takes new folders, so that
-// the real one stays as it is. Any folder serves to build it on: all of them are taken along before
-// it is hidden.
+// the real one stays as it is.
 bool assemble_root() {
     char current[PATH_MAX];
-    std::vector<root_entry> entries;
-    if (getcwd(current, sizeof current) == nullptr || !look_at_root(entries)) {
-        return false;
+    const int hidden = tree_of(STAGE);
+    DIR *root = opendir("/");
+    bool shown = root != nullptr && getcwd(current, sizeof current) != nullptr &&
+                 mount("tarnlab", STAGE, "tmpfs", 0, "mode=0755") == 0;
+    while (const dirent *listed = shown ? readdir(root) : nullptr) {
+        const std::string_view name = listed->d_name;
+        shown = name == "." || name == ".." || show_entry("/" + std::string(name), hidden);
     }
-    std::string stage;
-    for (const root_entry &entry : entries) {
-        if (S_ISDIR(entry.mode)) {
-            stage = "/" + entry.name;
-        }
+    if (root != nullptr) {
+        closedir(root);
     }
-    if (mount("tarnlab", stage.c_str(), "tmpfs", 0, "mode=0755") == -1) {
-        return false;
-    }
-    for (const root_entry &entry : entries) {
-        if (!show_entry(stage, entry)) {
-            return false;
-        }
-        close(entry.tree);
-    }
-    return chroot(stage.c_str()) == 0 && chdir(current) == 0;
+    return shown && chroot(STAGE) == 0 && chdir(current) == 0;
 }
 
 // Everything above the device file, and an empty file for the mount to cover.
