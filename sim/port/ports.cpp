@@ -5,18 +5,23 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-// The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
-const port_view *find_port_view(const host &state, uint32_t argument) {
-    const port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
-    const uint32_t view = argument >> 24;
-    if (found == nullptr || view >= PORT_VIEWS) {
-        return nullptr;
-    }
-    const port_view &seen = view_of(*found, static_cast<kx_port_view>(view));
-    return seen.known ? &seen : nullptr;
+// The port and the view that an argument "view << 24 | LTL" names, no port where there is none.
+// What the other views say like the HMX's own is not described twice, so who learns looks at it
+// first.
+std::pair<port *, kx_port_view> named_by(host &state, uint32_t argument) {
+    port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
+    const auto view = static_cast<kx_port_view>(argument >> 24);
+    return {view < PORT_VIEWS ? found : nullptr, view};
+}
+
+// What the view reports, nullptr where it has no record of the port.
+const port_view *find_port_view(host &state, uint32_t argument) {
+    const auto [found, view] = named_by(state, argument);
+    return found != nullptr && view_of(*found, view).known ? &view_of(*found, view) : nullptr;
 }
 
 void answer_next_ltl(host &state, exchange &talk) {
@@ -33,33 +38,23 @@ void learn_next_ltl(host &state, const exchange &told) {
     }
 }
 
-// Of a view of a described port the description learns change(view). What the other views say like
-// the HMX's own is not told twice, which is asked first.
-template <typename Is, typename Change>
-void learn_view(host &state, uint32_t argument, Is is_so, Change change) {
-    port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
-    const auto view = static_cast<kx_port_view>(argument >> 24);
-    if (found != nullptr && view < PORT_VIEWS && !is_so(view_of(*found, view))) {
-        change(own_view(*found, view));
-    }
-}
-
 void answer_port(host &state, exchange &talk) {
     talk.tell(state, member_in<&port_view::record>(find_port_view(state, talk.request.arg)));
 }
 
 void learn_port(host &state, const exchange &told) {
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found == nullptr) {
+        return;
+    }
     const auto record = told.reply_as<kx_port_record>();
-    learn_view(
-        state, told.request.arg,
-        [&](const port_view &view) {
-            return view.known == told.is_told() &&
-                   (!view.known || std::memcmp(&view.record, &record, sizeof record) == 0);
-        },
-        [&](port_view &view) {
-            view.known = told.is_told();
-            view.record = view.known ? record : view.record;
-        });
+    const port_view &seen = view_of(*found, view);
+    const bool same = !seen.known || std::memcmp(&seen.record, &record, sizeof record) == 0;
+    if (seen.known != told.is_told() || !same) {
+        port_view &own = own_view(*found, view);
+        own.known = told.is_told();
+        own.record = own.known ? record : own.record;
+    }
 }
 
 template <auto member> void answer_member(host &state, exchange &talk) {
@@ -97,19 +92,17 @@ void answer_forwarding(host &state, exchange &talk) {
 void learn_forwarding(host &state, const exchange &told) {
     const auto vlan = told.input_as<kx_vlan_forwarding>().vlan;
     const bool forwards = told.is_told() && told.reply_as<kx_vlan_forwarding>().forwarding != 0;
-    if (vlan > KX_LAST_VLAN) {
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found == nullptr || vlan > KX_LAST_VLAN ||
+        view_of(*found, view).forwards_on.contains(vlan) == forwards) {
         return;
     }
-    learn_view(
-        state, told.request.arg,
-        [&](const port_view &view) { return view.forwards_on.contains(vlan) == forwards; },
-        [&](port_view &view) {
-            if (forwards) {
-                view.forwards_on.insert(vlan);
-            } else {
-                view.forwards_on.erase(vlan);
-            }
-        });
+    number_set &own = own_view(*found, view).forwards_on;
+    if (forwards) {
+        own.insert(vlan);
+    } else {
+        own.erase(vlan);
+    }
 }
 
 bool forward_alike(const exchange &one, const exchange &other) {
@@ -143,9 +136,10 @@ void learn_vlan_set(host &state, const exchange &told) {
             }
         }
     }
-    learn_view(
-        state, told.request.arg, [&](const port_view &view) { return view.vlans == vlans; },
-        [&](port_view &view) { view.vlans = vlans; });
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found != nullptr && view_of(*found, view).vlans != vlans) {
+        own_view(*found, view).vlans = vlans;
+    }
 }
 
 // A port without a role on the VLAN answers that it has none.
