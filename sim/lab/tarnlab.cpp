@@ -47,7 +47,7 @@ struct lab_run {
     lab_options options;
     std::string text; // of the host file
     host described;
-    int trace = -1;                  // -1 for none
+    preload_channel channel;         // its trace is used with a device file, too
     std::vector<uint8_t> marks = {}; // of use, see use.h
     int signals = -1;                // where they are read, see ENDING_SIGNALS
     sigset_t mask_before = {};
@@ -76,13 +76,13 @@ bool start_trace(lab_run &run, std::string &error) {
     if (path.empty()) {
         return true;
     }
-    run.trace = path == "-"
-                    ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
+    run.channel.trace =
+        path == "-" ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
                     : open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
-    if (run.trace == -1) {
+    if (run.channel.trace == -1) {
         error = path + ": cannot be written: " + std::strerror(errno);
     }
-    return run.trace != -1;
+    return run.channel.trace != -1;
 }
 
 // A file without a name that holds the bytes; -1 when there is no room.
@@ -100,7 +100,8 @@ int nameless_file(std::string_view bytes) {
 }
 
 // All that the preloaded library is handed. False with one line in `error`.
-bool open_channel(const lab_run &run, preload_channel &channel, std::string &error) {
+bool open_channel(lab_run &run, std::string &error) {
+    preload_channel &channel = run.channel;
     const std::string library = library_path();
     channel.library = open(library.c_str(), O_RDONLY | O_CLOEXEC);
     if (channel.library == -1) {
@@ -109,7 +110,6 @@ bool open_channel(const lab_run &run, preload_channel &channel, std::string &err
     }
     channel.host = nameless_file(run.text);
     channel.met = nameless_file(std::string(run.marks.size(), '\0'));
-    channel.trace = run.trace;
     if (channel.host == -1 || channel.met == -1) {
         error = std::string("the host description: ") + std::strerror(errno);
         return false;
@@ -190,11 +190,11 @@ void leave_terminal_to(pid_t command) {
 }
 
 // Returns the process, or -1 after a complaint. Without a library nothing is preloaded.
-pid_t start_command(const lab_run &run, const preload_channel &channel) {
+pid_t start_command(const lab_run &run) {
     const pid_t child = fork();
     if (child == 0) {
-        if (channel.library != -1) {
-            hand_over(channel);
+        if (run.channel.library != -1) {
+            hand_over(run.channel);
         }
         sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
         become_command(run.options);
@@ -232,8 +232,8 @@ int serve_command(pid_t command, int signals, int device, model &driver) {
 int open_device(lab_run &run, model &driver, std::string &error) {
     driver.take(run.described);
     mark_use_of(driver, run.marks.data());
-    if (run.trace != -1) {
-        trace_into(driver, run.trace);
+    if (run.channel.trace != -1) {
+        trace_into(driver, run.channel.trace);
     }
     return mount_device_file(error);
 }
@@ -242,22 +242,22 @@ int open_device(lab_run &run, model &driver, std::string &error) {
 // with one line in `error`.
 int run_on_host(lab_run &run, std::string &error) {
     model driver;
-    preload_channel channel;
     const int device = run.options.device ? open_device(run, driver, error) : -1;
-    const bool ready = run.options.device ? device != -1 : open_channel(run, channel, error);
+    const bool ready = run.options.device ? device != -1 : open_channel(run, error);
     agent_process agent;
     host_programs programs;
     if (!ready || (run.described.agent && !agent.start(*run.described.agent, error)) ||
         !programs.install(run.described, error)) {
         return -1;
     }
-    const pid_t command = start_command(run, channel);
+    const pid_t command = start_command(run);
     if (command == -1) {
         return EXIT_CANNOT_RUN;
     }
     const int exit_value = serve_command(command, run.signals, device, driver);
     // On a device file they were set here.
-    [[maybe_unused]] const ssize_t got = pread(channel.met, run.marks.data(), run.marks.size(), 0);
+    [[maybe_unused]] const ssize_t got =
+        pread(run.channel.met, run.marks.data(), run.marks.size(), 0);
     return exit_value;
 }
 
@@ -347,7 +347,7 @@ int main(int argc, char **argv) {
     case lab_options::task::version:
         return print("tarnlab " TARN_VERSION "\n");
     case lab_options::task::help:
-        return print(lab_help());
+        return print(LAB_HELP);
     default:
         return run(planned);
     }
