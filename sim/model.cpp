@@ -154,12 +154,6 @@ std::string describe_outcome(const kxdpa_request &record, int error) {
     return format(" -> %u", record.status) + describe_capacities(record);
 }
 
-// What is wrong with the record, empty for nothing. An opcode that nobody answers has no form.
-std::string check_request(const kxdpa_request &request, const answer *known) {
-    const std::string complaint = check_head(request);
-    return complaint.empty() && known != nullptr ? check_form(request, *known) : complaint;
-}
-
 // The place of the first override that holds for the request. All that ask for it count it, whether
 // or not they are the first.
 std::optional<size_t> find_override(model &driver, const kxdpa_request &request,
@@ -189,11 +183,11 @@ std::optional<size_t> find_override(model &driver, const kxdpa_request &request,
 }
 
 // Fill the exchange. `rule` replaces what it names and leaves the rest to the host.
-void answer_request(host &state, exchange &talk, const answer *known, const override_rule *rule) {
-    if (rule != nullptr && (rule->reply || rule->status)) {
-        talk.status = rule->status.value_or(KXDPA_STATUS_SUCCESS);
-        if (rule->reply) {
-            talk.reply = *rule->reply;
+void answer_request(host &state, exchange &talk, const answer *known, const override_rule &rule) {
+    if (rule.reply || rule.status) {
+        talk.status = rule.status.value_or(KXDPA_STATUS_SUCCESS);
+        if (rule.reply) {
+            talk.reply = *rule.reply;
         } else {
             fit_reply(talk);
         }
@@ -202,11 +196,8 @@ void answer_request(host &state, exchange &talk, const answer *known, const over
     } else {
         answer_as_host(state, *known, talk);
     }
-    if (rule != nullptr && rule->length) {
-        talk.reply.resize(*rule->length);
-    }
-    if (rule != nullptr) {
-        talk.returned = rule->returned;
+    if (rule.length) {
+        talk.reply.resize(*rule.length);
     }
 }
 
@@ -225,13 +216,14 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
         return EFAULT;
     }
     const std::optional<size_t> place = find_override(driver, record, input);
-    const override_rule *rule = place ? &driver.state.overrides[*place] : nullptr;
-    if (rule != nullptr && driver.met) {
+    static const auto &none = *new override_rule;
+    const override_rule &rule = place ? driver.state.overrides[*place] : none;
+    if (place && driver.met) {
         driver.met(*place);
     }
-    const bool forced = rule != nullptr && (rule->reply || rule->length);
-    if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
-        return rule->error;
+    const bool forced = rule.reply || rule.length;
+    if (rule.error != 0 && !forced && !rule.status && !rule.returned) {
+        return rule.error;
     }
     if (known != nullptr && driver.asked) {
         driver.asked(*known);
@@ -239,19 +231,26 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     const kxdpa_request asked = record;
     exchange talk{.request = asked, .input = input, .places = &driver.places};
     answer_request(driver.state, talk, known, rule);
+    if (place) {
+        talk.returned = rule.returned;
+    }
     if (!write_reply(record, memory, talk, known == nullptr ? 0 : known->behind, forced)) {
         record = asked;
         return EFAULT;
     }
     record.status = talk.status;
-    return rule == nullptr ? 0 : rule->error;
+    return rule.error;
 }
 
 int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
                 std::vector<uint8_t> &input) {
     const answer *known = find_answer(record);
-    // Before anything is taken from the caller: its lengths may be as wrong as the rest.
-    const std::string complaint = check_request(record, known);
+    // Before anything is taken from the caller: its lengths may be as wrong as the rest. An opcode
+    // that nobody answers has no form.
+    std::string complaint = check_head(record);
+    if (complaint.empty() && known != nullptr) {
+        complaint = check_form(record, *known);
+    }
     if (complaint.empty()) {
         return answer_in_place(driver, record, memory, input, known);
     }
