@@ -8,7 +8,6 @@
 #include "sim/exchange.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
