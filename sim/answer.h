@@ -8,7 +8,6 @@
 #include "sim/exchange.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -32,15 +31,18 @@ struct answer {
     // does more than read: nobody asks that in order to learn.
     learn_function *learn = nullptr;
     uint32_t argument = ANY_ARGUMENT; // the only one that this answers
-    // Bytes that the driver writes behind the capacity that it was given. That any driver does is
+    // Bytes that the driver writes after the capacity that it was given. That any driver does is
     // an assumption about a single opcode, the card's UUID.
     uint32_t behind = 0;
     // True when callers take the same from both answers, of which neither refuses; null where they
     // look at every byte.
     bool (*alike)(const exchange &one, const exchange &other) = nullptr;
     // A step of a walk that hands the whole reply back: the steps of an argument stand together.
-    uint32_t steps_by_reply = 0; // 0 or 1, of a size that leaves no gap
-    const char *key = nullptr;   // as in key_place(), where the opcode's family says another
+    // A bool's size would leave a gap in each row of the tables.
+    uint32_t steps_by_reply = 0; // 0 or 1
+    // The top-level key of the host file that this is answered from: the family's unless it says
+    // another, nullptr for none.
+    const char *key = nullptr;
 
     // The rows of the tables are written as the plain form and what is special about it.
     template <typename T> constexpr answer with(T answer::*member, T value) const {
@@ -143,10 +145,8 @@ inline bool always_alike(const exchange & /*one*/, const exchange & /*other*/) {
 using family = std::span<const answer>;
 
 extern const family card_family;
-extern const family memory_family;
 extern const family bridge_domain_family;
 extern const family port_family;
-extern const family private_vlan_family;
 extern const family port_channel_family;
 extern const family l2_family;
 extern const family counter_family;
@@ -161,17 +161,10 @@ std::vector<const family *> all_families();
 // difference can be named; nullptr for an opcode that nobody answers.
 const answer *find_answer(const kxdpa_request &request);
 
-// The place of the top-level key of the host file that the opcode is answered from; none for an
-// opcode that no key is about.
-std::optional<size_t> key_place(const answer &known);
-
 // What is left to do once all answers of a driver are learnt: to take out what says nothing, or
 // twice the same. The drops of one LTL that is neither a port nor internal tell of the others.
 void settle_drops(host &state, uint32_t stranger);
 void settle_l2(host &state);
 void settle_lacp(host &state);
-
-// The view of the port that an argument "view << 24 | LTL" names, nullptr for none.
-const port_view *find_port_view(const host &state, uint32_t argument);
 
 #endif

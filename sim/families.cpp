@@ -1,9 +1,6 @@
 #include "sim/answer.h"
 
-#include "host/keys.h"
-
 #include <map>
-#include <string_view>
 
 namespace {
 
@@ -12,24 +9,18 @@ constexpr struct {
     const family *answers;
     const char *key; // of the host file, nullptr for none
 } FAMILIES[] = {
-    {&card_family, "card"},
-    {&memory_family, nullptr},
-    {&bridge_domain_family, "bridge_domains"},
-    {&port_family, "ports"},
-    {&private_vlan_family, "private_vlans"},
-    {&port_channel_family, "port_channels"},
-    {&l2_family, "l2"},
-    {&counter_family, "drops"},
-    {&acl_family, "acls"},
-    {&lacp_family, "lacp"},
+    {&card_family, "card"},      {&bridge_domain_family, "bridge_domains"},
+    {&port_family, "ports"},     {&port_channel_family, "port_channels"},
+    {&l2_family, "l2"},          {&counter_family, "drops"},
+    {&acl_family, "acls"},       {&lacp_family, "lacp"},
     {&settings_family, nullptr},
 };
 
-std::multimap<uint16_t, const answer *> by_opcode() {
-    std::multimap<uint16_t, const answer *> answers;
+std::multimap<uint16_t, answer> by_opcode() {
+    std::multimap<uint16_t, answer> answers;
     for (const auto &[part, key] : FAMILIES) {
         for (const answer &one : *part) {
-            answers.emplace(one.opcode, &one);
+            answers.emplace(one.opcode, one.key == nullptr ? one.from_key(key) : one);
         }
     }
     return answers;
@@ -51,7 +42,7 @@ const answer *find_answer(const kxdpa_request &request) {
     const answer *found = nullptr;
     const auto [first, end] = answers.equal_range(request.opcode);
     for (auto at = first; at != end; ++at) {
-        const answer &candidate = *at->second;
+        const answer &candidate = at->second;
         if (candidate.flags == request.flags &&
             (candidate.argument == ANY_ARGUMENT || candidate.argument == request.arg)) {
             return &candidate;
@@ -59,19 +50,4 @@ const answer *find_answer(const kxdpa_request &request) {
         found = found == nullptr ? &candidate : found;
     }
     return found;
-}
-
-std::optional<size_t> key_place(const answer &known) {
-    const char *name = known.key;
-    for (const auto &[part, key] : FAMILIES) {
-        if (name == nullptr && &known >= part->data() && &known < part->data() + part->size()) {
-            name = key;
-        }
-    }
-    for (size_t place = 0; name != nullptr && place < HOST_KEYS.keys.size(); place++) {
-        if (HOST_KEYS.keys[place].name == std::string_view(name)) {
-            return place;
-        }
-    }
-    return std::nullopt;
 }

@@ -4,10 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <string_view>
 
-#include <dirent.h>
 #include <fcntl.h>
+#include <glob.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,7 +15,8 @@ namespace {
 
 constexpr const char *ADDRESS_PROGRAM = "esxcfg-advcfg";
 constexpr const char *FOLDERS = "/tmp";
-constexpr std::string_view FOLDER_NAME = "tarnlab-XXXXXX"; // the last six differ
+constexpr const char *NEW_FOLDER = "/tmp/tarnlab-XXXXXX"; // the last six differ
+constexpr const char *LEFT_FOLDERS = "/tmp/tarnlab-??????";
 constexpr int FOLDER_TRIES = 10;
 
 // A word of a shell script.
@@ -40,20 +40,15 @@ bool write_address_program(const std::string &file, const std::string &address) 
     return script.good() && chmod(file.c_str(), 0700) == 0;
 }
 
-bool looks_like_ours(std::string_view name) {
-    return name.size() == FOLDER_NAME.size() &&
-           name.substr(0, name.rfind('-')) == FOLDER_NAME.substr(0, FOLDER_NAME.rfind('-'));
-}
-
 // Remove the folder if it is this user's and nobody holds its lock, which ends with its holder,
 // however that ends. Anything in it that was not put there by this program keeps it.
-void remove_if_left(int folders, const char *name) {
-    const int folder = openat(folders, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+void remove_if_left(const char *path) {
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     struct stat found {};
     if (folder != -1 && fstat(folder, &found) == 0 && found.st_uid == geteuid() &&
         flock(folder, LOCK_EX | LOCK_NB) == 0) {
         unlinkat(folder, ADDRESS_PROGRAM, 0);
-        unlinkat(folders, name, AT_REMOVEDIR);
+        rmdir(path);
     }
     if (folder != -1) {
         close(folder);
@@ -61,16 +56,12 @@ void remove_if_left(int folders, const char *name) {
 }
 
 void remove_what_was_left() {
-    DIR *folders = opendir(FOLDERS);
-    if (folders == nullptr) {
-        return;
+    glob_t found{};
+    glob(LEFT_FOLDERS, GLOB_NOSORT, nullptr, &found);
+    for (size_t i = 0; i < found.gl_pathc; i++) {
+        remove_if_left(found.gl_pathv[i]);
     }
-    while (const dirent *listed = readdir(folders)) {
-        if (looks_like_ours(listed->d_name)) {
-            remove_if_left(dirfd(folders), listed->d_name);
-        }
-    }
-    closedir(folders);
+    globfree(&found);
 }
 
 } // namespace
@@ -88,8 +79,7 @@ host_programs::~host_programs() {
 // Another process may take the new folder for one that was left until it is locked.
 bool host_programs::make_folder() {
     for (int tries = 0; tries < FOLDER_TRIES; tries++) {
-        std::string folder = FOLDERS;
-        folder.append("/").append(FOLDER_NAME);
+        std::string folder = NEW_FOLDER;
         if (mkdtemp(folder.data()) == nullptr) {
             return false;
         }

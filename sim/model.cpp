@@ -29,14 +29,17 @@ std::string format(const char *text, ...) {
 
 struct field {
     const char *name;
-    uint32_t found, expected;
+    uint32_t found, least;
+    uint32_t most = least;
 };
 
 // About the first one that is wrong, empty for none.
 std::string check_fields(std::initializer_list<field> fields) {
-    for (const auto &[name, found, expected] : fields) {
-        if (found != expected) {
-            return format("%s is %u, expected %u", name, found, expected);
+    for (const auto &[name, found, least, most] : fields) {
+        if (found < least || found > most) {
+            const char *bound = least == most ? "" : found < least ? "at least " : "at most ";
+            return format("%s is %u, expected %s%u", name, found, bound,
+                          found < least ? least : most);
         }
     }
     return "";
@@ -44,16 +47,12 @@ std::string check_fields(std::initializer_list<field> fields) {
 
 // The fields that have one right value, whatever the opcode.
 std::string check_head(const kxdpa_request &request) {
-    std::string complaint = check_fields({{"marker", request.marker, KXDPA_KERNEL_MARKER},
-                                          {"version", request.version, KXDPA_KERNEL_VERSION},
-                                          {"reserved", request.reserved[0], 0},
-                                          {"reserved", request.reserved[1], 0},
-                                          {"reserved", request.reserved[2], 0}});
-    const uint32_t longest = std::max(request.len1, request.len2);
-    if (complaint.empty() && longest > TRANSFER_LIMIT) {
-        complaint = format("length is %u, expected at most %u", longest, TRANSFER_LIMIT);
-    }
-    return complaint;
+    return check_fields({{"marker", request.marker, KXDPA_KERNEL_MARKER},
+                         {"version", request.version, KXDPA_KERNEL_VERSION},
+                         {"reserved", request.reserved[0], 0},
+                         {"reserved", request.reserved[1], 0},
+                         {"reserved", request.reserved[2], 0},
+                         {"length", std::max(request.len1, request.len2), 0, TRANSFER_LIMIT}});
 }
 
 std::string check_buffer(const char *name, uint32_t address, bool is_used) {
@@ -66,16 +65,15 @@ std::string check_buffer(const char *name, uint32_t address, bool is_used) {
 std::string check_form(const kxdpa_request &request, const answer &expected) {
     const uint32_t one = has_flag(request, KXDPA_FLAG_MAX) ? 1 : 0;
     const uint32_t two = has_flag(request, KXDPA_FLAG_TWO) ? one : 0;
-    std::string complaint = check_fields({{"flags", request.flags, expected.flags},
-                                          {"len1", request.len1, expected.len1},
-                                          {"len2", request.len2, expected.len2},
-                                          {"max1_valid", request.max1_valid, one},
-                                          {"max2_valid", request.max2_valid, two},
-                                          {"max1", request.max1, one * request.max1},
-                                          {"max2", request.max2, two * request.max2}});
-    if (complaint.empty() && one != 0 && request.max1 < expected.capacity) {
-        complaint = format("max1 is %u, expected at least %u", request.max1, expected.capacity);
-    }
+    std::string complaint =
+        check_fields({{"flags", request.flags, expected.flags},
+                      {"len1", request.len1, expected.len1},
+                      {"len2", request.len2, expected.len2},
+                      {"max1_valid", request.max1_valid, one},
+                      {"max2_valid", request.max2_valid, two},
+                      {"max1", request.max1, 0, one * UINT32_MAX},
+                      {"max2", request.max2, 0, two * UINT32_MAX},
+                      {"max1", request.max1, one * expected.capacity, UINT32_MAX}});
     if (complaint.empty()) {
         complaint = check_buffer("buf1", request.buf1, !has_flag(request, KXDPA_FLAG_NODATA));
     }
@@ -106,7 +104,7 @@ bool read_input(const kxdpa_request &request, caller_memory &memory, std::vector
 }
 
 // Never writes past the length and capacity that the request declares, whatever an override says,
-// but for the `behind` bytes of the opcode.
+// but for the opcode's bytes after it.
 bool write_reply(kxdpa_request &record, caller_memory &memory, const exchange &talk,
                  uint32_t behind, bool forced) {
     const reply_place to = reply_place_of(record);
@@ -130,6 +128,11 @@ void fit_reply(exchange &talk) {
     }
 }
 
+std::string describe_capacities(const kxdpa_request &record) {
+    return (record.max1_valid != 0 ? format(" max %u", record.max1) : "") +
+           (record.max2_valid != 0 ? format(" max2 %u", record.max2) : "");
+}
+
 std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &input) {
     std::string line =
         format("op %u arg 0x%x flags %u", request.opcode, request.arg, request.flags);
@@ -139,16 +142,8 @@ std::string describe(const kxdpa_request &request, const std::vector<uint8_t> &i
     if (request.len2 != 0) {
         line += format(" len2 %u", request.len2);
     }
-    if (request.max1_valid != 0) {
-        line += format(" max %u", request.max1);
-    }
-    if (request.max2_valid != 0) {
-        line += format(" max2 %u", request.max2);
-    }
-    if (!input.empty()) {
-        line += " in " + bytes_to_hex(input);
-    }
-    return line;
+    line += describe_capacities(request);
+    return input.empty() ? line : line + " in " + bytes_to_hex(input);
 }
 
 std::string describe_outcome(const kxdpa_request &record, int error) {
@@ -156,28 +151,43 @@ std::string describe_outcome(const kxdpa_request &record, int error) {
         const char *name = strerrorname_np(error);
         return name == nullptr ? format(" -> error %d", error) : " -> " + std::string(name);
     }
-    std::string line = format(" -> %u", record.status);
-    if (record.max1_valid != 0) {
-        line += format(" max %u", record.max1);
-    }
-    if (record.max2_valid != 0) {
-        line += format(" max2 %u", record.max2);
-    }
-    return line;
+    return format(" -> %u", record.status) + describe_capacities(record);
 }
 
-// What is wrong with the record, empty for nothing. An opcode that nobody answers has no form.
-std::string check_request(const kxdpa_request &request, const answer *known) {
-    const std::string complaint = check_head(request);
-    return complaint.empty() && known != nullptr ? check_form(request, *known) : complaint;
+// The place of the first override that holds for the request. All that ask for it count it, whether
+// or not they are the first.
+std::optional<size_t> find_override(model &driver, const kxdpa_request &request,
+                                    const std::vector<uint8_t> &input) {
+    std::optional<size_t> first;
+    if (driver.overrides.empty()) {
+        return first;
+    }
+    const std::optional<uint32_t> arguments[] = {request.arg, std::nullopt};
+    const std::optional<std::vector<uint8_t>> inputs[] = {input, std::nullopt};
+    for (const auto &argument : arguments) {
+        for (const auto &in : inputs) {
+            const auto found = driver.overrides.find({request.opcode, argument, in});
+            if (found == driver.overrides.end()) {
+                continue;
+            }
+            override_group &group = found->second;
+            group.seen++;
+            for (const uint32_t time : {uint32_t{0}, group.seen}) {
+                if (const size_t *place = value_in(group.by_time, time)) {
+                    first = std::min(*place, first.value_or(*place));
+                }
+            }
+        }
+    }
+    return first;
 }
 
 // Fill the exchange. `rule` replaces what it names and leaves the rest to the host.
-void answer_request(host &state, exchange &talk, const answer *known, const override_rule *rule) {
-    if (rule != nullptr && (rule->reply || rule->status)) {
-        talk.status = rule->status.value_or(KXDPA_STATUS_SUCCESS);
-        if (rule->reply) {
-            talk.reply = *rule->reply;
+void answer_request(host &state, exchange &talk, const answer *known, const override_rule &rule) {
+    if (rule.reply || rule.status) {
+        talk.status = rule.status.value_or(KXDPA_STATUS_SUCCESS);
+        if (rule.reply) {
+            talk.reply = *rule.reply;
         } else {
             fit_reply(talk);
         }
@@ -186,11 +196,8 @@ void answer_request(host &state, exchange &talk, const answer *known, const over
     } else {
         answer_as_host(state, *known, talk);
     }
-    if (rule != nullptr && rule->length) {
-        talk.reply.resize(*rule->length);
-    }
-    if (rule != nullptr) {
-        talk.returned = rule->returned;
+    if (rule.length) {
+        talk.reply.resize(*rule.length);
     }
 }
 
@@ -208,15 +215,15 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     if (!read_input(record, memory, input)) {
         return EFAULT;
     }
-    const size_t place = driver.overrides.find(record, input);
-    const override_rule *rule =
-        place == override_index::NONE ? nullptr : &driver.state.overrides[place];
-    if (rule != nullptr && driver.met) {
-        driver.met(place);
+    const std::optional<size_t> place = find_override(driver, record, input);
+    static const auto &none = *new override_rule;
+    const override_rule &rule = place ? driver.state.overrides[*place] : none;
+    if (place && driver.met) {
+        driver.met(*place);
     }
-    const bool forced = rule != nullptr && (rule->reply || rule->length);
-    if (rule != nullptr && rule->error != 0 && !forced && !rule->status && !rule->returned) {
-        return rule->error;
+    const bool forced = rule.reply || rule.length;
+    if (rule.error != 0 && !forced && !rule.status && !rule.returned) {
+        return rule.error;
     }
     if (known != nullptr && driver.asked) {
         driver.asked(*known);
@@ -224,19 +231,26 @@ int answer_in_place(model &driver, kxdpa_request &record, caller_memory &memory,
     const kxdpa_request asked = record;
     exchange talk{.request = asked, .input = input, .places = &driver.places};
     answer_request(driver.state, talk, known, rule);
+    if (place) {
+        talk.returned = rule.returned;
+    }
     if (!write_reply(record, memory, talk, known == nullptr ? 0 : known->behind, forced)) {
         record = asked;
         return EFAULT;
     }
     record.status = talk.status;
-    return rule == nullptr ? 0 : rule->error;
+    return rule.error;
 }
 
 int run_request(model &driver, kxdpa_request &record, caller_memory &memory,
                 std::vector<uint8_t> &input) {
     const answer *known = find_answer(record);
-    // Before anything is taken from the caller: its lengths may be as wrong as the rest.
-    const std::string complaint = check_request(record, known);
+    // Before anything is taken from the caller: its lengths may be as wrong as the rest. An opcode
+    // that nobody answers has no form.
+    std::string complaint = check_head(record);
+    if (complaint.empty() && known != nullptr) {
+        complaint = check_form(record, *known);
+    }
     if (complaint.empty()) {
         return answer_in_place(driver, record, memory, input, known);
     }
@@ -267,13 +281,18 @@ bool own_memory::write(uint32_t address, const void *from, uint32_t length) {
 
 void model::take(host described) {
     state = std::move(described);
-    overrides = override_index(state.overrides);
     places.clear();
+    take_overrides(std::move(state.overrides));
 }
 
 void model::take_overrides(std::vector<override_rule> rules) {
     state.overrides = std::move(rules);
-    overrides = override_index(state.overrides);
+    overrides.clear();
+    for (size_t place = 0; place < state.overrides.size(); place++) {
+        const override_rule &rule = state.overrides[place];
+        override_group &group = overrides[{rule.opcode, rule.argument, rule.in}];
+        group.by_time.emplace(rule.only_time, place);
+    }
 }
 
 void answer_as_host(host &state, const answer &form, exchange &talk) {

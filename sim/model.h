@@ -8,12 +8,15 @@
 #include "dpa/userspace/kxdpa_request.h"
 #include "host/host.h"
 #include "sim/answer.h"
-#include "sim/overrides.h"
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 // The calling process's memory, by 32-bit user address. Both return false for a bad address.
 class caller_memory {
@@ -30,6 +33,16 @@ public:
     bool write(uint32_t address, const void *from, uint32_t length) override;
 };
 
+// What overrides ask for; any argument or input when absent.
+using override_question =
+    std::tuple<uint16_t, std::optional<uint32_t>, std::optional<std::vector<uint8_t>>>;
+
+// The overrides that ask for the same requests.
+struct override_group {
+    uint32_t seen = 0;                  // requests so far, for the rules' `time`
+    std::map<uint32_t, size_t> by_time; // place of the first rule of each time, 0 for each time
+};
+
 struct model {
     model() = default;
     explicit model(host described) {
@@ -40,8 +53,9 @@ struct model {
     void take(host described);
     void take_overrides(std::vector<override_rule> rules);
 
-    host state;               // changed by requests
-    override_index overrides; // of the rules that were taken
+    host state; // changed by requests
+    // Of the host's overrides. A recording has one for each of many thousand requests.
+    std::map<override_question, override_group> overrides;
     walk_places places;
     // One line for every request, without its newline; see docs/simulated-host.md.
     std::function<void(const std::string &line)> trace;

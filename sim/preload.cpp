@@ -3,12 +3,12 @@
 #include "sim/builtin_host.h"
 #include "sim/interpose.h"
 #include "sim/preload_channel.h"
-#include "sim/trace.h"
 #include "sim/use.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,20 +24,15 @@ constexpr int EXIT_BAD_HOST = 2;
 // Programs that the command starts must not see what was meant for the command. Other preloaded
 // libraries stay.
 void forget_preload(const std::string &own_entry) {
-    const char *listed = std::getenv("LD_PRELOAD");
-    if (listed == nullptr) {
-        return;
-    }
+    const char *preloaded = std::getenv("LD_PRELOAD");
+    std::string listed = preloaded == nullptr ? "" : preloaded;
     std::string kept;
-    std::string_view rest = listed;
-    while (!rest.empty()) {
-        const size_t end = rest.find_first_of(": ");
-        const std::string_view entry = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (entry.empty() || entry == own_entry || entry.ends_with(PRELOAD_LIBRARY)) {
-            continue;
+    char *rest = listed.data();
+    while (const char *next = strtok_r(rest, ": ", &rest)) {
+        const std::string_view entry = next;
+        if (entry != own_entry && !entry.ends_with(PRELOAD_LIBRARY)) {
+            kept += (kept.empty() ? "" : ":") + std::string(entry);
         }
-        kept += (kept.empty() ? "" : ":") + std::string(entry);
     }
     if (kept.empty()) {
         unsetenv("LD_PRELOAD");
@@ -46,23 +41,10 @@ void forget_preload(const std::string &own_entry) {
     }
 }
 
-std::string host_text(int descriptor) {
-    if (descriptor == -1) {
-        return std::string(builtin_host_text());
-    }
-    std::string text;
-    char piece[65536];
-    ssize_t got = 0;
-    while ((got = pread(descriptor, piece, sizeof piece, static_cast<off_t>(text.size()))) > 0) {
-        text.append(piece, static_cast<size_t>(got));
-    }
-    return text;
-}
-
-void close_if_open(int descriptor) {
-    if (descriptor != -1) {
-        close(descriptor);
-    }
+bool read_description(int descriptor, host &described, std::string &error) {
+    std::string text(builtin_host_text());
+    return (descriptor == -1 || read_host_file(path_of(descriptor), text, error)) &&
+           parse_host(text, "host", described, error);
 }
 
 // Mark what the host is used for where tarnlab sees it.
@@ -78,14 +60,19 @@ void mark_use(model &driver, int descriptor) {
 }
 
 __attribute__((constructor)) void start_simulation() {
-    const preload_channel channel = preload_from_text(std::getenv(PRELOAD_VARIABLE));
+    preload_channel channel;
+    const char *handed = std::getenv(PRELOAD_VARIABLE);
+    if (handed == nullptr || std::sscanf(handed, PRELOAD_FORMAT, &channel.library, &channel.host,
+                                         &channel.trace, &channel.met) != 4) {
+        channel = {};
+    }
     unsetenv(PRELOAD_VARIABLE);
-    forget_preload(preload_entry(channel));
+    forget_preload(path_of(channel.library));
     // Lives as long as the process, also while its other destructors run.
     auto *driver = new model;
     host described;
     std::string error;
-    if (!parse_host(host_text(channel.host), "host", described, error)) {
+    if (!read_description(channel.host, described, error)) {
         std::fprintf(stderr, "%s: %s\n", PRELOAD_LIBRARY, error.c_str());
         _exit(EXIT_BAD_HOST);
     }
@@ -96,7 +83,9 @@ __attribute__((constructor)) void start_simulation() {
         trace_into(*driver, channel.trace);
     }
     for (const int descriptor : {channel.library, channel.host, channel.met}) {
-        close_if_open(descriptor);
+        if (descriptor != -1) {
+            close(descriptor);
+        }
     }
     interpose_model(driver);
 }

@@ -3,7 +3,6 @@
 #ifndef SIM_PRELOAD_CHANNEL_H
 #define SIM_PRELOAD_CHANNEL_H
 
-#include <cstdio>
 #include <string>
 
 constexpr const char *PRELOAD_LIBRARY = "tarnlab/libkestrelsim.so"; // in lib, beside bin
@@ -17,24 +16,13 @@ struct preload_channel {
     int met = -1;     // a byte for each override, set when a request is answered by it
 };
 
-// The library's entry in the list of preloaded ones, which knows no quoting: a path that goes
+// The descriptors in their order, as the variable has them.
+constexpr char PRELOAD_FORMAT[] = "%d %d %d %d";
+
+// A path to what is open. The list of preloaded libraries knows no quoting: a path that goes
 // through the descriptor has no blanks and colons, wherever the library is installed.
-inline std::string preload_entry(const preload_channel &channel) {
-    return "/proc/self/fd/" + std::to_string(channel.library);
-}
-
-inline std::string preload_text(const preload_channel &channel) {
-    return std::to_string(channel.library) + " " + std::to_string(channel.host) + " " +
-           std::to_string(channel.trace) + " " + std::to_string(channel.met);
-}
-
-inline preload_channel preload_from_text(const char *text) {
-    preload_channel channel;
-    if (text != nullptr && std::sscanf(text, "%d %d %d %d", &channel.library, &channel.host,
-                                       &channel.trace, &channel.met) == 4) {
-        return channel;
-    }
-    return {};
+inline std::string path_of(int descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
 #endif

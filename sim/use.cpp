@@ -3,23 +3,15 @@
 #include "host/keys.h"
 
 #include <algorithm>
+#include <string_view>
+
+#include <unistd.h>
 
 namespace {
 
 constexpr size_t REPORT_LIMIT = 10; // lines about overrides
 
-// What was asked for and not captured, as words with a blank before each.
-std::string missing_keys(const std::vector<std::string> &captured, std::span<const uint8_t> asked) {
-    std::string missing;
-    for (size_t place = 0; place < asked.size(); place++) {
-        const char *name = HOST_KEYS.keys[place].name;
-        if (asked[place] != 0 && std::count(captured.begin(), captured.end(), name) == 0) {
-            missing += std::string(" ") + name;
-        }
-    }
-    return missing;
-}
-
+// With a blank before each.
 std::string words(const std::vector<std::string> &list) {
     std::string text;
     for (const std::string &word : list) {
@@ -45,6 +37,14 @@ void report_overrides(const host &described, std::span<const uint8_t> met,
 
 } // namespace
 
+void trace_into(model &driver, int descriptor) {
+    driver.trace = [descriptor](const std::string &line) {
+        // One write a line, so that lines of several processes do not mix.
+        const std::string text = line + "\n";
+        [[maybe_unused]] const ssize_t written = write(descriptor, text.data(), text.size());
+    };
+}
+
 size_t marks_of(const host &described) {
     return described.overrides.size() + HOST_KEYS.keys.size();
 }
@@ -52,9 +52,11 @@ size_t marks_of(const host &described) {
 void mark_use_of(model &driver, uint8_t *marks) {
     driver.met = [marks](size_t place) { marks[place] = 1; };
     if (driver.state.capture && driver.state.capture->keys) {
-        driver.asked = [keys = marks + driver.state.overrides.size()](const answer &form) {
-            if (const auto place = key_place(form)) {
-                keys[*place] = 1;
+        driver.asked = [marks = marks + driver.state.overrides.size()](const answer &form) {
+            for (const key &known : HOST_KEYS.keys) {
+                if (form.key != nullptr && known.name == std::string_view(form.key)) {
+                    marks[&known - HOST_KEYS.keys.data()] = 1;
+                }
             }
         };
     }
@@ -66,12 +68,18 @@ std::vector<std::string> use_report(const host &described, std::span<const uint8
     const size_t overrides = described.overrides.size();
     if (described.capture && described.capture->keys) {
         const std::vector<std::string> &captured = *described.capture->keys;
-        const std::string missing = missing_keys(captured, marks.subspan(overrides));
-        if (!missing.empty()) {
+        std::vector<std::string> wanted = captured;
+        for (size_t place = 0; place < HOST_KEYS.keys.size(); place++) {
+            const char *key = HOST_KEYS.keys[place].name;
+            if (marks[overrides + place] != 0 && std::ranges::count(captured, key) == 0) {
+                wanted.emplace_back(key);
+            }
+        }
+        if (wanted.size() > captured.size()) {
             lines.push_back(name +
                             " was captured without what was asked for, so the output may "
                             "differ from the host's; capture it with: tarncap" +
-                            words(captured) + missing);
+                            words(wanted));
         }
     }
     // A capture answers all displays; no run meets all of it.

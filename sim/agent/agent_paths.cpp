@@ -23,42 +23,43 @@ constexpr int BACKLOG = 8;
 
 constexpr const char *IN_USE = "belongs to somebody else";
 
-socklen_t fill_address(sockaddr_un &address, std::string_view name) {
-    address = {};
-    address.sun_family = AF_UNIX;
-    name.copy(address.sun_path, sizeof address.sun_path - 1);
-    return static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
-}
-
 int open_socket() {
     return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 }
 
-bool bind_to(int socket, std::string_view name) {
+// bind or connect.
+template <typename Call> bool name_socket(Call call, int socket, std::string_view name) {
     sockaddr_un address{};
-    const socklen_t length = fill_address(address, name);
-    return bind(socket, reinterpret_cast<const sockaddr *>(&address), length) == 0;
+    address.sun_family = AF_UNIX;
+    name.copy(address.sun_path, sizeof address.sun_path - 1);
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+    return call(socket, reinterpret_cast<const sockaddr *>(&address), length) == 0;
+}
+
+void close_one(int &descriptor) {
+    if (descriptor != -1) {
+        close(descriptor);
+    }
+    descriptor = -1;
 }
 
 bool socket_is_served() {
-    const int client = open_socket();
-    sockaddr_un address{};
-    const socklen_t length = fill_address(address, AGENT_SOCKET_PATH);
-    const bool served = connect(client, reinterpret_cast<const sockaddr *>(&address), length) == 0;
-    close(client);
+    int client = open_socket();
+    const bool served = name_socket(connect, client, AGENT_SOCKET_PATH);
+    close_one(client);
     return served;
 }
 
 bool pipe_is_served() {
-    const int writer = ::open(AGENT_PIPE_PATH, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    if (writer != -1) {
-        close(writer);
-    }
-    return writer != -1;
+    int writer = open(AGENT_PIPE_PATH, O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    const bool served = writer != -1;
+    close_one(writer);
+    return served;
 }
 
-std::string failure(const char *path) {
-    return std::string(path) + ": " + std::strerror(errno);
+bool refuse(const char *path, const char *reason, std::string &error) {
+    error = std::string(path) + ": " + reason;
+    return false;
 }
 
 // Removes what a dead run left at the path; nothing there is fine too.
@@ -68,14 +69,9 @@ bool clear(const char *path, mode_t kind, bool (*is_served)(), std::string &erro
         return true;
     }
     if ((found.st_mode & S_IFMT) != kind || found.st_uid != geteuid() || is_served()) {
-        error = std::string(path) + ": " + IN_USE;
-        return false;
+        return refuse(path, IN_USE, error);
     }
-    if (unlink(path) == 0) {
-        return true;
-    }
-    error = failure(path);
-    return false;
+    return unlink(path) == 0 || refuse(path, std::strerror(errno), error);
 }
 
 // A signal that would end the process waits until there is nothing left to remove.
@@ -88,13 +84,6 @@ bool is_to_end() {
         }
     }
     return false;
-}
-
-void close_one(int &descriptor) {
-    if (descriptor != -1) {
-        close(descriptor);
-    }
-    descriptor = -1;
 }
 
 } // namespace
@@ -119,36 +108,26 @@ bool agent_paths::claim(std::string &error) {
     return lock(error) && open(error);
 }
 
-bool agent_paths::open(std::string &error) {
-    return open_listener(error) && open_pipe(error);
-}
-
 bool agent_paths::lock(std::string &error) {
     lock_ = open_socket();
     for (int tries = 0; tries < LOCK_TRIES && !is_to_end(); tries++) {
-        if (bind_to(lock_, LOCK_NAME)) {
+        if (name_socket(bind, lock_, LOCK_NAME)) {
             return true;
         }
         poll(nullptr, 0, LOCK_PAUSE);
     }
-    error = std::string(AGENT_SOCKET_PATH) + ": " + IN_USE;
-    return false;
+    return refuse(AGENT_SOCKET_PATH, IN_USE, error);
 }
 
-bool agent_paths::open_listener(std::string &error) {
+bool agent_paths::open(std::string &error) {
     if (!clear(AGENT_SOCKET_PATH, S_IFSOCK, socket_is_served, error)) {
         return false;
     }
     listener_ = open_socket();
-    owns_socket_ = bind_to(listener_, AGENT_SOCKET_PATH);
-    if (owns_socket_ && listen(listener_, BACKLOG) == 0) {
-        return true;
+    owns_socket_ = name_socket(bind, listener_, AGENT_SOCKET_PATH);
+    if (!owns_socket_ || listen(listener_, BACKLOG) == -1) {
+        return refuse(AGENT_SOCKET_PATH, std::strerror(errno), error);
     }
-    error = failure(AGENT_SOCKET_PATH);
-    return false;
-}
-
-bool agent_paths::open_pipe(std::string &error) {
     if (!clear(AGENT_PIPE_PATH, S_IFIFO, pipe_is_served, error)) {
         return false;
     }
@@ -157,9 +136,5 @@ bool agent_paths::open_pipe(std::string &error) {
     if (owns_pipe_) {
         pipe_ = ::open(AGENT_PIPE_PATH, O_RDWR | O_NONBLOCK | O_CLOEXEC);
     }
-    if (pipe_ != -1) {
-        return true;
-    }
-    error = failure(AGENT_PIPE_PATH);
-    return false;
+    return pipe_ != -1 || refuse(AGENT_PIPE_PATH, std::strerror(errno), error);
 }

@@ -7,7 +7,7 @@
 constexpr const char *AGENT_SOCKET_PATH = "/var/tmp/kxtarncmd_api_socket";
 constexpr const char *AGENT_PIPE_PATH = "/tmp/dpafifo";
 
-// Holds both paths while it lives, then removes them. What an earlier run left behind is replaced.
+// Holds both paths while it lives, then removes them. What an earlier run left there is replaced.
 // Descriptors are closed in programs that the process starts.
 class agent_paths {
 public:
@@ -38,9 +38,6 @@ public:
     void close_descriptors();
 
 private:
-    bool open_listener(std::string &error);
-    bool open_pipe(std::string &error);
-
     int lock_ = -1;
     int listener_ = -1;
     int pipe_ = -1;

@@ -3,7 +3,7 @@
 #include "host/port.h"
 
 #include <algorithm>
-#include <string_view>
+#include <cstring>
 
 namespace {
 
@@ -25,12 +25,6 @@ void learn_next_index(host &state, const exchange &told) {
     }
 }
 
-kx_bd_record wire_record(uint32_t index, const bridge_domain &bd) {
-    kx_bd_record wire = bd.record;
-    wire.index = index;
-    return wire;
-}
-
 // A driver need not say the index of the one that was asked for.
 void answer_bridge_domain(host &state, exchange &talk) {
     const bridge_domain *found = value_in(state.bridge_domains.by_index, talk.request.arg);
@@ -49,43 +43,39 @@ void learn_bridge_domain(host &state, const exchange &told) {
     }
 }
 
-// Answer a lookup with the first bridge domain that `matches` the record asked with.
-template <typename predicate> void find_record(host &state, exchange &talk, predicate matches) {
+// What the lookups find a bridge domain by.
+
+bool is_of_vlan(const kx_bd_record &bd, const kx_bd_record &asked) {
+    return bd.kind == 0 && bd.vlan == asked.vlan && bd.vdc == asked.vdc;
+}
+
+bool is_of_swbd(const kx_bd_record &bd, const kx_bd_record &asked) {
+    return bd.swbd == asked.swbd;
+}
+
+bool has_name(const kx_bd_record &bd, const kx_bd_record &asked) {
+    return std::strncmp(bd.name, asked.name, sizeof bd.name) == 0;
+}
+
+bool is_of_segment(const kx_bd_record &bd, const kx_bd_record &asked) {
+    return bd.kind == KX_BD_KIND_SEGMENT && bd.segment_id == asked.segment_id;
+}
+
+// The first bridge domain that `matches` the record asked with.
+template <auto matches> void answer_lookup(host &state, exchange &talk) {
     const auto asked = talk.input_as<kx_bd_record>();
     for (const auto &[index, found] : state.bridge_domains.by_index) {
         if (found.known && matches(found.record, asked)) {
-            return talk.reply_with(wire_record(index, found));
+            kx_bd_record wire = found.record;
+            wire.index = index;
+            return talk.reply_with(wire);
         }
     }
     talk.fail(state);
 }
 
-void answer_by_vlan(host &state, exchange &talk) {
-    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
-        return bd.kind == 0 && bd.vlan == asked.vlan && bd.vdc == asked.vdc;
-    });
-}
-
-void answer_by_swbd(host &state, exchange &talk) {
-    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
-        return bd.swbd == asked.swbd;
-    });
-}
-
-std::string_view name_of(const kx_bd_record &bd) {
-    return {bd.name, strnlen(bd.name, sizeof bd.name)};
-}
-
-void answer_by_name(host &state, exchange &talk) {
-    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
-        return name_of(bd) == name_of(asked);
-    });
-}
-
-void answer_by_segment(host &state, exchange &talk) {
-    find_record(state, talk, [](const kx_bd_record &bd, const kx_bd_record &asked) {
-        return bd.kind == KX_BD_KIND_SEGMENT && bd.segment_id == asked.segment_id;
-    });
+template <auto matches> constexpr answer lookup(kxdpa_opcode opcode) {
+    return exchanged<kx_bd_record>(opcode, answer_lookup<matches>, learn_nothing);
 }
 
 // A set of numbers that is counted and walked, and may be refused as a whole.
@@ -116,37 +106,26 @@ template <auto set_of> void learn_count(host &state, const exchange &told) {
     }
 }
 
-void answer_step(const host &state, exchange &talk, const std::optional<number_set> *set,
-                 uint32_t from, uint32_t start) {
+// A port is named by the input, for the argument is its bridge domain; no VLAN is 0, but an LTL is.
+template <auto set_of> void answer_step(host &state, exchange &talk) {
+    const auto *set = set_of(state, talk);
     if (set == nullptr || !*set) {
         return talk.fail(state);
     }
-    const auto next = from == start ? (*set)->begin() : (*set)->upper_bound(from);
+    const bool is_port = !talk.input.empty();
+    const uint32_t from = is_port ? talk.input_as<uint32_t>() : talk.request.arg;
+    const bool starts = is_port && from == BEFORE_FIRST_LTL;
+    const auto next = starts ? (*set)->begin() : (*set)->upper_bound(from);
     talk.tell(state, next == (*set)->end() ? nullptr : &*next);
 }
 
-void learn_step(const exchange &told, std::optional<number_set> *set, uint32_t least,
-                uint32_t most) {
+template <auto set_of, uint32_t least, uint32_t most>
+void learn_step(host &state, const exchange &told) {
+    std::optional<number_set> *set = set_of(state, told);
     const auto number = told.reply_as<uint32_t>();
     if (set != nullptr && told.is_told() && number >= least && number <= most) {
         (*set ? **set : set->emplace()).insert(number);
     }
-}
-
-void answer_next_port(host &state, exchange &talk) {
-    answer_step(state, talk, members_of(state, talk), talk.input_as<uint32_t>(), BEFORE_FIRST_LTL);
-}
-
-void learn_next_port(host &state, const exchange &told) {
-    learn_step(told, members_of(state, told), 0, LAST_LTL);
-}
-
-void answer_next_vlan(host &state, exchange &talk) {
-    answer_step(state, talk, &state.bridge_domains.vlans, talk.request.arg, 0);
-}
-
-void learn_next_vlan(host &state, const exchange &told) {
-    learn_step(told, &state.bridge_domains.vlans, 1, KX_LAST_VLAN);
 }
 
 // The first bridge domain of a VLAN has its groups.
@@ -159,7 +138,7 @@ std::vector<uint32_t> *groups_of(host &state, uint32_t vlan) {
     return nullptr;
 }
 
-// Group 0 stands before the first one and, in the reply, behind the last one.
+// Group 0 stands before the first one and, in the reply, after the last one.
 void answer_next_group(host &state, exchange &talk) {
     const auto *groups = groups_of(state, talk.request.arg);
     if (groups == nullptr) {
@@ -180,25 +159,23 @@ void learn_next_group(host &state, const exchange &told) {
     }
 }
 
-constexpr answer lookup(kxdpa_opcode opcode, answer_function *reply) {
-    return exchanged<kx_bd_record>(opcode, reply, learn_nothing);
-}
-
 constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
     get<uint32_t>(KXDPA_OP_BD_COUNT, answer_domain_count, learn_nothing),
     get<uint32_t>(KXDPA_OP_NEXT_BD, answer_next_index, learn_next_index),
     get<kx_bd_record>(KXDPA_OP_BD_RECORD, answer_bridge_domain, learn_bridge_domain),
-    lookup(KXDPA_OP_BD_BY_VLAN, answer_by_vlan),
-    lookup(KXDPA_OP_BD_BY_VLAN_L2, answer_by_vlan),
-    lookup(KXDPA_OP_BD_BY_SWBD, answer_by_swbd),
-    lookup(KXDPA_OP_BD_BY_NAME, answer_by_name),
-    lookup(KXDPA_OP_BD_BY_SEGMENT, answer_by_segment),
+    lookup<is_of_vlan>(KXDPA_OP_BD_BY_VLAN),
+    lookup<is_of_vlan>(KXDPA_OP_BD_BY_VLAN_L2),
+    lookup<is_of_swbd>(KXDPA_OP_BD_BY_SWBD),
+    lookup<has_name>(KXDPA_OP_BD_BY_NAME),
+    lookup<is_of_segment>(KXDPA_OP_BD_BY_SEGMENT),
     get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_count<members_of>, learn_count<members_of>),
-    exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_next_port, learn_next_port),
+    exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_step<members_of>,
+                        learn_step<members_of, 0, LAST_LTL>),
     exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group),
     get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_count<vlans_of>, learn_count<vlans_of>)
         .from_key("vlans"),
-    get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_next_vlan, learn_next_vlan).from_key("vlans"),
+    get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_step<vlans_of>, learn_step<vlans_of, 1, KX_LAST_VLAN>)
+        .from_key("vlans"),
 };
 
 } // namespace

@@ -7,15 +7,12 @@
 
 namespace {
 
-constexpr uint8_t NO_MAC[KX_MAC_SIZE] = {};
-
-// The key of an entry.
-struct entry_key {
-    uint8_t mac[KX_MAC_SIZE];
-};
-
-bool is_mac(const uint8_t (&one)[KX_MAC_SIZE], const uint8_t (&other)[KX_MAC_SIZE]) {
-    return std::memcmp(one, other, KX_MAC_SIZE) == 0;
+// The key of an entry as a number; 0 for the address zero, which stands before the first entry and
+// therefore is never told itself.
+uint64_t key_of(const uint8_t (&mac)[KX_MAC_SIZE]) {
+    uint64_t key = 0;
+    std::memcpy(&key, mac, sizeof mac);
+    return key;
 }
 
 // As the driver tells it at the host's time.
@@ -64,42 +61,32 @@ void answer_entry_count(host &state, exchange &talk) {
     }
 }
 
-// The place of the entry behind the one with the address, of the first for the address zero, which
-// therefore is never told itself. A walk asks for one after the other, so the place of the last
-// answer is looked at first.
-size_t place_behind(const l2_table &table, const uint8_t (&mac)[KX_MAC_SIZE], size_t &last) {
-    const auto &entries = table.entries;
-    if (is_mac(mac, NO_MAC)) {
-        last = 0;
-        return 0;
-    }
-    if (last >= entries.size() || !is_mac(entries[last].mac, mac)) {
-        const auto found =
-            std::find_if(entries.begin(), entries.end(),
-                         [&](const kx_l2_entry &entry) { return is_mac(entry.mac, mac); });
-        last = static_cast<size_t>(found - entries.begin());
-    }
-    last = std::min(last + 1, entries.size());
-    return last;
-}
-
-// The first entry from a place on that `matches` holds for; the walk stands there then.
+// In the table of a bridge domain the first entry after the one with this key that `matches` holds
+// for. A walk asks for one after the other, so the place of its last answer is looked at first; who
+// does not keep such places begins from the start.
 template <typename predicate>
-const kx_l2_entry *find_entry(const l2_table &table, size_t first, size_t &last,
+const kx_l2_entry *find_after(exchange &talk, uint32_t index, const l2_table &table, uint64_t key,
                               predicate matches) {
-    for (size_t place = first; place < table.entries.size(); place++) {
-        const kx_l2_entry &entry = table.entries[place];
-        if (!is_mac(entry.mac, NO_MAC) && matches(entry)) {
+    size_t start = 0;
+    size_t &last = talk.places == nullptr ? start : (*talk.places)[index];
+    const auto &entries = table.entries;
+    size_t place = 0;
+    if (key != 0) {
+        if (last >= entries.size() || key_of(entries[last].mac) != key) {
+            const auto found =
+                std::find_if(entries.begin(), entries.end(),
+                             [&](const kx_l2_entry &entry) { return key_of(entry.mac) == key; });
+            last = static_cast<size_t>(found - entries.begin());
+        }
+        place = last + 1;
+    }
+    for (; place < entries.size(); place++) {
+        if (key_of(entries[place].mac) != 0 && matches(entries[place])) {
             last = place;
-            return &entry;
+            return &entries[place];
         }
     }
     return nullptr;
-}
-
-// Where the walk of a bridge domain stands. Who does not keep it begins from the start.
-size_t &place_of(exchange &talk, uint32_t index, size_t &start) {
-    return talk.places == nullptr ? start : (*talk.places)[index];
 }
 
 void answer_next_entry(host &state, exchange &talk) {
@@ -107,11 +94,8 @@ void answer_next_entry(host &state, exchange &talk) {
     if (table == nullptr) {
         return talk.fail(state);
     }
-    size_t start = 0;
-    size_t &last = place_of(talk, talk.request.arg, start);
-    const size_t first = place_behind(*table, talk.input_as<entry_key>().mac, last);
-    const kx_l2_entry *found =
-        find_entry(*table, first, last, [](const kx_l2_entry &) { return true; });
+    const kx_l2_entry *found = find_after(talk, talk.request.arg, *table, talk.input_as<uint64_t>(),
+                                          [](const kx_l2_entry &) { return true; });
     if (found == nullptr) {
         talk.fail(state);
     } else {
@@ -122,12 +106,12 @@ void answer_next_entry(host &state, exchange &talk) {
 void learn_next_entry(host &state, const exchange &told) {
     l2_table *table = learnt_table(state, told.request.arg);
     const auto entry = told.reply_as<kx_l2_entry>();
-    if (table != nullptr && told.is_told() && !is_mac(entry.mac, NO_MAC)) {
+    if (table != nullptr && told.is_told() && key_of(entry.mac) != 0) {
         table->entries.push_back(entry);
     }
 }
 
-// Behind the entry that the step names, the slot's next one: first in the same bridge domain.
+// After the entry that the step names, the slot's next one: first in the same bridge domain.
 void answer_slot_step(host &state, exchange &talk) {
     const l2_state &l2 = state.l2;
     const auto step = talk.input_as<kx_l2_slot_step>();
@@ -137,17 +121,14 @@ void answer_slot_step(host &state, exchange &talk) {
     const auto in_slot = [&](const kx_l2_entry &entry) {
         return entry.mac[KX_MAC_SIZE - 1] % *l2.slots == talk.request.arg;
     };
-    for (auto table = l2.tables.lower_bound(step.bd_index); table != l2.tables.end(); ++table) {
-        if (!state.bridge_domains.by_index.contains(table->first)) {
+    for (auto at = l2.tables.lower_bound(step.bd_index); at != l2.tables.end(); ++at) {
+        const auto &[index, table] = *at;
+        if (!state.bridge_domains.by_index.contains(index)) {
             continue; // nor does any other request find it
         }
-        size_t start = 0;
-        size_t &last = place_of(talk, table->first, start);
-        const bool goes_on = table->first == step.bd_index;
-        const size_t first = goes_on ? place_behind(table->second, step.entry.mac, last) : 0;
-        if (const kx_l2_entry *found = find_entry(table->second, first, last, in_slot)) {
-            return talk.reply_with(
-                kx_l2_slot_step{*l2.slots, table->first, wire_entry(state, *found)});
+        const uint64_t key = index == step.bd_index ? key_of(step.entry.mac) : 0;
+        if (const kx_l2_entry *found = find_after(talk, index, table, key, in_slot)) {
+            return talk.reply_with(kx_l2_slot_step{*l2.slots, index, wire_entry(state, *found)});
         }
     }
     talk.reply_with(kx_l2_slot_step{*l2.slots, 0, {}});
@@ -228,9 +209,7 @@ void settle_l2(host &state) {
     for (auto &[index, table] : state.l2.tables) {
         std::set<uint64_t> seen;
         std::erase_if(table.entries, [&](const kx_l2_entry &entry) {
-            uint64_t mac = 0;
-            std::memcpy(&mac, entry.mac, sizeof entry.mac);
-            return !seen.insert(mac).second;
+            return !seen.insert(key_of(entry.mac)).second;
         });
     }
 }

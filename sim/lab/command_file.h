@@ -1,4 +1,4 @@
-// The file behind a command, looked at before it runs.
+// The file that a command is, looked at before it runs.
 #ifndef SIM_LAB_COMMAND_FILE_H
 #define SIM_LAB_COMMAND_FILE_H
 

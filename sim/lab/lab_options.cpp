@@ -3,9 +3,7 @@
 #include <getopt.h>
 #include <unistd.h>
 
-namespace {
-
-constexpr const char *HELP =
+const char *const LAB_HELP =
     "Usage: tarnlab [--device] [--host FILE] [--trace FILE] COMMAND [ARGS...]\n"
     "       tarnlab --print-host [--full] [--host FILE]\n"
     "       tarnlab --check FILE | --version | --help\n"
@@ -29,12 +27,6 @@ constexpr const char *HELP =
     "The exit value is the command's, or 128 and the number of the signal that ended it. It is 2\n"
     "when the arguments, the command or the host description are wrong, the agent's paths are taken\n"
     "or the device file cannot be had, 127 when COMMAND is not found.\n";
-
-} // namespace
-
-const char *lab_help() {
-    return HELP;
-}
 
 bool read_options(int argc, char **argv, lab_options &options, std::string &error) {
     static const option known[] = {{"device", no_argument, nullptr, 'd'},

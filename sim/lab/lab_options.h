@@ -19,6 +19,6 @@ struct lab_options {
 // Returns false, and one line in `error`, for arguments that make no sense.
 bool read_options(int argc, char **argv, lab_options &options, std::string &error);
 
-const char *lab_help();
+extern const char *const LAB_HELP;
 
 #endif

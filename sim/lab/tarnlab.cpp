@@ -8,7 +8,6 @@
 #include "sim/lab/lab_options.h"
 #include "sim/model.h"
 #include "sim/preload_channel.h"
-#include "sim/trace.h"
 #include "sim/use.h"
 
 #include <algorithm>
@@ -19,7 +18,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -46,7 +47,7 @@ struct lab_run {
     lab_options options;
     std::string text; // of the host file
     host described;
-    int trace = -1;                  // -1 for none
+    preload_channel channel;         // its trace is used with a device file, too
     std::vector<uint8_t> marks = {}; // of use, see use.h
     int signals = -1;                // where they are read, see ENDING_SIGNALS
     sigset_t mask_before = {};
@@ -64,12 +65,10 @@ std::string library_path() {
 }
 
 bool read_host(lab_run &run, std::string &error) {
-    if (run.options.host.empty()) {
-        run.text = builtin_host_text();
-        return parse_host(run.text, "built-in host", run.described, error);
-    }
-    return read_host_file(run.options.host, run.text, error) &&
-           parse_host(run.text, run.options.host, run.described, error);
+    const std::string &path = run.options.host;
+    run.text = builtin_host_text();
+    return (path.empty() || read_host_file(path, run.text, error)) &&
+           parse_host(run.text, path.empty() ? "built-in host" : path, run.described, error);
 }
 
 bool start_trace(lab_run &run, std::string &error) {
@@ -77,40 +76,40 @@ bool start_trace(lab_run &run, std::string &error) {
     if (path.empty()) {
         return true;
     }
-    run.trace = path == "-"
-                    ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
+    run.channel.trace =
+        path == "-" ? fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)
                     : open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666);
-    if (run.trace == -1) {
+    if (run.channel.trace == -1) {
         error = path + ": cannot be written: " + std::strerror(errno);
     }
-    return run.trace != -1;
+    return run.channel.trace != -1;
 }
 
-// A file without a name that holds `size` bytes; -1 when there is no room.
-int nameless_file(const char *bytes, size_t size) {
+// A file without a name that holds the bytes; -1 when there is no room.
+int nameless_file(std::string_view bytes) {
     const int file = memfd_create("tarnlab", MFD_CLOEXEC);
-    for (size_t written = 0; file != -1 && written < size;) {
-        const ssize_t more = write(file, bytes + written, size - written);
-        if (more <= 0) {
+    while (file != -1 && !bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written <= 0) {
             close(file);
             return -1;
         }
-        written += static_cast<size_t>(more);
+        bytes.remove_prefix(static_cast<size_t>(written));
     }
     return file;
 }
 
 // All that the preloaded library is handed. False with one line in `error`.
-bool open_channel(const lab_run &run, preload_channel &channel, std::string &error) {
+bool open_channel(lab_run &run, std::string &error) {
+    preload_channel &channel = run.channel;
     const std::string library = library_path();
     channel.library = open(library.c_str(), O_RDONLY | O_CLOEXEC);
     if (channel.library == -1) {
         error = library + ": " + std::strerror(errno);
         return false;
     }
-    channel.host = nameless_file(run.text.data(), run.text.size());
-    channel.met = nameless_file(reinterpret_cast<const char *>(run.marks.data()), run.marks.size());
-    channel.trace = run.trace;
+    channel.host = nameless_file(run.text);
+    channel.met = nameless_file(std::string(run.marks.size(), '\0'));
     if (channel.host == -1 || channel.met == -1) {
         error = std::string("the host description: ") + std::strerror(errno);
         return false;
@@ -125,13 +124,16 @@ void hand_over(const preload_channel &channel) {
             fcntl(descriptor, F_SETFD, 0);
         }
     }
-    std::string preload = preload_entry(channel);
+    std::string preload = path_of(channel.library);
     const char *others = std::getenv("LD_PRELOAD");
     if (others != nullptr && *others != '\0') {
         preload += std::string(":") + others;
     }
     setenv("LD_PRELOAD", preload.c_str(), 1);
-    setenv(PRELOAD_VARIABLE, preload_text(channel).c_str(), 1);
+    char handed[64];
+    std::snprintf(handed, sizeof handed, PRELOAD_FORMAT, channel.library, channel.host,
+                  channel.trace, channel.met);
+    setenv(PRELOAD_VARIABLE, handed, 1);
 }
 
 [[noreturn]] void become_command(const lab_options &options) {
@@ -141,37 +143,32 @@ void hand_over(const preload_channel &channel) {
     _exit(reason == ENOENT ? EXIT_NOT_FOUND : EXIT_CANNOT_RUN);
 }
 
-int exit_value_of(int status) {
-    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
-}
-
-// What asks a program to end. From before anything is made that is to be removed they do not come
-// by themselves: they are read from `run.signals` and go to the command.
-constexpr int ENDING_SIGNALS[] = {SIGTERM, SIGHUP, SIGPIPE};
+// What is read from `run.signals`: the command's end, and what asks a program to end, which goes to
+// the command. From before anything is made that is to be removed none of them comes by itself.
+constexpr int HANDLED_SIGNALS[] = {SIGCHLD, SIGTERM, SIGHUP, SIGPIPE};
 // A terminal sends these to the command as well.
 constexpr int TERMINAL_SIGNALS[] = {SIGINT, SIGQUIT};
 
-// What is ignored, as a hang-up under nohup, stays so.
-void add_unless_ignored(sigset_t &signals, int number) {
-    struct sigaction now {};
-    sigaction(number, nullptr, &now);
-    if (now.sa_handler != SIG_IGN) {
-        sigaddset(&signals, number);
+// Block these, but for what is ignored: that stays so, as a hang-up under nohup. Returns what is
+// blocked.
+sigset_t block(std::span<const int> numbers) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    for (const int number : numbers) {
+        struct sigaction now {};
+        sigaction(number, nullptr, &now);
+        if (now.sa_handler != SIG_IGN) {
+            sigaddset(&blocked, number);
+        }
     }
+    sigprocmask(SIG_BLOCK, &blocked, nullptr);
+    return blocked;
 }
 
 bool hold_back_signals(lab_run &run, std::string &error) {
-    sigset_t handled;
-    sigemptyset(&handled);
-    sigaddset(&handled, SIGCHLD);
-    for (const int number : ENDING_SIGNALS) {
-        add_unless_ignored(handled, number);
-    }
-    sigset_t held = handled;
-    for (const int number : TERMINAL_SIGNALS) {
-        add_unless_ignored(held, number);
-    }
-    sigprocmask(SIG_BLOCK, &held, &run.mask_before);
+    sigprocmask(SIG_BLOCK, nullptr, &run.mask_before);
+    const sigset_t handled = block(HANDLED_SIGNALS);
+    block(TERMINAL_SIGNALS);
     run.signals = signalfd(-1, &handled, SFD_CLOEXEC);
     if (run.signals == -1) {
         error = std::string("signalfd: ") + std::strerror(errno);
@@ -192,12 +189,12 @@ void leave_terminal_to(pid_t command) {
     }
 }
 
-// Returns the process, or -1 after a complaint. Without a channel nothing is preloaded.
-pid_t start_command(const lab_run &run, const preload_channel *channel) {
+// Returns the process, or -1 after a complaint. Without a library nothing is preloaded.
+pid_t start_command(const lab_run &run) {
     const pid_t child = fork();
     if (child == 0) {
-        if (channel != nullptr) {
-            hand_over(*channel);
+        if (run.channel.library != -1) {
+            hand_over(run.channel);
         }
         sigprocmask(SIG_SETMASK, &run.mask_before, nullptr);
         become_command(run.options);
@@ -210,9 +207,9 @@ pid_t start_command(const lab_run &run, const preload_channel *channel) {
     return child;
 }
 
-// Wait for the command's end, and answer the requests of the device file meanwhile where there is
-// one. Whoever ends this program means the command, whose end is then ours.
-int serve_command(pid_t command, int signals, int device = -1, model *driver = nullptr) {
+// Wait for the command's end, and answer the requests of the device file meanwhile, -1 for none.
+// Whoever ends this program means the command, whose end is then ours.
+int serve_command(pid_t command, int signals, int device, model &driver) {
     pollfd watched[] = {{device, POLLIN, 0}, {signals, POLLIN, 0}};
     int status = 0;
     while (waitpid(command, &status, WNOHANG) != command) {
@@ -224,47 +221,44 @@ int serve_command(pid_t command, int signals, int device = -1, model *driver = n
             arrived.ssi_signo != SIGCHLD) {
             kill(command, static_cast<int>(arrived.ssi_signo));
         }
-        if (driver != nullptr && watched[0].revents != 0 &&
-            !serve_device_request(device, *driver)) {
+        if (watched[0].revents != 0 && !serve_device_request(device, driver)) {
             watched[0].fd = -1;
         }
     }
-    return exit_value_of(status);
+    return WIFSIGNALED(status) ? EXIT_SIGNAL_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-int run_preloaded(lab_run &run, const preload_channel &channel) {
-    const pid_t command = start_command(run, &channel);
-    if (command == -1) {
-        return EXIT_CANNOT_RUN;
-    }
-    const int exit_value = serve_command(command, run.signals);
-    [[maybe_unused]] const ssize_t got = pread(channel.met, run.marks.data(), run.marks.size(), 0);
-    return exit_value;
-}
-
-int run_on_device(lab_run &run, int device) {
-    model driver(run.described);
+// The driver's device as a file, -1 with one line in `error`.
+int open_device(lab_run &run, model &driver, std::string &error) {
+    driver.take(run.described);
     mark_use_of(driver, run.marks.data());
-    if (run.trace != -1) {
-        trace_into(driver, run.trace);
+    if (run.channel.trace != -1) {
+        trace_into(driver, run.channel.trace);
     }
-    const pid_t command = start_command(run, nullptr);
-    return command == -1 ? EXIT_CANNOT_RUN : serve_command(command, run.signals, device, &driver);
+    return mount_device_file(error);
 }
 
 // The command with everything that its host has besides the driver. Returns the exit value, or -1
 // with one line in `error`.
 int run_on_host(lab_run &run, std::string &error) {
-    preload_channel channel;
-    const int device = run.options.device ? mount_device_file(error) : -1;
-    const bool ready = run.options.device ? device != -1 : open_channel(run, channel, error);
+    model driver;
+    const int device = run.options.device ? open_device(run, driver, error) : -1;
+    const bool ready = run.options.device ? device != -1 : open_channel(run, error);
     agent_process agent;
     host_programs programs;
     if (!ready || (run.described.agent && !agent.start(*run.described.agent, error)) ||
         !programs.install(run.described, error)) {
         return -1;
     }
-    return run.options.device ? run_on_device(run, device) : run_preloaded(run, channel);
+    const pid_t command = start_command(run);
+    if (command == -1) {
+        return EXIT_CANNOT_RUN;
+    }
+    const int exit_value = serve_command(command, run.signals, device, driver);
+    // On a device file they were set here.
+    [[maybe_unused]] const ssize_t got =
+        pread(run.channel.met, run.marks.data(), run.marks.size(), 0);
+    return exit_value;
 }
 
 int run(lab_run &run) {
@@ -353,7 +347,7 @@ int main(int argc, char **argv) {
     case lab_options::task::version:
         return print("tarnlab " TARN_VERSION "\n");
     case lab_options::task::help:
-        return print(lab_help());
+        return print(LAB_HELP);
     default:
         return run(planned);
     }

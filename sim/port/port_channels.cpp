@@ -20,32 +20,33 @@ void learn_port_channel(host &state, const exchange &told) {
     }
 }
 
-// Calls visit(pinned) for each member that is the LTL, until it returns true.
-template <typename Visit> void find_member(host &state, uint32_t ltl, Visit visit) {
+// What is told of each member that is the LTL.
+std::vector<std::optional<uint32_t> *> pinned_to(host &state, uint32_t ltl) {
+    std::vector<std::optional<uint32_t> *> pinned;
     for (auto &[channel_ltl, channel] : state.port_channels.by_ltl) {
         for (uint32_t i = 0; i < std::min(channel.record.member_count, KX_PC_MEMBERS); i++) {
-            if (channel.record.members[i].ltl == ltl && visit(channel.pinned[i])) {
-                return;
+            if (channel.record.members[i].ltl == ltl) {
+                pinned.push_back(&channel.pinned[i]);
             }
         }
     }
+    return pinned;
 }
 
-// What is told of the first member that is the LTL.
+// The first that is told at all.
 void answer_pinned(host &state, exchange &talk) {
-    std::optional<uint32_t> told;
-    find_member(state, talk.request.arg, [&](const std::optional<uint32_t> &pinned) {
-        told = pinned;
-        return told.has_value();
-    });
-    talk.tell(state, told);
+    for (const std::optional<uint32_t> *pinned : pinned_to(state, talk.request.arg)) {
+        if (*pinned) {
+            return talk.reply_with(**pinned);
+        }
+    }
+    talk.fail(state);
 }
 
 void learn_pinned(host &state, const exchange &told) {
-    find_member(state, told.request.arg, [&](std::optional<uint32_t> &pinned) {
-        told.learn(pinned);
-        return false;
-    });
+    for (std::optional<uint32_t> *pinned : pinned_to(state, told.request.arg)) {
+        told.learn(*pinned);
+    }
 }
 
 constexpr answer PORT_CHANNEL_ANSWERS[] = {

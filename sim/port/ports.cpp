@@ -3,9 +3,26 @@
 #include "handlers/port/bridge_domain_record.h"
 #include "infra/utils/kxlibbmp.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
+
+// The port and the view that an argument "view << 24 | LTL" names, no port where there is none.
+// What the other views say like the HMX's own is not described twice, so who learns looks at it
+// first.
+std::pair<port *, kx_port_view> named_by(host &state, uint32_t argument) {
+    port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
+    const auto view = static_cast<kx_port_view>(argument >> 24);
+    return {view < PORT_VIEWS ? found : nullptr, view};
+}
+
+// What the view reports, nullptr where it has no record of the port.
+const port_view *find_port_view(host &state, uint32_t argument) {
+    const auto [found, view] = named_by(state, argument);
+    return found != nullptr && view_of(*found, view).known ? &view_of(*found, view) : nullptr;
+}
 
 void answer_next_ltl(host &state, exchange &talk) {
     const auto &ports = state.ports.by_ltl;
@@ -21,33 +38,23 @@ void learn_next_ltl(host &state, const exchange &told) {
     }
 }
 
-// Of a view of a described port the description learns change(view). What the other views say like
-// the HMX's own is not told twice, which is asked first.
-template <typename Is, typename Change>
-void learn_view(host &state, uint32_t argument, Is is_so, Change change) {
-    port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
-    const auto view = static_cast<kx_port_view>(argument >> 24);
-    if (found != nullptr && view < PORT_VIEWS && !is_so(view_of(*found, view))) {
-        change(own_view(*found, view));
-    }
-}
-
 void answer_port(host &state, exchange &talk) {
     talk.tell(state, member_in<&port_view::record>(find_port_view(state, talk.request.arg)));
 }
 
 void learn_port(host &state, const exchange &told) {
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found == nullptr) {
+        return;
+    }
     const auto record = told.reply_as<kx_port_record>();
-    learn_view(
-        state, told.request.arg,
-        [&](const port_view &view) {
-            return view.known == told.is_told() &&
-                   (!view.known || std::memcmp(&view.record, &record, sizeof record) == 0);
-        },
-        [&](port_view &view) {
-            view.known = told.is_told();
-            view.record = view.known ? record : view.record;
-        });
+    const port_view &seen = view_of(*found, view);
+    const bool same = !seen.known || std::memcmp(&seen.record, &record, sizeof record) == 0;
+    if (seen.known != told.is_told() || !same) {
+        port_view &own = own_view(*found, view);
+        own.known = told.is_told();
+        own.record = own.known ? record : own.record;
+    }
 }
 
 template <auto member> void answer_member(host &state, exchange &talk) {
@@ -62,11 +69,8 @@ template <auto member> void learn_member(host &state, const exchange &told) {
 
 void answer_secure_state(host &state, exchange &talk) {
     const port *found = value_in(state.ports.by_ltl, talk.request.arg);
-    if (found == nullptr || !found->secure) {
-        talk.fail(state);
-    } else {
-        talk.reply_with(uint32_t{1});
-    }
+    const uint32_t secure = 1;
+    talk.tell(state, found != nullptr && found->secure ? &secure : nullptr);
 }
 
 void learn_secure_state(host &state, const exchange &told) {
@@ -88,19 +92,17 @@ void answer_forwarding(host &state, exchange &talk) {
 void learn_forwarding(host &state, const exchange &told) {
     const auto vlan = told.input_as<kx_vlan_forwarding>().vlan;
     const bool forwards = told.is_told() && told.reply_as<kx_vlan_forwarding>().forwarding != 0;
-    if (vlan > KX_LAST_VLAN) {
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found == nullptr || vlan > KX_LAST_VLAN ||
+        view_of(*found, view).forwards_on.contains(vlan) == forwards) {
         return;
     }
-    learn_view(
-        state, told.request.arg,
-        [&](const port_view &view) { return view.forwards_on.contains(vlan) == forwards; },
-        [&](port_view &view) {
-            if (forwards) {
-                view.forwards_on.insert(vlan);
-            } else {
-                view.forwards_on.erase(vlan);
-            }
-        });
+    number_set &own = own_view(*found, view).forwards_on;
+    if (forwards) {
+        own.insert(vlan);
+    } else {
+        own.erase(vlan);
+    }
 }
 
 bool forward_alike(const exchange &one, const exchange &other) {
@@ -134,9 +136,30 @@ void learn_vlan_set(host &state, const exchange &told) {
             }
         }
     }
-    learn_view(
-        state, told.request.arg, [&](const port_view &view) { return view.vlans == vlans; },
-        [&](port_view &view) { view.vlans = vlans; });
+    const auto [found, view] = named_by(state, told.request.arg);
+    if (found != nullptr && view_of(*found, view).vlans != vlans) {
+        own_view(*found, view).vlans = vlans;
+    }
+}
+
+// A port without a role on the VLAN answers that it has none.
+void answer_private_vlan(host &state, exchange &talk) {
+    if (find_port_view(state, talk.request.arg) == nullptr) {
+        return talk.fail(state);
+    }
+    const auto asked = talk.input_as<kx_port_pvlan>();
+    const auto *found = value_in(state.private_vlans, {talk.request.arg & LAST_LTL, asked.vlan});
+    talk.reply_with(found == nullptr ? asked : *found);
+}
+
+// The views share one description: what the first of them says.
+void learn_private_vlan(host &state, const exchange &told) {
+    const auto asked = told.input_as<kx_port_pvlan>();
+    const auto pvlan = told.reply_as<kx_port_pvlan>();
+    if (told.is_told() && std::memcmp(&asked, &pvlan, sizeof pvlan) != 0 &&
+        std::max({asked.vlan, pvlan.primary, pvlan.secondary}) <= KX_LAST_VLAN) {
+        state.private_vlans.try_emplace({told.request.arg & LAST_LTL, asked.vlan}, pvlan);
+    }
 }
 
 constexpr answer PORT_ANSWERS[] = {
@@ -152,18 +175,10 @@ constexpr answer PORT_ANSWERS[] = {
         .told_alike(forward_alike),
     {KXDPA_OP_PORT_VLAN_SET, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_MAX, sizeof(bmp4096), 0,
      sizeof(bmp4096), answer_vlan_set, learn_vlan_set},
+    exchanged<kx_port_pvlan>(KXDPA_OP_PORT_PVLAN, answer_private_vlan, learn_private_vlan)
+        .from_key("private_vlans"),
 };
 
 } // namespace
-
-const port_view *find_port_view(const host &state, uint32_t argument) {
-    const port *found = value_in(state.ports.by_ltl, argument & LAST_LTL);
-    const uint32_t view = argument >> 24;
-    if (found == nullptr || view >= PORT_VIEWS) {
-        return nullptr;
-    }
-    const port_view &seen = view_of(*found, static_cast<kx_port_view>(view));
-    return seen.known ? &seen : nullptr;
-}
 
 constinit const family port_family = PORT_ANSWERS;
