@@ -23,29 +23,6 @@ constexpr auto BETWEEN_PROGRESS = std::chrono::milliseconds(100);
 constexpr size_t OPCODES = 2048; // more than the driver has
 constexpr uint32_t NO_PLACE = 0xFFFFFFFF;
 
-// The steps of walks, and what no driver has more of: ports, addresses of an L2 table, anything
-// else.
-constexpr struct {
-    kxdpa_opcode opcode;
-    uint32_t longest;
-} WALKS[] = {
-    {KXDPA_OP_NEXT_LTL, 4096},          {KXDPA_OP_BD_NEXT_PORT, 4096},
-    {KXDPA_OP_NEXT_L2_ENTRY, 65536},    {KXDPA_OP_L2_SLOTS, 65536},
-    {KXDPA_OP_NEXT_VLAN, 16384},        {KXDPA_OP_NEXT_BD, 16384},
-    {KXDPA_OP_NEXT_VLAN_GROUP, 16384},  {KXDPA_OP_NEXT_HEAP, 16384},
-    {KXDPA_OP_NEXT_MEMORY_POOL, 16384},
-};
-
-// Of a walk over the opcode, in steps; 0 when its requests are no steps.
-uint32_t longest_walk(uint16_t opcode) {
-    for (const auto &[walked, longest] : WALKS) {
-        if (walked == opcode) {
-            return longest;
-        }
-    }
-    return 0;
-}
-
 // Stands where a driver may write a word, to tell whether it does. The last byte of a number that
 // people use is none of these.
 constexpr uint32_t UNTOLD[] = {0xB6A5C396, 0x495A3C69};
@@ -173,7 +150,7 @@ inline driver_memory::shape *driver_memory::find_shape(const kxdpa_request &reco
     newest = &shapes_.emplace_back(shape{.request = record,
                                          .number = static_cast<uint16_t>(shapes_.size()),
                                          .older = newest,
-                                         .longest = longest_walk(record.opcode),
+                                         .longest = form->longest,
                                          .walks_by_input = has_input(record)});
     return newest;
 }
@@ -378,7 +355,7 @@ std::map<uint16_t, opcode_tally> driver_memory::tallies() const {
     std::map<uint16_t, opcode_tally> tallies;
     each_row([&](const remembered_row &asked) {
         opcode_tally &tally = tallies[asked.request.opcode];
-        tally.walks = longest_walk(asked.request.opcode) != 0;
+        tally.walks = asked.form.longest != 0;
         tally.questions += static_cast<uint32_t>(asked.steps.size());
         for (const remembered_step &step : asked.steps) {
             if (step.told().status == KXDPA_STATUS_SUCCESS) {

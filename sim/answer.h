@@ -15,6 +15,9 @@
 
 constexpr uint32_t ANY_ARGUMENT = 0xFFFFFFFF;
 
+// No driver has more of them.
+constexpr uint32_t MOST_PORTS = 4096, MOST_ADDRESSES = 65536, MOST_OTHERS = 16384;
+
 using answer_function = void(host &, exchange &);
 using learn_function = void(host &, const exchange &);
 
@@ -37,6 +40,8 @@ struct answer {
     // True when callers take the same from both answers, of which neither refuses; null where they
     // look at every byte.
     bool (*alike)(const exchange &one, const exchange &other) = nullptr;
+    // Of a walk whose step this is: more entries than any driver has, 0 for what is no step.
+    uint32_t longest = 0;
     // A step of a walk that hands the whole reply back: the steps of an argument stand together.
     // A bool's size would leave a gap in each row of the tables.
     uint32_t steps_by_reply = 0; // 0 or 1
@@ -55,6 +60,9 @@ struct answer {
     }
     constexpr answer from_key(const char *name) const {
         return with(&answer::key, name);
+    }
+    constexpr answer of_walk(uint32_t entries) const {
+        return with(&answer::longest, entries);
     }
     constexpr answer told_alike(decltype(alike) when) const {
         return with(&answer::alike, when);

@@ -11,15 +11,6 @@ namespace {
 
 constexpr size_t REPORT_LIMIT = 10; // lines about overrides
 
-// With a blank before each.
-std::string words(const std::vector<std::string> &list) {
-    std::string text;
-    for (const std::string &word : list) {
-        text += " " + word;
-    }
-    return text;
-}
-
 void report_overrides(const host &described, std::span<const uint8_t> met,
                       std::vector<std::string> &lines) {
     size_t unused = 0;
@@ -68,18 +59,20 @@ std::vector<std::string> use_report(const host &described, std::span<const uint8
     const size_t overrides = described.overrides.size();
     if (described.capture && described.capture->keys) {
         const std::vector<std::string> &captured = *described.capture->keys;
-        std::vector<std::string> wanted = captured;
+        std::string wanted; // names of the table alone: the file's may be anything
+        bool is_missing = false;
         for (size_t place = 0; place < HOST_KEYS.keys.size(); place++) {
             const char *key = HOST_KEYS.keys[place].name;
-            if (marks[overrides + place] != 0 && std::ranges::count(captured, key) == 0) {
-                wanted.emplace_back(key);
-            }
+            const bool is_asked = marks[overrides + place] != 0;
+            const bool is_captured = std::ranges::count(captured, key) != 0;
+            wanted += is_asked || is_captured ? std::string(" ") + key : "";
+            is_missing |= is_asked && !is_captured;
         }
-        if (wanted.size() > captured.size()) {
+        if (is_missing) {
             lines.push_back(name +
                             " was captured without what was asked for, so the output may "
                             "differ from the host's; capture it with: tarncap" +
-                            words(wanted));
+                            wanted);
         }
     }
     // A capture answers all displays; no run meets all of it.

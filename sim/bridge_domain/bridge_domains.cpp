@@ -161,7 +161,7 @@ void learn_next_group(host &state, const exchange &told) {
 
 constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
     get<uint32_t>(KXDPA_OP_BD_COUNT, answer_domain_count, learn_nothing),
-    get<uint32_t>(KXDPA_OP_NEXT_BD, answer_next_index, learn_next_index),
+    get<uint32_t>(KXDPA_OP_NEXT_BD, answer_next_index, learn_next_index).of_walk(MOST_OTHERS),
     get<kx_bd_record>(KXDPA_OP_BD_RECORD, answer_bridge_domain, learn_bridge_domain),
     lookup<is_of_vlan>(KXDPA_OP_BD_BY_VLAN),
     lookup<is_of_vlan>(KXDPA_OP_BD_BY_VLAN_L2),
@@ -170,11 +170,14 @@ constexpr answer BRIDGE_DOMAIN_ANSWERS[] = {
     lookup<is_of_segment>(KXDPA_OP_BD_BY_SEGMENT),
     get<uint32_t>(KXDPA_OP_BD_PORT_COUNT, answer_count<members_of>, learn_count<members_of>),
     exchanged<uint32_t>(KXDPA_OP_BD_NEXT_PORT, answer_step<members_of>,
-                        learn_step<members_of, 0, LAST_LTL>),
-    exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group),
+                        learn_step<members_of, 0, LAST_LTL>)
+        .of_walk(MOST_PORTS),
+    exchanged<uint32_t>(KXDPA_OP_NEXT_VLAN_GROUP, answer_next_group, learn_next_group)
+        .of_walk(MOST_OTHERS),
     get<uint32_t>(KXDPA_OP_VLAN_COUNT, answer_count<vlans_of>, learn_count<vlans_of>)
         .from_key("vlans"),
     get<uint32_t>(KXDPA_OP_NEXT_VLAN, answer_step<vlans_of>, learn_step<vlans_of, 1, KX_LAST_VLAN>)
+        .of_walk(MOST_OTHERS)
         .from_key("vlans"),
 };
 

@@ -150,7 +150,8 @@ template <auto list> void learn_next(host &state, const exchange &told) {
 }
 
 template <auto list> constexpr answer walk(kxdpa_opcode opcode) {
-    return exchanged<record_of<list>>(opcode, answer_next<list>, learn_next<list>);
+    return exchanged<record_of<list>>(opcode, answer_next<list>, learn_next<list>)
+        .of_walk(MOST_OTHERS);
 }
 
 constexpr answer CARD_ANSWERS[] = {

@@ -184,9 +184,11 @@ constexpr answer L2_ANSWERS[] = {
     member_of<&l2_table::limit>(KXDPA_OP_L2_TABLE_LIMIT),
     get<uint32_t>(KXDPA_OP_L2_ENTRY_COUNT, answer_entry_count, learn_nothing),
     member_of<&l2_table::aging_time>(KXDPA_OP_L2_AGING_TIME),
-    {KXDPA_OP_NEXT_L2_ENTRY, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO, KX_MAC_SIZE,
-     sizeof(kx_l2_entry), 0, answer_next_entry, learn_next_entry},
+    answer{KXDPA_OP_NEXT_L2_ENTRY, KXDPA_FLAG_OUT | KXDPA_FLAG_IN | KXDPA_FLAG_TWO, KX_MAC_SIZE,
+           sizeof(kx_l2_entry), 0, answer_next_entry, learn_next_entry}
+        .of_walk(MOST_ADDRESSES),
     exchanged<kx_l2_slot_step>(KXDPA_OP_L2_SLOTS, answer_slot_step, learn_slot_step)
+        .of_walk(MOST_ADDRESSES)
         .told_alike(is_alike_step)
         .with(&answer::steps_by_reply, 1U),
     value<&host::l2, &l2_state::totals>(KXDPA_OP_L2_ENTRY_TOTALS),

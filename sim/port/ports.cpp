@@ -163,7 +163,7 @@ void learn_private_vlan(host &state, const exchange &told) {
 }
 
 constexpr answer PORT_ANSWERS[] = {
-    get<uint32_t>(KXDPA_OP_NEXT_LTL, answer_next_ltl, learn_next_ltl),
+    get<uint32_t>(KXDPA_OP_NEXT_LTL, answer_next_ltl, learn_next_ltl).of_walk(MOST_PORTS),
     get<kx_port_record>(KXDPA_OP_PORT_RECORD, answer_port, learn_port),
     get_variable(KXDPA_OP_PORT_MAC, sizeof(mac_address), answer_member<&port::mac>,
                  learn_member<&port::mac>),

@@ -194,8 +194,8 @@ void prove_by_keys(const std::string &name, const host &original) {
     live_host live(name, original);
     std::set<std::string> keys;
     live.simulated.asked = [&](const answer &form) {
-        if (const auto place = key_place(form))
-            keys.insert(HOST_KEYS.keys[*place].name);
+        if (form.key != nullptr)
+            keys.insert(form.key);
     };
     struct shown {
         display_line line;
