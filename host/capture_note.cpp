@@ -15,8 +15,8 @@ constexpr key_table REFUSED_KEYS = {"refused_opcode", "Requests that were refuse
                                     make_object<refused_opcode>};
 
 constexpr key CAPTURE_ROWS[] = {
-    text_key("version", at<&capture_note::version>, LONGEST_NOTE, "of the program").written(),
-    text_key("time", at<&capture_note::time>, LONGEST_NOTE, "when it began, in UTC").written(),
+    text_key("version", at<&capture_note::version>, "of the program").to(LONGEST_NOTE).written(),
+    text_key("time", at<&capture_note::time>, "when it began, in UTC").to(LONGEST_NOTE).written(),
     texts_key("keys", at<&capture_note::keys>, "the keys that were asked for").or_else("all"),
     flag_key("whole", at<&capture_note::whole>, "nothing was cut").written(),
     texts_key("cut", at<&capture_note::cut>, "what was cut").or_else("nothing"),

@@ -56,11 +56,12 @@ constexpr key_table MACS = {"card_macs", "The card's MAC addresses", MAC_KEYS,
                             make_object<card_macs>};
 
 constexpr key VERSION_KEYS[] = {
-    text_key("hmx", at<&card_versions::hmx>, LONGEST_TEXT, "version of the HMX"),
-    text_key("krt", at<&card_versions::krt>, LONGEST_TEXT, "version of the KRT"),
-    text_key("system", at<&card_versions::system>, LONGEST_TEXT, "version of the hypervisor"),
-    text_key("opflex_sdk", at<&card_versions::opflex_sdk>, LONGEST_TEXT,
-             "version of the OpFlex SDK, shown in leaf mode"),
+    text_key("hmx", at<&card_versions::hmx>, "version of the HMX").to(LONGEST_TEXT),
+    text_key("krt", at<&card_versions::krt>, "version of the KRT").to(LONGEST_TEXT),
+    text_key("system", at<&card_versions::system>, "version of the hypervisor").to(LONGEST_TEXT),
+    text_key("opflex_sdk", at<&card_versions::opflex_sdk>,
+             "version of the OpFlex SDK, shown in leaf mode")
+        .to(LONGEST_TEXT),
     number_key("update_level", at<&card_versions::update_level>, "the hypervisor's update level"),
     number_key("word", at<&card_versions::word>,
                "eight bytes that \"show version\" reads and writes back"),
@@ -70,15 +71,15 @@ constexpr key_table VERSIONS = {"card_versions", "The versions on the card", VER
                                 make_object<card_versions>};
 
 constexpr key KEYS[] = {
-    text_key("name", at<&card_state::name>, LONGEST_TEXT, "the host's name on the switch"),
-    text_key("uuid", at<&card_state::uuid>, LONGEST_TEXT, "the host's UUID"),
+    text_key("name", at<&card_state::name>, "the host's name on the switch").to(LONGEST_TEXT),
+    text_key("uuid", at<&card_state::uuid>, "the host's UUID").to(LONGEST_TEXT),
     number_key("uuid_type", at<&card_state::uuid_type>,
                "the kind of UUID; where the driver puts it, behind the room for the text, is an "
                "assumption, and null is a driver that puts nothing there"),
-    text_key("switch_name", at<&card_state::switch_name>, LONGEST_TEXT, "the switch's name"),
-    text_key("switch_alias", at<&card_state::switch_alias>, LONGEST_TEXT,
-             "the switch's name on the host"),
-    text_key("switch_uuid", at<&card_state::switch_uuid>, LONGEST_TEXT, "the switch's UUID"),
+    text_key("switch_name", at<&card_state::switch_name>, "the switch's name").to(LONGEST_TEXT),
+    text_key("switch_alias", at<&card_state::switch_alias>, "the switch's name on the host")
+        .to(LONGEST_TEXT),
+    text_key("switch_uuid", at<&card_state::switch_uuid>, "the switch's UUID").to(LONGEST_TEXT),
     number_key("domain", at<&card_state::domain>, "the switch's domain number"),
     number_key("slot", at<&card_state::slot>, "the host's module number on the switch"),
     flag_key("version_mismatch", at<&card_state::version_mismatch>,

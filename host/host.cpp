@@ -63,8 +63,9 @@ constexpr key HOST_ROWS[] = {
         .or_else("refused"),
     object_key("agent", part<&host::agent>, AGENT_KEYS, "the user-space agent")
         .or_else("none runs"),
-    text_key("management_address", at<&host::management_address>, LONGEST_ADDRESS,
+    text_key("management_address", at<&host::management_address>,
              "what the host's own program tells; empty for no output")
+        .to(LONGEST_ADDRESS)
         .or_else("no such program"),
     list_key("overrides", items_of<&host::overrides>, OVERRIDE_KEYS,
              "answers to replace; the first that fits a request is given"),

@@ -5,7 +5,7 @@
 namespace {
 
 constexpr key HEAP_ROWS[] = {
-    text_key("name", at<&kx_heap_record::name>, 0, "the heap's name").once(),
+    text_key("name", at<&kx_heap_record::name>, "the heap's name").once(),
     number_key("objects", at<&kx_heap_record::objects>, "allocated"),
     number_key("bytes", at<&kx_heap_record::bytes>, "allocated").in("bytes"),
     number_key("denied", at<&kx_heap_record::denied>, "allocations denied"),
@@ -21,7 +21,7 @@ constexpr key HEAP_ROWS[] = {
 };
 
 constexpr key POOL_ROWS[] = {
-    text_key("name", at<&kx_memory_pool_record::name>, 0, "the pool's name").once(),
+    text_key("name", at<&kx_memory_pool_record::name>, "the pool's name").once(),
     number_key("object_size", at<&kx_memory_pool_record::object_size>, "size of an object")
         .in("bytes"),
     number_key("pages", at<&kx_memory_pool_record::pages>, "pages in use"),

@@ -17,16 +17,11 @@ constexpr key_word ROLES[] = {{"none", KX_PVLAN_NONE},
 template <auto member> constexpr key_access IN_PAIR = at<&pair_entry::value, member>;
 
 // The VLAN is part of the key that the entry is kept under.
-bool set_vlan(void *object, const key_value &value) {
-    auto *made = static_cast<pair_entry *>(object);
-    made->value.vlan = static_cast<uint16_t>(value.number);
-    made->key.second = made->value.vlan;
-    return true;
-}
-
-constexpr key_access VLAN = {.get = at<&pair_entry::key, &private_vlan_table::key_type::second>.get,
-                             .set = set_vlan,
-                             .most = UINT16_MAX};
+constexpr key_access VLAN = computed<[](const pair_entry &entry) { return entry.key.second; },
+                                     [](pair_entry &entry, uint32_t vlan) {
+                                         entry.key.second = vlan;
+                                         entry.value.vlan = static_cast<uint16_t>(vlan);
+                                     }>;
 
 constexpr key PRIVATE_VLAN_ROWS[] = {
     number_key("ltl", at<&pair_entry::key, &private_vlan_table::key_type::first>, "the port")
