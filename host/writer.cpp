@@ -9,6 +9,18 @@
 
 namespace {
 
+constexpr size_t INDENT = 2;
+
+// A JSON object or list that is being appended to a text, each of its items on a line of its own.
+struct json_lines {
+    size_t start;  // of the text behind the bracket
+    size_t indent; // of the items, in blanks
+
+    bool is_empty(const std::string &json) const {
+        return json.size() == start;
+    }
+};
+
 // The writer goes along the rows as the reader will, and keeps beside the object what the reader
 // would have by then. What follows from the keys before is so never written twice. Everything is
 // appended to the one text, and what turns out to say nothing is cut off again.
@@ -33,8 +45,25 @@ struct writing {
         unsaid.push_back(path);
         path.resize(outside);
     }
+
+    // `indent` is that of the line with the bracket.
+    json_lines open_lines(char bracket, size_t indent) {
+        text += bracket;
+        return {text.size(), indent + INDENT};
+    }
+    void begin_line(const json_lines &lines) {
+        text += lines.is_empty(text) ? "\n" : ",\n";
+        text.append(lines.indent, ' ');
+    }
+    void close_lines(char bracket, const json_lines &lines) {
+        if (!lines.is_empty(text)) {
+            text += '\n';
+            text.append(lines.indent - INDENT, ' ');
+        }
+        text += bracket;
+    }
     void begin_member(const json_lines &members, std::string_view name) {
-        begin_line(text, members);
+        begin_line(members);
         append_quoted(text, name);
         text += ": ";
     }
@@ -101,12 +130,12 @@ bool writing::part(const json_lines &members, const key &row, const void *object
     const size_t outside = enter(row.name);
     const bool differences_outside = std::exchange(differences, expected);
     begin_member(members, row.name);
-    const json_lines inner = open_lines(text, '{', members.indent);
+    const json_lines inner = open_lines('{', members.indent);
     const bool readable = rows(inner, *row.table, said, row.access.open(so_far));
     if (inner.is_empty(text) && expected) {
         text.resize(before);
     } else {
-        close_lines(text, '}', inner);
+        close_lines('}', inner);
     }
     path.resize(outside);
     differences = differences_outside;
@@ -120,7 +149,7 @@ void writing::list(const json_lines &members, const key &row, const void *object
     const bool differences_outside = std::exchange(differences, false);
     begin_member(members, row.name);
     const size_t value_start = text.size();
-    const json_lines items = open_lines(text, '[', members.indent);
+    const json_lines items = open_lines('[', members.indent);
     size_t place = 0;
     const bool there = row.access.each(object, [&](const void *item) {
         path += '[';
@@ -128,7 +157,7 @@ void writing::list(const json_lines &members, const key &row, const void *object
         path += ']';
         const std::shared_ptr<void> so_far = row.table->make(place++);
         const size_t before_item = text.size();
-        begin_line(text, items);
+        begin_line(items);
         if (!this->object(*row.table, item, so_far.get(), items.indent) || place > row.items) {
             text.resize(before_item);
         }
@@ -140,7 +169,7 @@ void writing::list(const json_lines &members, const key &row, const void *object
     } else if (!there || (items.is_empty(text) && !options.full)) {
         text.resize(before);
     } else {
-        close_lines(text, ']', items);
+        close_lines(']', items);
     }
     path.resize(outside);
     differences = differences_outside;
@@ -180,9 +209,9 @@ bool writing::rows(const json_lines &members, const key_table &table, const void
 }
 
 bool writing::object(const key_table &table, const void *object, void *so_far, size_t indent) {
-    const json_lines members = open_lines(text, '{', indent);
+    const json_lines members = open_lines('{', indent);
     const bool readable = rows(members, table, object, so_far);
-    close_lines(text, '}', members);
+    close_lines('}', members);
     return readable;
 }
 
