@@ -1,7 +1,6 @@
-#include "host/bridge_domain.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
-#include "host/port.h"
 
 namespace {
 

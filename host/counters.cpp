@@ -1,5 +1,5 @@
-#include "host/counters.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 namespace {

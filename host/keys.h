@@ -23,7 +23,5 @@ extern const key_table DROP_KEYS;          // keyed<drop_table>
 extern const key_table STAGE_DROP_KEYS;    // kx_drop_counters
 extern const key_table STAGE_KEYS;         // kx_stage_descriptor
 extern const key_table AGENT_KEYS;         // agent_description
-extern const key_table OVERRIDE_KEYS;      // override_rule
-extern const key_table CAPTURE_KEYS;       // capture_note
 
 #endif

@@ -1,5 +1,5 @@
-#include "host/l2.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 namespace {

@@ -1,5 +1,5 @@
-#include "host/port_channel.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 #include <algorithm>
