@@ -6,7 +6,7 @@
 #ifndef HOST_ACCESS_H
 #define HOST_ACCESS_H
 
-#include "host/key.h"
+#include "host/keys.h"
 #include "host/number_set.h"
 
 #include <algorithm>
@@ -25,8 +25,6 @@ template <typename map> struct keyed {
     typename map::key_type key{};
     typename map::mapped_type value{};
 };
-
-namespace access_detail {
 
 template <typename T> inline constexpr bool IS_OPTIONAL = false;
 template <typename T> inline constexpr bool IS_OPTIONAL<std::optional<T>> = true;
@@ -175,32 +173,28 @@ template <typename T> constexpr uint64_t most_of() {
     }
 }
 
-} // namespace access_detail
-
 // A value.
 template <auto... path>
 constexpr key_access at = {
     .get = [](const void *object) -> key_value {
-        const auto *field = access_detail::along<path...>(object);
-        return field == nullptr ? key_value{.is = key_value::state::out_of_place}
-                                : access_detail::say(*field);
+        const auto *field = along<path...>(object);
+        return field == nullptr ? key_value{.is = key_value::state::out_of_place} : say(*field);
     },
     .set = [](void *object, const key_value &value) -> bool {
-        auto *field = access_detail::along<path...>(object);
+        auto *field = along<path...>(object);
         if (field != nullptr) {
-            access_detail::assign(*field, value);
+            assign(*field, value);
         }
         return field != nullptr;
     },
     .same = [](const void *object, const void *other) -> bool {
-        const auto *field = access_detail::along<path...>(object);
-        const auto *other_field = access_detail::along<path...>(other);
-        return field == nullptr ||
-               (other_field != nullptr && access_detail::is_same(*field, *other_field));
+        const auto *field = along<path...>(object);
+        const auto *other_field = along<path...>(other);
+        return field == nullptr || (other_field != nullptr && is_same(*field, *other_field));
     },
-    .most = access_detail::most_of<access_detail::end_of<path...>>(),
-    .can_lack = access_detail::IS_OPTIONAL<access_detail::end_of<path...>>,
-    .in_order = std::is_array_v<access_detail::end_of<path...>>,
+    .most = most_of<end_of<path...>>(),
+    .can_lack = IS_OPTIONAL<end_of<path...>>,
+    .in_order = std::is_array_v<end_of<path...>>,
 };
 
 // The first member of an optional record that the driver tells as a whole or not at all: refusing
@@ -208,15 +202,15 @@ constexpr key_access at = {
 template <auto member, auto... path>
 constexpr key_access head_of = {
     .get = [](const void *object) -> key_value {
-        const auto *record = access_detail::look_along<path...>(object);
+        const auto *record = look_along<path...>(object);
         return record == nullptr ? key_value{.is = key_value::state::refused}
-                                 : access_detail::say(record->*member);
+                                 : say(record->*member);
     },
     .set = [](void *object, const key_value &value) -> bool {
         if (value.is == key_value::state::refused) {
-            access_detail::drop_along<path...>(object);
+            drop_along<path...>(object);
         } else {
-            access_detail::assign(access_detail::open_along<path...>(object)->*member, value);
+            assign(open_along<path...>(object)->*member, value);
         }
         return true;
     },
@@ -228,42 +222,41 @@ constexpr key_access head_of = {
 template <auto get, auto set>
 constexpr key_access computed = {
     .get = [](const void *object) -> key_value {
-        using owner = decltype(access_detail::owner_of(+get));
-        return access_detail::say(get(*static_cast<const owner *>(object)));
+        using owner = decltype(owner_of(+get));
+        return say(get(*static_cast<const owner *>(object)));
     },
     .set = [](void *object, const key_value &value) -> bool {
-        decltype(access_detail::field_of(+get)) field{};
-        access_detail::assign(field, value);
-        set(*static_cast<decltype(access_detail::owner_of(+get)) *>(object), field);
+        using owner = decltype(owner_of(+get));
+        decltype(field_of(+get)) field{};
+        assign(field, value);
+        set(*static_cast<owner *>(object), field);
         return true;
     },
     .same = [](const void *object, const void *other) -> bool {
-        using owner = decltype(access_detail::owner_of(+get));
+        using owner = decltype(owner_of(+get));
         return get(*static_cast<const owner *>(object)) == get(*static_cast<const owner *>(other));
     },
-    .most = access_detail::most_of<decltype(access_detail::field_of(+get))>(),
-    .can_lack = access_detail::IS_OPTIONAL<decltype(access_detail::field_of(+get))>,
+    .most = most_of<decltype(field_of(+get))>(),
+    .can_lack = IS_OPTIONAL<decltype(field_of(+get))>,
 };
 
 // An object in the object.
 template <auto... path>
 constexpr key_access part = {
-    .can_lack = access_detail::IS_OPTIONAL<access_detail::end_of<path...>>,
-    .look = [](const void *object) -> const void * {
-        return access_detail::look_along<path...>(object);
-    },
-    .open = [](void *object) -> void * { return access_detail::open_along<path...>(object); },
-    .drop = access_detail::drop_along<path...>,
+    .can_lack = IS_OPTIONAL<end_of<path...>>,
+    .look = [](const void *object) -> const void * { return look_along<path...>(object); },
+    .open = [](void *object) -> void * { return open_along<path...>(object); },
+    .drop = drop_along<path...>,
 };
 
 // The items of a vector, of an optional one, or of a map, whose items are `keyed`.
 template <auto... path>
 constexpr key_access items_of = {
     .most = std::numeric_limits<uint32_t>::max(),
-    .can_lack = access_detail::IS_OPTIONAL<access_detail::end_of<path...>>,
-    .drop = access_detail::drop_along<path...>,
+    .can_lack = IS_OPTIONAL<end_of<path...>>,
+    .drop = drop_along<path...>,
     .each = [](const void *object, const std::function<void(const void *)> &visit) -> bool {
-        const auto *list = access_detail::look_along<path...>(object);
+        const auto *list = look_along<path...>(object);
         if (list == nullptr) {
             return false;
         }
@@ -274,9 +267,9 @@ constexpr key_access items_of = {
         return true;
     },
     .append = [](void *object, void *item) -> void {
-        auto *list = access_detail::open_along<path...>(object);
+        auto *list = open_along<path...>(object);
         using container = std::remove_pointer_t<decltype(list)>;
-        if constexpr (access_detail::IS_MAP<container>) {
+        if constexpr (IS_MAP<container>) {
             static_assert(sizeof(keyed<container>) == sizeof(typename container::value_type));
             auto *entry = static_cast<keyed<container> *>(item);
             list->emplace(std::move(entry->key), std::move(entry->value));

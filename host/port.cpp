@@ -111,6 +111,9 @@ constexpr key VIEW_ROWS[] = {
              "in leaf mode, what it waits for"),
 };
 
+constexpr key_table PORT_VIEW_KEYS = {"port_view", "A view of a port", VIEW_ROWS,
+                                      make_object<port_view>};
+
 // What the other views do not say for themselves is as in the HMX's.
 template <kx_port_view view>
 constexpr key_access VIEW = {
@@ -170,9 +173,6 @@ constexpr key PRIVATE_VLAN_ROWS[] = {
 };
 
 } // namespace
-
-constinit const key_table PORT_VIEW_KEYS = {"port_view", "A view of a port", VIEW_ROWS,
-                                            make_object<port_view>};
 
 constinit const key_table PORT_KEYS = {"port", "A port", PORT_ROWS, make_object<port_entry>};
 

@@ -3,7 +3,7 @@
 #define HOST_READER_H
 
 #include "host/json_tree.h"
-#include "host/key.h"
+#include "host/keys.h"
 
 #include <vector>
 

@@ -2,6 +2,7 @@
 
 #include "host/hex.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -42,6 +43,16 @@ character first_character(std::string_view text) {
                                                                 : character{length, code};
 }
 
+// Visit the characters with their bytes, a byte that begins none by itself.
+template <typename Visit> void each_character(std::string_view text, Visit visit) {
+    while (!text.empty()) {
+        const character first = first_character(text);
+        const size_t taken = std::max<size_t>(first.length, 1);
+        visit(first, text.substr(0, taken));
+        text.remove_prefix(taken);
+    }
+}
+
 bool is_stand_in(uint32_t code) {
     return code >= FIRST_STAND_IN && code <= LAST_STAND_IN;
 }
@@ -57,33 +68,27 @@ void append_stand_in(std::string &text, uint8_t byte) {
 
 std::string bytes_to_utf8(std::string_view bytes) {
     std::string text;
-    while (!bytes.empty()) {
-        const character first = first_character(bytes);
-        const size_t taken = first.length == 0 ? 1 : first.length;
-        if (first.length == 0 || is_stand_in(first.code)) {
-            for (const char byte : bytes.substr(0, taken)) {
-                append_stand_in(text, static_cast<uint8_t>(byte));
-            }
-        } else {
-            text += bytes.substr(0, taken);
+    each_character(bytes, [&](const character &read, std::string_view piece) {
+        if (read.length != 0 && !is_stand_in(read.code)) {
+            text += piece;
+            return;
         }
-        bytes.remove_prefix(taken);
-    }
+        for (const char byte : piece) {
+            append_stand_in(text, static_cast<uint8_t>(byte));
+        }
+    });
     return text;
 }
 
 std::string bytes_from_utf8(std::string_view text) {
     std::string bytes;
-    while (!text.empty()) {
-        const character first = first_character(text);
-        const size_t taken = first.length == 0 ? 1 : first.length;
-        if (is_stand_in(first.code)) {
-            bytes += static_cast<char>(first.code - BYTE_BASE);
+    each_character(text, [&](const character &read, std::string_view piece) {
+        if (is_stand_in(read.code)) {
+            bytes += static_cast<char>(read.code - BYTE_BASE);
         } else {
-            bytes += text.substr(0, taken);
+            bytes += piece;
         }
-        text.remove_prefix(taken);
-    }
+    });
     return bytes;
 }
 

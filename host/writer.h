@@ -2,7 +2,7 @@
 #ifndef HOST_WRITER_H
 #define HOST_WRITER_H
 
-#include "host/key.h"
+#include "host/keys.h"
 
 #include <set>
 #include <string>

@@ -2,7 +2,7 @@
 #ifndef HOST_REFERENCE_REFERENCE_H
 #define HOST_REFERENCE_REFERENCE_H
 
-#include "host/key.h"
+#include "host/keys.h"
 
 #include <span>
 #include <string>
