@@ -18,27 +18,33 @@ template <auto member>
 constexpr key_access IN_DOMAIN = at<&domain_entry::value, &bridge_domain::record, member>;
 
 // The record names itself, too.
-constexpr key_access INDEX = computed<[](const domain_entry &entry) { return entry.key; },
-                                      [](domain_entry &entry, uint32_t index) {
-                                          entry.key = entry.value.record.index = index;
-                                      }>;
+void set_index(domain_entry &entry, uint32_t index) {
+    entry.key = entry.value.record.index = index;
+}
 
 // The software number follows the VLAN, unless it is given, too.
-constexpr key_access DOMAIN_VLAN =
-    computed<[](const domain_entry &entry) { return entry.value.record.vlan; },
-             [](domain_entry &entry, uint16_t vlan) {
-                 entry.value.record.swbd = entry.value.record.vlan = vlan;
-             }>;
+void set_vlan(domain_entry &entry, uint16_t vlan) {
+    entry.value.record.swbd = entry.value.record.vlan = vlan;
+}
 
-constexpr key_access SEGMENT = computed<[](const domain_entry &entry) {
+std::optional<uint32_t> segment_of(const domain_entry &entry) {
     const kx_bd_record &record = entry.value.record;
     const bool is_segment = record.kind == KX_BD_KIND_SEGMENT || record.segment_id != 0;
     return is_segment ? std::optional(record.segment_id) : std::nullopt;
-},
-                                        [](domain_entry &entry, std::optional<uint32_t> segment) {
-                                            entry.value.record.segment_id = *segment;
-                                            entry.value.record.kind = KX_BD_KIND_SEGMENT;
-                                        }>;
+}
+
+void set_segment(domain_entry &entry, std::optional<uint32_t> segment) {
+    entry.value.record.segment_id = *segment;
+    entry.value.record.kind = KX_BD_KIND_SEGMENT;
+}
+
+constexpr key_access INDEX =
+    computed<[](const domain_entry &entry) { return entry.key; }, set_index>;
+
+constexpr key_access DOMAIN_VLAN =
+    computed<[](const domain_entry &entry) { return entry.value.record.vlan; }, set_vlan>;
+
+constexpr key_access SEGMENT = computed<segment_of, set_segment>;
 
 constexpr key_access GROUP = computed<[](const uint32_t &group) { return group; },
                                       [](uint32_t &group, uint32_t given) { group = given; }>;

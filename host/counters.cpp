@@ -7,15 +7,19 @@ namespace {
 using traffic = keyed<traffic_table>;
 using drops = keyed<drop_table>;
 
-template <typename entry>
-constexpr key_access KNOWN = computed<[](const entry &of) { return of.value.has_value(); },
-                                      [](entry &of, bool known) {
-                                          if (!known) {
-                                              of.value.reset();
-                                          } else if (!of.value) {
-                                              of.value.emplace();
-                                          }
-                                      }>;
+template <typename entry> bool is_known(const entry &of) {
+    return of.value.has_value();
+}
+
+template <typename entry> void set_known(entry &of, bool known) {
+    if (!known) {
+        of.value.reset();
+    } else if (!of.value) {
+        of.value.emplace();
+    }
+}
+
+template <typename entry> constexpr key_access KNOWN = computed<is_known<entry>, set_known<entry>>;
 
 template <auto member> constexpr key_access OF_TRAFFIC = at<&traffic::value, member>;
 

@@ -6,13 +6,14 @@ namespace {
 
 using table_entry = keyed<decltype(l2_state::tables)>;
 
-constexpr key_access PVLAN = computed<[](const kx_l2_entry &entry) {
+std::optional<uint32_t> pvlan_of(const kx_l2_entry &entry) {
     return (entry.flags & KX_L2_PVLAN) != 0 ? std::optional(entry.pvlan) : std::nullopt;
-},
-                                      [](kx_l2_entry &entry, std::optional<uint32_t> vlan) {
-                                          entry.flags |= KX_L2_PVLAN;
-                                          entry.pvlan = *vlan;
-                                      }>;
+}
+
+void set_pvlan(kx_l2_entry &entry, std::optional<uint32_t> vlan) {
+    entry.flags |= KX_L2_PVLAN;
+    entry.pvlan = *vlan;
+}
 
 constexpr key_access AGE =
     computed<[](const kx_l2_entry &entry) { return entry.now - entry.seen_time; },
@@ -33,7 +34,9 @@ constexpr key ENTRY_ROWS[] = {
     flag_key("secure", FLAG<KX_L2_SECURE>, "learnt securely"),
     flag_key("drop", FLAG<KX_L2_DROP>, "what it sends is dropped"),
     flag_key("software", FLAG<KX_L2_SOFTWARE>, "installed by software"),
-    number_key("pvlan", PVLAN, "private VLAN that it was learnt on").or_else("none").in("VLAN"),
+    number_key("pvlan", computed<pvlan_of, set_pvlan>, "private VLAN that it was learnt on")
+        .or_else("none")
+        .in("VLAN"),
     number_key("dsn", at<&kx_l2_entry::dsn>, "sequence number of a segment's entry"),
     ipv4_key("remote_ip", at<&kx_l2_entry::remote_ip>, "remote tunnel endpoint"),
     number_key("slot", at<&kx_l2_entry::slot>, "slot of an entry that software installed"),

@@ -1,4 +1,4 @@
-#include "host/reader.h"
+#include "host/objects.h"
 
 #include "host/value.h"
 

@@ -42,12 +42,9 @@ bool in_range(const key &row, uint64_t number) {
 
 // A number of the row's range; its words are not looked at.
 std::string read_one(const key &row, const json_value &given, uint64_t &number) {
-    std::optional<uint64_t> found;
-    if (given.type == json_value::kind::number) {
-        found = given.number;
-    } else if (given.type == json_value::kind::text) {
-        found = number_in(given.text);
-    }
+    const std::optional<uint64_t> found = given.type == json_value::kind::number
+                                              ? std::optional(given.number)
+                                              : number_in(given.text);
     if (!found || !in_range(row, *found)) {
         return "expected a number from " + range_of(row);
     }
@@ -97,16 +94,13 @@ std::string read_word(const key &row, const json_value &given, key_value &value)
         return read_number(row, given, value);
     }
     for (const key_word &word : row.words) {
-        if (given.type == json_value::kind::text && given.text == word.name) {
+        if (given.text == word.name) {
             value.number = word.number;
             return "";
         }
     }
     // Where people use a number and a word for none, the number may be a text as well.
-    if (given.type == json_value::kind::text && read_number(row, given, value).empty()) {
-        return "";
-    }
-    return words_expected(row);
+    return read_number(row, given, value).empty() ? "" : words_expected(row);
 }
 
 std::string read_words(const key &row, const json_value &given, key_value &value) {
@@ -235,10 +229,7 @@ std::vector<uint32_t> match(std::string_view text, std::string_view pattern) {
 }
 
 std::string read_mac(const key &, const json_value &given, key_value &value) {
-    std::vector<uint32_t> parts;
-    if (given.type == json_value::kind::text) {
-        parts = match(given.text, "@:@:@:@:@:@");
-    }
+    const std::vector<uint32_t> parts = match(given.text, "@:@:@:@:@:@");
     if (parts.size() != MAC_BYTES || *std::max_element(parts.begin(), parts.end()) > UINT8_MAX) {
         return "expected a MAC address such as \"00:50:56:aa:bb:cc\"";
     }
@@ -258,9 +249,7 @@ void append_mac(std::string &text, const key &, const key_value &value) {
 
 template <int family>
 std::string read_address(const json_value &given, void *address, const char *expected) {
-    const bool right =
-        given.type == json_value::kind::text && inet_pton(family, given.text.c_str(), address) == 1;
-    return right ? "" : expected;
+    return inet_pton(family, given.text.c_str(), address) == 1 ? "" : expected;
 }
 
 std::string read_ipv4(const key &, const json_value &given, key_value &value) {

@@ -1,4 +1,4 @@
-#include "host/writer.h"
+#include "host/objects.h"
 
 #include "host/text.h"
 #include "host/value.h"
