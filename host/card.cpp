@@ -4,6 +4,9 @@
 
 #include "dpa/userspace/kxdpa_opcodes.h"
 
+#include <array>
+#include <iterator>
+
 namespace {
 
 constexpr uint64_t LONGEST_TEXT = KX_CARD_NAME_CAPACITY; // bytes; other texts are cut by the driver
@@ -13,29 +16,15 @@ constexpr key_word TUNNEL_MODES[] = {{"l2", 0}, {"l3", KX_TUNNEL_MODE_L3}};
 constexpr key_word UPGRADE_STATES[] = {
     {"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}};
 
-constexpr key_word LOAD_BALANCING[] = {
-    {"unknown", 0},
-    {"destination-mac", 1},
-    {"source-mac", 2},
-    {"source-dest-mac", 3},
-    {"destination-ip-vlan", 4},
-    {"source-ip-vlan", 5},
-    {"source-dest-ip-vlan", 6},
-    {"destination-port", 7},
-    {"source-port", 8},
-    {"source-dest-port", 9},
-    {"dest-ip-port", 10},
-    {"source-ip-port", 11},
-    {"source-dest-ip-port", 12},
-    {"dest-ip-port-vlan", 13},
-    {"source-ip-port-vlan", 14},
-    {"source-dest-ip-port-vlan", 15},
-    {"destination-ip", 16},
-    {"source-ip", 17},
-    {"source-dest-ip", 18},
-    {"vlan-only", 19},
-    {"source-virtual-port-id", 20},
-};
+// The words that are printed, but for the first.
+constexpr auto LOAD_BALANCING = [] {
+    std::array<key_word, std::size(KX_LOAD_BALANCING)> words{};
+    for (uint32_t number = 0; number < words.size(); number++) {
+        words[number] = {KX_LOAD_BALANCING[number], number};
+    }
+    words[0].name = "unknown";
+    return words;
+}();
 
 constexpr key MAC_KEYS[] = {
     mac_key("control", at<&card_macs::control>, "of the HMX for control traffic"),
