@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-// What the values of each type are like stands in value.h, a row a type.
+// How the values of each type are read and written stands in value.cpp, a row a type.
 enum class key_type {
     number,    // a number, or a text with one in C notation
     flag,      // true or false; a driver may say more than 1, which stays a number

@@ -40,12 +40,14 @@ constexpr key_word SECURE_LEARNING[] = {{"ages-absolute", KX_SECURE_AGES_ABSOLUT
 template <auto member> constexpr key_access IN_RECORD = at<&port_view::record, member>;
 
 // Whatever a driver says beside "up" is shown as down.
+template <auto member> uint8_t up_or_down(const port_view &view) {
+    return view.record.*member == KX_PORT_UP ? KX_PORT_UP : uint8_t{0};
+}
+
 template <auto member>
-constexpr key_access UP =
-    computed<[](const port_view &view) {
-        return view.record.*member == KX_PORT_UP ? KX_PORT_UP : uint8_t{0};
-    },
-             [](port_view &view, uint8_t state) { view.record.*member = state; }>;
+constexpr key_access UP = computed<up_or_down<member>, [](port_view &view, uint8_t state) {
+    view.record.*member = state;
+}>;
 
 constexpr key_access INTERFACE_NAME = {
     .get = [](const void *object) -> key_value {
