@@ -19,8 +19,13 @@ struct reading {
     std::unordered_map<std::string_view, const json_value *> left{}; // keys that no row has taken
 
     const json_value *take(std::string_view name) {
-        const auto found = left.extract(name);
-        return found.empty() ? nullptr : found.mapped();
+        const auto found = left.find(name);
+        if (found == left.end()) {
+            return nullptr;
+        }
+        const json_value *value = found->second;
+        left.erase(found);
+        return value;
     }
 
     std::string path_of(std::string_view name) const {
