@@ -17,9 +17,17 @@ constexpr key_word SEGMENT_FEATURES[] = {{"mac-distribution", KX_SEGMENT_MAC_DIS
 template <auto member>
 constexpr key_access IN_DOMAIN = at<&domain_entry::value, &bridge_domain::record, member>;
 
+uint32_t index_of(const domain_entry &entry) {
+    return entry.key;
+}
+
 // The record names itself, too.
 void set_index(domain_entry &entry, uint32_t index) {
     entry.key = entry.value.record.index = index;
+}
+
+uint16_t vlan_of(const domain_entry &entry) {
+    return entry.value.record.vlan;
 }
 
 // The software number follows the VLAN, unless it is given, too.
@@ -38,12 +46,8 @@ void set_segment(domain_entry &entry, std::optional<uint32_t> segment) {
     entry.value.record.kind = KX_BD_KIND_SEGMENT;
 }
 
-constexpr key_access INDEX =
-    computed<[](const domain_entry &entry) { return entry.key; }, set_index>;
-
-constexpr key_access DOMAIN_VLAN =
-    computed<[](const domain_entry &entry) { return entry.value.record.vlan; }, set_vlan>;
-
+constexpr key_access INDEX = computed<index_of, set_index>;
+constexpr key_access DOMAIN_VLAN = computed<vlan_of, set_vlan>;
 constexpr key_access SEGMENT = computed<segment_of, set_segment>;
 
 constexpr key_access GROUP = computed<[](const uint32_t &group) { return group; },

@@ -19,7 +19,7 @@ constexpr key_word UPGRADE_STATES[] = {
 // The words that are printed, but for the first.
 constexpr auto LOAD_BALANCING = [] {
     std::array<key_word, std::size(KX_LOAD_BALANCING)> words{};
-    for (uint32_t number = 0; number < words.size(); number++) {
+    for (uint32_t number = 0; number != words.size(); number++) {
         words[number] = {KX_LOAD_BALANCING[number], number};
     }
     words[0].name = "unknown";

@@ -45,7 +45,7 @@ constexpr const char *TYPE_NAMES[] = {"number",       "flag",         "word",   
 
 // What the key takes.
 std::string takes(const key &row) {
-    const std::string most = row.items < UINT32_MAX ? "at most " + std::to_string(row.items) : "";
+    std::string most = row.items < UINT32_MAX ? "at most " + std::to_string(row.items) : "";
     std::string words;
     switch (row.type) {
     case key_type::flag:
