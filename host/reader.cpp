@@ -84,6 +84,7 @@ struct reading {
 
     void take_items(const key &row, const json_value &value, void *object) {
         std::unordered_set<std::string> seen; // the unique keys of the items
+        seen.reserve(value.items.size());
         for (size_t place = 0; place < value.items.size(); place++) {
             const json_value &item = value.items[place];
             const std::string item_name = row.name + ("[" + std::to_string(place) + "]");
