@@ -1,5 +1,5 @@
-#include "host/acl.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 namespace {
@@ -14,7 +14,7 @@ template <auto member> constexpr key_access OF_LIST = at<&access_list::record, m
 constexpr key ACCESS_LIST_ROWS[] = {
     number_key("id", OF_LIST<&kx_acl_record::id>, "its number").must(),
     word_key("type", OF_LIST<&kx_acl_record::type>, TYPES, "what it looks at"),
-    text_key("name", OF_LIST<&kx_acl_record::name>, 0, "its name"),
+    text_key("name", OF_LIST<&kx_acl_record::name>, "its name"),
     number_key("references", OF_LIST<&kx_acl_record::references>, "policies that use it"),
     number_key("rules", OF_LIST<&kx_acl_record::rules>, "its rules"),
     word_key("statistics", OF_LIST<&kx_acl_record::statistics_state>, STATISTICS,

@@ -31,9 +31,9 @@ constexpr key_table ANSWER_KEYS = {"agent_answer", "An answer on the agent's soc
                                    make_object<agent_answer>};
 
 constexpr key COMMAND_ROWS[] = {
-    text_key("command", at<&agent_command::command>, LONGEST_COMMAND, "the whole line").must(),
-    text_key("output", at<&agent_command::output>, LONGEST_OUTPUT,
-             "what it prints; the end marker follows"),
+    text_key("command", at<&agent_command::command>, "the whole line").to(LONGEST_COMMAND).must(),
+    text_key("output", at<&agent_command::output>, "what it prints; the end marker follows")
+        .to(LONGEST_OUTPUT),
     number_key("delay", at<&agent_command::delay>, "before the output").to(LONGEST_PAUSE).in("ms"),
     number_key("split_marker", at<&agent_command::split_marker>,
                "of the end marker come with the output; 0 for all")

@@ -1,7 +1,6 @@
-#include "host/bridge_domain.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
-#include "host/port.h"
 
 namespace {
 
@@ -15,50 +14,59 @@ constexpr key_word SEGMENT_MODES[] = {{"multicast", KX_SEGMENT_MULTICAST},
 constexpr key_word SEGMENT_FEATURES[] = {{"mac-distribution", KX_SEGMENT_MAC_DISTRIBUTION},
                                          {"local-arp-termination", KX_SEGMENT_LOCAL_ARP}};
 
-template <auto member> constexpr key_access IN_DOMAIN = at<&bridge_domain::record, member>;
+template <auto member>
+constexpr key_access IN_DOMAIN = at<&domain_entry::value, &bridge_domain::record, member>;
 
-kx_bd_record &record_of(void *object) {
-    return static_cast<bridge_domain *>(object)->record;
+uint32_t index_of(const domain_entry &entry) {
+    return entry.key;
+}
+
+// The record names itself, too.
+void set_index(domain_entry &entry, uint32_t index) {
+    entry.key = entry.value.record.index = index;
+}
+
+uint16_t vlan_of(const domain_entry &entry) {
+    return entry.value.record.vlan;
 }
 
 // The software number follows the VLAN, unless it is given, too.
-bool set_vlan_and_swbd(void *object, const key_value &value) {
-    record_of(object).swbd = record_of(object).vlan = static_cast<uint16_t>(value.number);
-    return true;
+void set_vlan(domain_entry &entry, uint16_t vlan) {
+    entry.value.record.swbd = entry.value.record.vlan = vlan;
 }
 
-constexpr key_access DOMAIN_VLAN = {
-    .get = IN_DOMAIN<&kx_bd_record::vlan>.get, .set = set_vlan_and_swbd, .most = KX_LAST_VLAN};
-
-key_value get_segment(const void *object) {
-    const kx_bd_record &record = static_cast<const bridge_domain *>(object)->record;
+std::optional<uint32_t> segment_of(const domain_entry &entry) {
+    const kx_bd_record &record = entry.value.record;
     const bool is_segment = record.kind == KX_BD_KIND_SEGMENT || record.segment_id != 0;
-    return {.is = is_segment ? key_value::state::told : key_value::state::refused,
-            .number = record.segment_id};
+    return is_segment ? std::optional(record.segment_id) : std::nullopt;
 }
 
-bool set_segment(void *object, const key_value &value) {
-    record_of(object).segment_id = static_cast<uint32_t>(value.number);
-    record_of(object).kind = KX_BD_KIND_SEGMENT;
-    return true;
+void set_segment(domain_entry &entry, std::optional<uint32_t> segment) {
+    entry.value.record.segment_id = *segment;
+    entry.value.record.kind = KX_BD_KIND_SEGMENT;
 }
 
-constexpr key_access SEGMENT = {
-    .get = get_segment, .set = set_segment, .most = UINT32_MAX, .can_lack = true};
+constexpr key_access INDEX = computed<index_of, set_index>;
+constexpr key_access DOMAIN_VLAN = computed<vlan_of, set_vlan>;
+constexpr key_access SEGMENT = computed<segment_of, set_segment>;
+
+constexpr key_access GROUP = computed<[](const uint32_t &group) { return group; },
+                                      [](uint32_t &group, uint32_t given) { group = given; }>;
 
 constexpr key GROUP_ROWS[] = {
-    ipv4_key("group", whole<uint32_t>, "the group's address").once(),
+    ipv4_key("group", GROUP, "the group's address").once(),
 };
 
 constexpr key_table GROUP_KEYS = {"multicast_group", "A multicast group", GROUP_ROWS,
                                   make_object<uint32_t>};
 
-constexpr key OWN_ROWS[] = {
-    flag_key("known", at<&bridge_domain::known>,
+constexpr key BRIDGE_DOMAIN_ROWS[] = {
+    number_key("index", INDEX, "the bridge domain's number").from(1).once().in("bridge domain"),
+    flag_key("known", at<&domain_entry::value, &bridge_domain::known>,
              "false for one that is listed but cannot be asked for"),
-    number_key("vlan", DOMAIN_VLAN, "the VLAN").in("VLAN"),
+    number_key("vlan", DOMAIN_VLAN, "the VLAN").to(KX_LAST_VLAN).in("VLAN"),
     number_key("vdc", IN_DOMAIN<&kx_bd_record::vdc>, "virtual device context of the VLAN"),
-    text_key("name", IN_DOMAIN<&kx_bd_record::name>, 0, "the bridge domain's name"),
+    text_key("name", IN_DOMAIN<&kx_bd_record::name>, "the bridge domain's name"),
     number_key("segment", SEGMENT, "segment ID; makes it a segment").or_else("none").in("segment"),
     word_key("kind", IN_DOMAIN<&kx_bd_record::kind>, KINDS, "what carries it")
         .or_else("`segment` where one is given, else `vlan`"),
@@ -81,26 +89,11 @@ constexpr key OWN_ROWS[] = {
     number_key("mac_dsn", IN_DOMAIN<&kx_bd_record::mac_dsn>, "sequence number of the MACs"),
     number_key("bgp_vtep_dsn", IN_DOMAIN<&kx_bd_record::bgp_vtep_dsn>,
                "sequence number of the VTEPs from BGP"),
-    numbers_key("members", at<&bridge_domain::members>, "its ports").to(LAST_LTL).in("LTL"),
-    list_key("multicast", items_of<&bridge_domain::groups>, GROUP_KEYS,
+    numbers_key("members", at<&domain_entry::value, &bridge_domain::members>, "its ports")
+        .to(LAST_LTL)
+        .in("LTL"),
+    list_key("multicast", items_of<&domain_entry::value, &bridge_domain::groups>, GROUP_KEYS,
              "IPv4 multicast groups of the VLAN, in the order of the walk"),
-};
-
-constexpr key_table OWN_KEYS = {"", "", OWN_ROWS, nullptr};
-
-// The record names itself, too.
-bool set_index(void *object, const key_value &value) {
-    auto *entry = static_cast<domain_entry *>(object);
-    entry->key = entry->value.record.index = static_cast<uint32_t>(value.number);
-    return true;
-}
-
-constexpr key_access INDEX = {
-    .get = at<&domain_entry::key>.get, .set = set_index, .most = UINT32_MAX};
-
-constexpr key BRIDGE_DOMAIN_ROWS[] = {
-    number_key("index", INDEX, "the bridge domain's number").from(1).once().in("bridge domain"),
-    included_keys(OWN_KEYS, part<&domain_entry::value>),
 };
 
 } // namespace

@@ -1,8 +1,11 @@
-#include "host/card.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 #include "dpa/userspace/kxdpa_opcodes.h"
+
+#include <array>
+#include <iterator>
 
 namespace {
 
@@ -13,29 +16,15 @@ constexpr key_word TUNNEL_MODES[] = {{"l2", 0}, {"l3", KX_TUNNEL_MODE_L3}};
 constexpr key_word UPGRADE_STATES[] = {
     {"default", 0}, {"started", 1}, {"completed", 2}, {"aborted", 3}};
 
-constexpr key_word LOAD_BALANCING[] = {
-    {"unknown", 0},
-    {"destination-mac", 1},
-    {"source-mac", 2},
-    {"source-dest-mac", 3},
-    {"destination-ip-vlan", 4},
-    {"source-ip-vlan", 5},
-    {"source-dest-ip-vlan", 6},
-    {"destination-port", 7},
-    {"source-port", 8},
-    {"source-dest-port", 9},
-    {"dest-ip-port", 10},
-    {"source-ip-port", 11},
-    {"source-dest-ip-port", 12},
-    {"dest-ip-port-vlan", 13},
-    {"source-ip-port-vlan", 14},
-    {"source-dest-ip-port-vlan", 15},
-    {"destination-ip", 16},
-    {"source-ip", 17},
-    {"source-dest-ip", 18},
-    {"vlan-only", 19},
-    {"source-virtual-port-id", 20},
-};
+// The words that are printed, but for the first.
+constexpr auto LOAD_BALANCING = [] {
+    std::array<key_word, std::size(KX_LOAD_BALANCING)> words{};
+    for (uint32_t number = 0; number != words.size(); number++) {
+        words[number] = {KX_LOAD_BALANCING[number], number};
+    }
+    words[0].name = "unknown";
+    return words;
+}();
 
 constexpr key MAC_KEYS[] = {
     mac_key("control", at<&card_macs::control>, "of the HMX for control traffic"),
@@ -56,11 +45,12 @@ constexpr key_table MACS = {"card_macs", "The card's MAC addresses", MAC_KEYS,
                             make_object<card_macs>};
 
 constexpr key VERSION_KEYS[] = {
-    text_key("hmx", at<&card_versions::hmx>, LONGEST_TEXT, "version of the HMX"),
-    text_key("krt", at<&card_versions::krt>, LONGEST_TEXT, "version of the KRT"),
-    text_key("system", at<&card_versions::system>, LONGEST_TEXT, "version of the hypervisor"),
-    text_key("opflex_sdk", at<&card_versions::opflex_sdk>, LONGEST_TEXT,
-             "version of the OpFlex SDK, shown in leaf mode"),
+    text_key("hmx", at<&card_versions::hmx>, "version of the HMX").to(LONGEST_TEXT),
+    text_key("krt", at<&card_versions::krt>, "version of the KRT").to(LONGEST_TEXT),
+    text_key("system", at<&card_versions::system>, "version of the hypervisor").to(LONGEST_TEXT),
+    text_key("opflex_sdk", at<&card_versions::opflex_sdk>,
+             "version of the OpFlex SDK, shown in leaf mode")
+        .to(LONGEST_TEXT),
     number_key("update_level", at<&card_versions::update_level>, "the hypervisor's update level"),
     number_key("word", at<&card_versions::word>,
                "eight bytes that \"show version\" reads and writes back"),
@@ -70,15 +60,15 @@ constexpr key_table VERSIONS = {"card_versions", "The versions on the card", VER
                                 make_object<card_versions>};
 
 constexpr key KEYS[] = {
-    text_key("name", at<&card_state::name>, LONGEST_TEXT, "the host's name on the switch"),
-    text_key("uuid", at<&card_state::uuid>, LONGEST_TEXT, "the host's UUID"),
+    text_key("name", at<&card_state::name>, "the host's name on the switch").to(LONGEST_TEXT),
+    text_key("uuid", at<&card_state::uuid>, "the host's UUID").to(LONGEST_TEXT),
     number_key("uuid_type", at<&card_state::uuid_type>,
                "the kind of UUID; where the driver puts it, behind the room for the text, is an "
                "assumption, and null is a driver that puts nothing there"),
-    text_key("switch_name", at<&card_state::switch_name>, LONGEST_TEXT, "the switch's name"),
-    text_key("switch_alias", at<&card_state::switch_alias>, LONGEST_TEXT,
-             "the switch's name on the host"),
-    text_key("switch_uuid", at<&card_state::switch_uuid>, LONGEST_TEXT, "the switch's UUID"),
+    text_key("switch_name", at<&card_state::switch_name>, "the switch's name").to(LONGEST_TEXT),
+    text_key("switch_alias", at<&card_state::switch_alias>, "the switch's name on the host")
+        .to(LONGEST_TEXT),
+    text_key("switch_uuid", at<&card_state::switch_uuid>, "the switch's UUID").to(LONGEST_TEXT),
     number_key("domain", at<&card_state::domain>, "the switch's domain number"),
     number_key("slot", at<&card_state::slot>, "the host's module number on the switch"),
     flag_key("version_mismatch", at<&card_state::version_mismatch>,
@@ -130,6 +120,43 @@ constexpr key KEYS[] = {
     flag_key("l3sec", at<&card_state::l3sec>, "layer-3 control traffic is secured"),
 };
 
+constexpr key HEAP_ROWS[] = {
+    text_key("name", at<&kx_heap_record::name>, "the heap's name").once(),
+    number_key("objects", at<&kx_heap_record::objects>, "allocated"),
+    number_key("bytes", at<&kx_heap_record::bytes>, "allocated").in("bytes"),
+    number_key("denied", at<&kx_heap_record::denied>, "allocations denied"),
+    number_key("denied_bytes", at<&kx_heap_record::denied_bytes>, "allocations denied").in("bytes"),
+    number_key("largest_object", at<&kx_heap_record::largest_object>, "largest object").in("bytes"),
+    number_key("minimum", at<&kx_heap_record::minimum>, "least size of the heap").in("bytes"),
+    number_key("maximum", at<&kx_heap_record::maximum>, "most size of the heap").in("bytes"),
+    number_key("null_pointers", at<&kx_heap_record::null_pointers>,
+               "null pointers checked or freed"),
+    number_key("bad_magics", at<&kx_heap_record::bad_magics>, "pointers with a bad magic"),
+    number_key("bad_redzones", at<&kx_heap_record::bad_redzones>, "pointers with a bad red zone"),
+    number_key("wrong_heaps", at<&kx_heap_record::wrong_heaps>, "pointers of another heap"),
+};
+
+constexpr key POOL_ROWS[] = {
+    text_key("name", at<&kx_memory_pool_record::name>, "the pool's name").once(),
+    number_key("object_size", at<&kx_memory_pool_record::object_size>, "size of an object")
+        .in("bytes"),
+    number_key("pages", at<&kx_memory_pool_record::pages>, "pages in use"),
+    number_key("minimum", at<&kx_memory_pool_record::minimum>, "least objects of the pool"),
+    number_key("maximum", at<&kx_memory_pool_record::maximum>, "most objects of the pool"),
+    number_key("total", at<&kx_memory_pool_record::total>, "objects there are"),
+    number_key("available", at<&kx_memory_pool_record::available>, "objects that are free"),
+    number_key("low_water_mark", at<&kx_memory_pool_record::low_water_mark>,
+               "free objects below which the pool grows"),
+    number_key("high_water_mark", at<&kx_memory_pool_record::high_water_mark>,
+               "free objects above which it shrinks"),
+};
+
 } // namespace
 
 constinit const key_table CARD_KEYS = {"card", "The card", KEYS, make_object<card_state>};
+
+constinit const key_table HEAP_KEYS = {"heap", "A heap of the DPA", HEAP_ROWS,
+                                       make_object<kx_heap_record>};
+
+constinit const key_table MEMORY_POOL_KEYS = {"memory_pool", "A memory pool of the DPA", POOL_ROWS,
+                                              make_object<kx_memory_pool_record>};

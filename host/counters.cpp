@@ -1,5 +1,5 @@
-#include "host/counters.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 namespace {
@@ -7,11 +7,25 @@ namespace {
 using traffic = keyed<traffic_table>;
 using drops = keyed<drop_table>;
 
+template <typename entry> bool is_known(const entry &of) {
+    return of.value.has_value();
+}
+
+template <typename entry> void set_known(entry &of, bool known) {
+    if (!known) {
+        of.value.reset();
+    } else if (!of.value) {
+        of.value.emplace();
+    }
+}
+
+template <typename entry> constexpr key_access KNOWN = computed<is_known<entry>, set_known<entry>>;
+
 template <auto member> constexpr key_access OF_TRAFFIC = at<&traffic::value, member>;
 
 constexpr key TRAFFIC_ROWS[] = {
     number_key("ltl", at<&traffic::key>, "the port").once().in("LTL"),
-    flag_key("known", presence_of<&traffic::value>, "false for a port whose counters are refused"),
+    flag_key("known", KNOWN<traffic>, "false for a port whose counters are refused"),
     number_key("received", OF_TRAFFIC<&kx_port_statistics::received_packets>, "received")
         .in("packets"),
     number_key("received_bytes", OF_TRAFFIC<&kx_port_statistics::received_bytes>, "received")
@@ -28,23 +42,23 @@ constexpr key TRAFFIC_ROWS[] = {
         .in("packets"),
 };
 
-key_value get_drops(const void *object, uint32_t stage) {
-    const kx_stage_drops &at_stage = static_cast<const kx_drop_counters *>(object)->stages[stage];
-    const bool used = at_stage.valid != 0;
-    return {.is = used ? key_value::state::told : key_value::state::refused,
-            .number = used ? at_stage.drops : 0};
-}
-
-bool set_drops(void *object, uint32_t stage, uint64_t number) {
-    kx_stage_drops &at_stage = static_cast<kx_drop_counters *>(object)->stages[stage];
-    at_stage.valid = 1;
-    at_stage.drops = static_cast<uint32_t>(number);
-    return true;
-}
+constexpr key_access STAGE_DROPS = {
+    .most = UINT32_MAX,
+    .get_at = [](const void *object, uint32_t stage) -> key_value {
+        const auto &at_stage = static_cast<const kx_drop_counters *>(object)->stages[stage];
+        return at_stage.valid != 0 ? key_value{.number = at_stage.drops}
+                                   : key_value{.is = key_value::state::refused};
+    },
+    .set_at = [](void *object, uint32_t stage, uint64_t number) -> bool {
+        auto &at_stage = static_cast<kx_drop_counters *>(object)->stages[stage];
+        at_stage.valid = 1;
+        at_stage.drops = static_cast<uint32_t>(number);
+        return true;
+    },
+};
 
 constexpr key STAGE_DROP_ROWS[] = {
-    counters_key("", {.most = UINT32_MAX, .get_at = get_drops, .set_at = set_drops},
-                 "drops at the stage of that place in `stages`")
+    counters_key("", STAGE_DROPS, "drops at the stage of that place in `stages`")
         .or_else("unused")
         .in("packets")
         .up_to(KX_STAGES),
@@ -52,12 +66,12 @@ constexpr key STAGE_DROP_ROWS[] = {
 
 constexpr key DROP_ROWS[] = {
     number_key("ltl", at<&drops::key>, "the port").once().in("LTL"),
-    flag_key("known", presence_of<&drops::value>, "false for a port whose counters are refused"),
+    flag_key("known", KNOWN<drops>, "false for a port whose counters are refused"),
     included_keys(STAGE_DROP_KEYS, part<&drops::value>),
 };
 
 constexpr key STAGE_ROWS[] = {
-    text_key("name", at<&kx_stage_descriptor::name>, 0,
+    text_key("name", at<&kx_stage_descriptor::name>,
              "its name, which begins with \"Ingress \" or \"Egress \""),
     number_key("number", at<&kx_stage_descriptor::number>, "its number")
         .or_else("its place in the list"),

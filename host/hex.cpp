@@ -7,12 +7,6 @@ namespace {
 
 constexpr size_t SHORTEST_RUN = 8;
 
-void append_byte(std::string &text, uint8_t byte) {
-    constexpr char digits[] = "0123456789abcdef";
-    text += digits[byte >> 4];
-    text += digits[byte & 15];
-}
-
 // One piece between commas; false when it is malformed.
 bool append_piece(std::vector<uint8_t> &bytes, std::string_view piece) {
     size_t repeat = 1;
@@ -43,6 +37,12 @@ bool append_piece(std::vector<uint8_t> &bytes, std::string_view piece) {
 
 } // namespace
 
+void append_hex_byte(std::string &text, uint8_t byte) {
+    constexpr char digits[] = "0123456789abcdef";
+    text += digits[byte >> 4];
+    text += digits[byte & 15];
+}
+
 std::string bytes_to_hex(std::span<const uint8_t> bytes) {
     std::string text;
     bool after_run = false;
@@ -56,11 +56,11 @@ std::string bytes_to_hex(std::span<const uint8_t> bytes) {
             text += ',';
         }
         if (shortened) {
-            append_byte(text, bytes[at]);
+            append_hex_byte(text, bytes[at]);
             text += '*' + std::to_string(run);
         } else {
             for (size_t i = 0; i < run; i++) {
-                append_byte(text, bytes[at]);
+                append_hex_byte(text, bytes[at]);
             }
         }
         after_run = shortened;

@@ -13,6 +13,9 @@
 
 constexpr size_t HEX_LIMIT = size_t{1} << 20; // bytes that a text may stand for
 
+// Append the two digits.
+void append_hex_byte(std::string &text, uint8_t byte);
+
 std::string bytes_to_hex(std::span<const uint8_t> bytes);
 
 // Also takes shorter runs. Nothing for a malformed text or one that stands for more bytes.

@@ -1,10 +1,76 @@
 #include "host/host.h"
 #include "host/access.h"
+#include "host/hex.h"
 #include "host/keys.h"
 
 #include "handlers/port/bridge_domain_record.h"
 
+#include <cerrno>
+
 namespace {
+
+constexpr uint64_t LONGEST_NOTE = 64; // bytes
+
+constexpr key REFUSED_ROWS[] = {
+    number_key("opcode", at<&refused_opcode::opcode>, "the requests").must(),
+    number_key("count", at<&refused_opcode::count>, "how many of them were refused").written(),
+};
+
+constexpr key_table REFUSED_KEYS = {"refused_opcode", "Requests that were refused", REFUSED_ROWS,
+                                    make_object<refused_opcode>};
+
+constexpr key CAPTURE_ROWS[] = {
+    text_key("version", at<&capture_note::version>, "of the program").to(LONGEST_NOTE).written(),
+    text_key("time", at<&capture_note::time>, "when it began, in UTC").to(LONGEST_NOTE).written(),
+    texts_key("keys", at<&capture_note::keys>, "the keys that were asked for").or_else("all"),
+    flag_key("whole", at<&capture_note::whole>, "nothing was cut").written(),
+    texts_key("cut", at<&capture_note::cut>, "what was cut").or_else("nothing"),
+    list_key("refused", items_of<&capture_note::refused>, REFUSED_KEYS,
+             "what the driver refused, by opcode, ends of walks aside")
+        .or_else("nothing"),
+};
+
+constexpr key_table CAPTURE_KEYS = {"capture", "What was captured", CAPTURE_ROWS,
+                                    make_object<capture_note>};
+
+constexpr uint64_t LAST_ERROR = 4095; // the kernel has no larger ones
+
+constexpr key_word ERROR_NAMES[] = {{"EPERM", EPERM},   {"ENOENT", ENOENT}, {"EINTR", EINTR},
+                                    {"EIO", EIO},       {"ENXIO", ENXIO},   {"EBADF", EBADF},
+                                    {"EAGAIN", EAGAIN}, {"ENOMEM", ENOMEM}, {"EACCES", EACCES},
+                                    {"EFAULT", EFAULT}, {"EBUSY", EBUSY},   {"ENODEV", ENODEV},
+                                    {"EINVAL", EINVAL}, {"ENOTTY", ENOTTY}, {"ENOSYS", ENOSYS}};
+
+constexpr key OVERRIDE_ROWS[] = {
+    number_key("opcode", at<&override_rule::opcode>, "of the requests that it answers").must(),
+    number_key("argument", at<&override_rule::argument>, "of those requests").or_else("any"),
+    hex_key("in", at<&override_rule::in>, "the input of those requests, as the trace shows it")
+        .or_else("any"),
+    number_key("time", at<&override_rule::only_time>, "the n-th of those requests")
+        .from(1)
+        .or_else("each"),
+    word_key("error", at<&override_rule::error>, ERROR_NAMES,
+             "the ioctl fails with this errno, after what the other keys say is done")
+        .from(1)
+        .to(LAST_ERROR)
+        .or_else("none"),
+    number_key("status", at<&override_rule::status>, "this status, and no reply without `reply`")
+        .or_else("the answer's"),
+    hex_key("reply", at<&override_rule::reply>,
+            "these bytes, as they are, as far as the caller's buffer goes")
+        .or_else("the answer's"),
+    number_key("length", at<&override_rule::length>, "the reply is cut or filled up to this")
+        .to(HEX_LIMIT)
+        .or_else("the reply's")
+        .in("bytes"),
+    number_key("returned", at<&override_rule::returned>,
+               "the length handed back in the capacity word")
+        .or_else("the reply's")
+        .in("bytes"),
+};
+
+constexpr key_table OVERRIDE_KEYS = {"override", "An answer to replace", OVERRIDE_ROWS,
+                                     make_object<override_rule>};
 
 constexpr uint64_t LONGEST_ADDRESS = 126; // bytes
 
@@ -63,8 +129,9 @@ constexpr key HOST_ROWS[] = {
         .or_else("refused"),
     object_key("agent", part<&host::agent>, AGENT_KEYS, "the user-space agent")
         .or_else("none runs"),
-    text_key("management_address", at<&host::management_address>, LONGEST_ADDRESS,
+    text_key("management_address", at<&host::management_address>,
              "what the host's own program tells; empty for no output")
+        .to(LONGEST_ADDRESS)
         .or_else("no such program"),
     list_key("overrides", items_of<&host::overrides>, OVERRIDE_KEYS,
              "answers to replace; the first that fits a request is given"),

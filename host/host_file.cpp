@@ -2,7 +2,7 @@
 
 #include "host/json_tree.h"
 #include "host/keys.h"
-#include "host/reader.h"
+#include "host/objects.h"
 
 #include <algorithm>
 #include <cerrno>

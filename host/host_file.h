@@ -3,7 +3,7 @@
 #define HOST_HOST_FILE_H
 
 #include "host/host.h"
-#include "host/writer.h"
+#include "host/objects.h"
 
 #include <cstddef>
 #include <string>

@@ -35,16 +35,8 @@ struct counting_iterator {
         ++at;
         return *this;
     }
-    counting_iterator operator++(int) {
-        counting_iterator before = *this;
-        ++*this;
-        return before;
-    }
     bool operator==(const counting_iterator &other) const {
         return at == other.at;
-    }
-    bool operator!=(const counting_iterator &other) const {
-        return at != other.at;
     }
 };
 

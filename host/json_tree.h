@@ -17,7 +17,7 @@ struct json_value {
     unsigned line = 0; // where the value starts, from 1
     bool boolean = false;
     uint64_t number = 0; // of kind number; a negative or broken number is other_number
-    std::string text;
+    std::string text;    // of kind text, empty for others
     std::vector<json_value> items;
     std::vector<json_member> members;
 };

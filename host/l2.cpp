@@ -1,42 +1,30 @@
-#include "host/l2.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 namespace {
 
 using table_entry = keyed<decltype(l2_state::tables)>;
 
-key_value get_pvlan(const void *object) {
-    const auto *entry = static_cast<const kx_l2_entry *>(object);
-    const bool given = (entry->flags & KX_L2_PVLAN) != 0;
-    return {.is = given ? key_value::state::told : key_value::state::refused,
-            .number = given ? entry->pvlan : 0};
+std::optional<uint32_t> pvlan_of(const kx_l2_entry &entry) {
+    return (entry.flags & KX_L2_PVLAN) != 0 ? std::optional(entry.pvlan) : std::nullopt;
 }
 
-bool set_pvlan(void *object, const key_value &value) {
-    auto *entry = static_cast<kx_l2_entry *>(object);
-    entry->flags |= KX_L2_PVLAN;
-    entry->pvlan = static_cast<uint32_t>(value.number);
-    return true;
+void set_pvlan(kx_l2_entry &entry, std::optional<uint32_t> vlan) {
+    entry.flags |= KX_L2_PVLAN;
+    entry.pvlan = *vlan;
 }
 
-constexpr key_access PVLAN = {
-    .get = get_pvlan, .set = set_pvlan, .most = UINT32_MAX, .can_lack = true};
+constexpr key_access AGE =
+    computed<[](const kx_l2_entry &entry) { return entry.now - entry.seen_time; },
+             [](kx_l2_entry &entry, uint32_t age) { entry.seen_time = entry.now - age; }>;
 
-key_value get_age(const void *object) {
-    const auto *entry = static_cast<const kx_l2_entry *>(object);
-    return {.number = entry->now - entry->seen_time};
-}
-
-bool set_age(void *object, const key_value &value) {
-    auto *entry = static_cast<kx_l2_entry *>(object);
-    entry->seen_time = entry->now - static_cast<uint32_t>(value.number);
-    return true;
-}
-
-constexpr key_access AGE = {.get = get_age, .set = set_age, .most = UINT32_MAX};
-
-template <auto bit> constexpr key_access FLAG = bit_of<bit, &kx_l2_entry::flags>;
+template <auto bit>
+constexpr key_access FLAG =
+    computed<[](const kx_l2_entry &entry) { return (entry.flags & bit) != 0; },
+             [](kx_l2_entry &entry, bool on) {
+                 entry.flags = static_cast<uint8_t>(on ? entry.flags | bit : entry.flags & ~bit);
+             }>;
 
 constexpr key ENTRY_ROWS[] = {
     mac_key("mac", at<&kx_l2_entry::mac>, "the address").once(),
@@ -46,7 +34,9 @@ constexpr key ENTRY_ROWS[] = {
     flag_key("secure", FLAG<KX_L2_SECURE>, "learnt securely"),
     flag_key("drop", FLAG<KX_L2_DROP>, "what it sends is dropped"),
     flag_key("software", FLAG<KX_L2_SOFTWARE>, "installed by software"),
-    number_key("pvlan", PVLAN, "private VLAN that it was learnt on").or_else("none").in("VLAN"),
+    number_key("pvlan", computed<pvlan_of, set_pvlan>, "private VLAN that it was learnt on")
+        .or_else("none")
+        .in("VLAN"),
     number_key("dsn", at<&kx_l2_entry::dsn>, "sequence number of a segment's entry"),
     ipv4_key("remote_ip", at<&kx_l2_entry::remote_ip>, "remote tunnel endpoint"),
     number_key("slot", at<&kx_l2_entry::slot>, "slot of an entry that software installed"),

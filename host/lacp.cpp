@@ -1,5 +1,5 @@
-#include "host/lacp.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 #include <iterator>
@@ -70,18 +70,20 @@ std::shared_ptr<void> make_host_data(size_t /*place*/) {
 constexpr key_table HOST_DATA_KEYS = {"lacp_host_data", "The LACP host data of an uplink",
                                       HOST_DATA_ROWS, make_host_data};
 
-void *open_host_data(void *object) {
-    auto &data = static_cast<uplink *>(object)->value.host_data;
-    if (!data) {
-        data.emplace().channel_index = KX_LACP_NO_HOST_DATA;
-    }
-    return &*data;
-}
+constexpr key_access OPTIONAL_DATA = part<&uplink::value, &lacp_uplink::host_data>;
 
-constexpr key_access HOST_DATA = {.can_lack = true,
-                                  .look = part<&uplink::value, &lacp_uplink::host_data>.look,
-                                  .open = open_host_data,
-                                  .drop = part<&uplink::value, &lacp_uplink::host_data>.drop};
+constexpr key_access HOST_DATA = {
+    .can_lack = true,
+    .look = OPTIONAL_DATA.look,
+    .open = [](void *object) -> void * {
+        auto &data = static_cast<uplink *>(object)->value.host_data;
+        if (!data) {
+            data.emplace().channel_index = KX_LACP_NO_HOST_DATA;
+        }
+        return &*data;
+    },
+    .drop = OPTIONAL_DATA.drop,
+};
 
 constexpr key UPLINK_ROWS[] = {
     number_key("ltl", at<&uplink::key>, "the port").once().in("LTL"),

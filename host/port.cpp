@@ -1,5 +1,5 @@
-#include "host/port.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/interface.h"
 #include "host/keys.h"
 
@@ -40,41 +40,38 @@ constexpr key_word SECURE_LEARNING[] = {{"ages-absolute", KX_SECURE_AGES_ABSOLUT
 template <auto member> constexpr key_access IN_RECORD = at<&port_view::record, member>;
 
 // Whatever a driver says beside "up" is shown as down.
-template <auto member> key_value get_up(const void *object) {
-    return {.number = static_cast<const port_view *>(object)->record.*member == KX_PORT_UP
-                          ? uint64_t{KX_PORT_UP}
-                          : 0};
+template <auto member> uint8_t up_or_down(const port_view &view) {
+    return view.record.*member == KX_PORT_UP ? KX_PORT_UP : uint8_t{0};
 }
 
 template <auto member>
-constexpr key_access UP = {.get = get_up<member>, .set = IN_RECORD<member>.set, .most = UINT8_MAX};
-
-key_value get_interface_name(const void *object) {
-    const uint32_t index = static_cast<const port_view *>(object)->record.if_index;
-    key_value name;
-    name.bytes = shown_interface(index);
-    if (name.bytes.empty() || interface_index(name.bytes) == index) {
-        name.is = key_value::state::out_of_place;
-    }
-    return name;
-}
-
-bool leave_interface_name(void *, const key_value &) {
-    return true;
-}
+constexpr key_access UP = computed<up_or_down<member>, [](port_view &view, uint8_t state) {
+    view.record.*member = state;
+}>;
 
 constexpr key_access INTERFACE_NAME = {
-    .get = get_interface_name, .set = leave_interface_name, .most = IF_INDEX_NAME_SIZE};
+    .get = [](const void *object) -> key_value {
+        const uint32_t index = static_cast<const port_view *>(object)->record.if_index;
+        key_value name;
+        name.bytes = shown_interface(index);
+        if (name.bytes.empty() || interface_index(name.bytes) == index) {
+            name.is = key_value::state::out_of_place;
+        }
+        return name;
+    },
+    .set = [](void *, const key_value &) { return true; },
+    .most = IF_INDEX_NAME_SIZE,
+};
 
 constexpr key VIEW_ROWS[] = {
     flag_key("known", at<&port_view::known>, "false for a port that the view has no record of"),
-    text_key("interface_name", INTERFACE_NAME, 0,
+    text_key("interface_name", INTERFACE_NAME,
              "the name that is shown for an interface that stands there as a number; not read")
         .or_else("that of `interface`"),
     interface_key("interface", IN_RECORD<&kx_port_record::if_index>, "its interface")
         .or_else("none"),
-    text_key("name", IN_RECORD<&kx_port_record::hmx_port_name>, 0, "its name on the host"),
-    text_key("device", IN_RECORD<&kx_port_record::device_type>, 0, "the device behind it"),
+    text_key("name", IN_RECORD<&kx_port_record::hmx_port_name>, "its name on the host"),
+    text_key("device", IN_RECORD<&kx_port_record::device_type>, "the device behind it"),
     word_key("admin", UP<&kx_port_record::admin_state>, UP_OR_DOWN, "whether it is enabled")
         .written(),
     word_key("link", UP<&kx_port_record::link_state>, UP_OR_DOWN, "whether it has a link")
@@ -106,7 +103,7 @@ constexpr key VIEW_ROWS[] = {
     number_key("org", IN_RECORD<&kx_port_record::org>, "its organization"),
     number_key("dvport", IN_RECORD<&kx_port_record::dvport_id>,
                "its number on the distributed switch"),
-    text_key("dvport_group", IN_RECORD<&kx_port_record::dvport_group>, 0,
+    text_key("dvport_group", IN_RECORD<&kx_port_record::dvport_group>,
              "its group on the distributed switch"),
     flag_key("may_be_empty", IN_RECORD<&kx_port_record::presence>,
              "an entry that nothing need be configured on"),
@@ -116,21 +113,19 @@ constexpr key VIEW_ROWS[] = {
              "in leaf mode, what it waits for"),
 };
 
-const port &port_at(const void *object) {
-    return static_cast<const port_entry *>(object)->value;
-}
+constexpr key_table PORT_VIEW_KEYS = {"port_view", "A view of a port", VIEW_ROWS,
+                                      make_object<port_view>};
 
 // What the other views do not say for themselves is as in the HMX's.
-template <kx_port_view view> const void *look_at_view(const void *object) {
-    return &view_of(port_at(object), view);
-}
-
-template <kx_port_view view> void *open_view(void *object) {
-    return &own_view(static_cast<port_entry *>(object)->value, view);
-}
-
 template <kx_port_view view>
-constexpr key_access VIEW = {.look = look_at_view<view>, .open = open_view<view>};
+constexpr key_access VIEW = {
+    .look = [](const void *object) -> const void * {
+        return &view_of(static_cast<const port_entry *>(object)->value, view);
+    },
+    .open = [](void *object) -> void * {
+        return &own_view(static_cast<port_entry *>(object)->value, view);
+    },
+};
 
 constexpr key PORT_ROWS[] = {
     number_key("ltl", at<&port_entry::key>, "the port's number").to(LAST_LTL).once().in("LTL"),
@@ -147,9 +142,41 @@ constexpr key PORT_ROWS[] = {
               SECURE_LEARNING, "how addresses that it learns securely age"),
 };
 
+using pair_entry = keyed<private_vlan_table>;
+
+constexpr key_word ROLES[] = {{"none", KX_PVLAN_NONE},
+                              {"isolated", KX_PVLAN_ISOLATED},
+                              {"community", KX_PVLAN_COMMUNITY},
+                              {"promiscuous", KX_PVLAN_PROMISCUOUS},
+                              {"promiscuous-trunk", KX_PVLAN_PROMISCUOUS_TRUNK}};
+
+template <auto member> constexpr key_access IN_PAIR = at<&pair_entry::value, member>;
+
+// The VLAN is part of the key that the entry is kept under.
+constexpr key_access VLAN = computed<[](const pair_entry &entry) { return entry.key.second; },
+                                     [](pair_entry &entry, uint32_t vlan) {
+                                         entry.key.second = vlan;
+                                         entry.value.vlan = static_cast<uint16_t>(vlan);
+                                     }>;
+
+constexpr key PRIVATE_VLAN_ROWS[] = {
+    number_key("ltl", at<&pair_entry::key, &private_vlan_table::key_type::first>, "the port")
+        .once()
+        .in("LTL"),
+    number_key("vlan", VLAN, "a bridge domain's VLAN").to(KX_LAST_VLAN).once().in("VLAN"),
+    word_key("role", IN_PAIR<&kx_port_pvlan::role>, ROLES, "what the port is to that VLAN"),
+    number_key("primary", IN_PAIR<&kx_port_pvlan::primary>, "primary VLAN")
+        .to(KX_LAST_VLAN)
+        .in("VLAN"),
+    number_key("secondary", IN_PAIR<&kx_port_pvlan::secondary>,
+               "secondary VLAN, 0 where a promiscuous port is asked for the primary itself")
+        .to(KX_LAST_VLAN)
+        .in("VLAN"),
+};
+
 } // namespace
 
-constinit const key_table PORT_VIEW_KEYS = {"port_view", "A view of a port", VIEW_ROWS,
-                                            make_object<port_view>};
-
 constinit const key_table PORT_KEYS = {"port", "A port", PORT_ROWS, make_object<port_entry>};
+
+constinit const key_table PRIVATE_VLAN_KEYS = {"private_vlan", "A port on a private VLAN",
+                                               PRIVATE_VLAN_ROWS, make_object<pair_entry>};

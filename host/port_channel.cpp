@@ -1,5 +1,5 @@
-#include "host/port_channel.h"
 #include "host/access.h"
+#include "host/host.h"
 #include "host/keys.h"
 
 #include <algorithm>
@@ -17,25 +17,24 @@ struct member_entry {
     std::optional<uint32_t> pinned{};
 };
 
-bool each_member(const void *object, const std::function<void(const void *)> &visit) {
-    const port_channel &channel = static_cast<const channel_entry *>(object)->value;
-    for (uint32_t i = 0; i < std::min(channel.record.member_count, KX_PC_MEMBERS); i++) {
-        const member_entry member = {channel.record.members[i], channel.pinned[i]};
-        visit(&member);
-    }
-    return true;
-}
-
-void append_member(void *object, void *item) {
-    port_channel &channel = static_cast<channel_entry *>(object)->value;
-    const auto &member = *static_cast<const member_entry *>(item);
-    const uint32_t place = channel.record.member_count++;
-    channel.record.members[place] = member.record;
-    channel.pinned[place] = member.pinned;
-}
-
 constexpr key_access MEMBERS = {
-    .most = KX_PC_MEMBERS, .each = each_member, .append = append_member};
+    .most = KX_PC_MEMBERS,
+    .each = [](const void *object, const std::function<void(const void *)> &visit) -> bool {
+        const port_channel &channel = static_cast<const channel_entry *>(object)->value;
+        for (uint32_t i = 0; i < std::min(channel.record.member_count, KX_PC_MEMBERS); i++) {
+            const member_entry member = {channel.record.members[i], channel.pinned[i]};
+            visit(&member);
+        }
+        return true;
+    },
+    .append = [](void *object, void *item) -> void {
+        port_channel &channel = static_cast<channel_entry *>(object)->value;
+        const auto &member = *static_cast<const member_entry *>(item);
+        const uint32_t place = channel.record.member_count++;
+        channel.record.members[place] = member.record;
+        channel.pinned[place] = member.pinned;
+    },
+};
 
 template <auto member>
 constexpr key_access IN_CHANNEL = at<&channel_entry::value, &port_channel::record, member>;

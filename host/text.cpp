@@ -1,7 +1,12 @@
 #include "host/text.h"
 
+#include "host/hex.h"
+
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 namespace {
 
@@ -14,42 +19,38 @@ struct character {
     uint32_t code = 0;
 };
 
-bool continues(uint8_t byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
 // The character at the start of the text, which is not empty.
 character first_character(std::string_view text) {
-    const auto byte = [&](size_t at) { return static_cast<uint8_t>(text[at]); };
-    const uint8_t lead = byte(0);
+    const auto lead = static_cast<uint8_t>(text[0]);
     if (lead < 0x80) {
         return {1, lead};
     }
     // The least code of each length: a smaller one has a shorter form and is not well-formed.
-    const struct {
-        uint8_t mask, mark;
-        size_t length;
-        uint32_t least;
-    } forms[] = {{0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
-    for (const auto &form : forms) {
-        if ((lead & form.mask) != form.mark) {
-            continue;
-        }
-        if (text.size() < form.length) {
+    constexpr uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto length = static_cast<size_t>(std::countl_one(lead));
+    if (length < 2 || length >= std::size(least) || text.size() < length) {
+        return {};
+    }
+    uint32_t code = lead & (0x7FU >> length);
+    for (const char next : text.substr(1, length - 1)) {
+        if ((next & 0xC0) != 0x80) {
             return {};
         }
-        uint32_t code = lead & static_cast<uint8_t>(~form.mask);
-        for (size_t at = 1; at < form.length; at++) {
-            if (!continues(byte(at))) {
-                return {};
-            }
-            code = code << 6 | (byte(at) & 0x3F);
-        }
-        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-        return code < form.least || surrogate || code > 0x10FFFF ? character{}
-                                                                 : character{form.length, code};
+        code = code << 6 | (next & 0x3F);
     }
-    return {};
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    return code < least[length] || surrogate || code > 0x10FFFF ? character{}
+                                                                : character{length, code};
+}
+
+// Visit the characters with their bytes, a byte that begins none by itself.
+template <typename Visit> void each_character(std::string_view text, Visit visit) {
+    while (!text.empty()) {
+        const character first = first_character(text);
+        const size_t taken = std::max<size_t>(first.length, 1);
+        visit(first, text.substr(0, taken));
+        text.remove_prefix(taken);
+    }
 }
 
 bool is_stand_in(uint32_t code) {
@@ -63,44 +64,35 @@ void append_stand_in(std::string &text, uint8_t byte) {
     text += static_cast<char>(0x80 | (code & 0x3F));
 }
 
-constexpr size_t INDENT = 2;
-
 } // namespace
 
 std::string bytes_to_utf8(std::string_view bytes) {
     std::string text;
-    while (!bytes.empty()) {
-        const character first = first_character(bytes);
-        const size_t taken = first.length == 0 ? 1 : first.length;
-        if (first.length == 0 || is_stand_in(first.code)) {
-            for (const char byte : bytes.substr(0, taken)) {
-                append_stand_in(text, static_cast<uint8_t>(byte));
-            }
-        } else {
-            text += bytes.substr(0, taken);
+    each_character(bytes, [&](const character &read, std::string_view piece) {
+        if (read.length != 0 && !is_stand_in(read.code)) {
+            text += piece;
+            return;
         }
-        bytes.remove_prefix(taken);
-    }
+        for (const char byte : piece) {
+            append_stand_in(text, static_cast<uint8_t>(byte));
+        }
+    });
     return text;
 }
 
 std::string bytes_from_utf8(std::string_view text) {
     std::string bytes;
-    while (!text.empty()) {
-        const character first = first_character(text);
-        const size_t taken = first.length == 0 ? 1 : first.length;
-        if (is_stand_in(first.code)) {
-            bytes += static_cast<char>(first.code - BYTE_BASE);
+    each_character(text, [&](const character &read, std::string_view piece) {
+        if (is_stand_in(read.code)) {
+            bytes += static_cast<char>(read.code - BYTE_BASE);
         } else {
-            bytes += text.substr(0, taken);
+            bytes += piece;
         }
-        text.remove_prefix(taken);
-    }
+    });
     return bytes;
 }
 
 void append_quoted(std::string &json, std::string_view utf8) {
-    constexpr char digits[] = "0123456789abcdef";
     json += '"';
     for (const char character : utf8) {
         const auto byte = static_cast<uint8_t>(character);
@@ -114,27 +106,8 @@ void append_quoted(std::string &json, std::string_view utf8) {
             json += "bfnrt\"\\"[short_form];
         } else {
             json += "u00";
-            json += digits[byte >> 4];
-            json += digits[byte & 15];
+            append_hex_byte(json, byte);
         }
     }
     json += '"';
-}
-
-json_lines open_lines(std::string &json, char bracket, size_t indent) {
-    json += bracket;
-    return {json.size(), indent + INDENT};
-}
-
-void begin_line(std::string &json, const json_lines &lines) {
-    json += lines.is_empty(json) ? "\n" : ",\n";
-    json.append(lines.indent, ' ');
-}
-
-void close_lines(std::string &json, char bracket, const json_lines &lines) {
-    if (!lines.is_empty(json)) {
-        json += '\n';
-        json.append(lines.indent - INDENT, ' ');
-    }
-    json += bracket;
 }

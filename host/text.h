@@ -18,19 +18,4 @@ std::string bytes_from_utf8(std::string_view text);
 // control characters is escaped.
 void append_quoted(std::string &json, std::string_view utf8);
 
-// A JSON object or list that is being appended to a text, each of its items on a line of its own.
-struct json_lines {
-    size_t start;  // of the text behind the bracket
-    size_t indent; // of the items, in blanks
-
-    bool is_empty(const std::string &json) const {
-        return json.size() == start;
-    }
-};
-
-// `indent` is that of the line with the bracket.
-json_lines open_lines(std::string &json, char bracket, size_t indent);
-void begin_line(std::string &json, const json_lines &lines);
-void close_lines(std::string &json, char bracket, const json_lines &lines);
-
 #endif

@@ -20,15 +20,6 @@ namespace {
 constexpr uint32_t LONGEST_RANGE = 65536;
 constexpr size_t MAC_BYTES = 6;
 
-constexpr const char *NUMBER_TEXT = "^(0|[1-9][0-9]*|0[0-7]+|0[xX][0-9A-Fa-f]+)$";
-constexpr const char *RANGES_TEXT = "^([0-9]+(-[0-9]+)?(,[0-9]+(-[0-9]+)?)*)?$";
-constexpr const char *HEX_TEXT = "^((([0-9A-Fa-f]{2})+|[0-9A-Fa-f]{2}\\\\*[0-9]+)"
-                                 "(,(([0-9A-Fa-f]{2})+|[0-9A-Fa-f]{2}\\\\*[0-9]+))*)?$";
-constexpr const char *MAC_TEXT = "^[0-9A-Fa-f]{1,2}(:[0-9A-Fa-f]{1,2}){5}$";
-constexpr const char *IPV4_TEXT = "^[0-9]{1,3}(\\\\.[0-9]{1,3}){3}$";
-constexpr const char *IPV6_TEXT = "^[0-9A-Fa-f:.]+$";
-constexpr const char *INTERFACE_TEXT = "^[A-Za-z]";
-
 // --- Numbers and words ---
 
 // A whole text as a number in C notation.
@@ -49,22 +40,11 @@ bool in_range(const key &row, uint64_t number) {
     return number >= row.least && number <= row.most;
 }
 
-bool says_in_range(const key &row, const key_value &value) {
-    return in_range(row, value.number);
-}
-
-std::string range_of(const key &row) {
-    return std::to_string(row.least) + " to " + std::to_string(row.most);
-}
-
 // A number of the row's range; its words are not looked at.
 std::string read_one(const key &row, const json_value &given, uint64_t &number) {
-    std::optional<uint64_t> found;
-    if (given.type == json_value::kind::number) {
-        found = given.number;
-    } else if (given.type == json_value::kind::text) {
-        found = number_in(given.text);
-    }
+    const std::optional<uint64_t> found = given.type == json_value::kind::number
+                                              ? std::optional(given.number)
+                                              : number_in(given.text);
     if (!found || !in_range(row, *found)) {
         return "expected a number from " + range_of(row);
     }
@@ -78,37 +58,6 @@ std::string read_number(const key &row, const json_value &given, key_value &valu
 
 void append_told_number(std::string &text, const key &, const key_value &value) {
     append_number(text, value.number);
-}
-
-std::string number_schema(const key &row) {
-    const bool whole_field = row.least == 0 && (row.most == UINT8_MAX || row.most == UINT16_MAX ||
-                                                row.most == UINT32_MAX || row.most == UINT64_MAX);
-    if (whole_field) {
-        return R"({"$ref": "#/$defs/up_to_)" + std::to_string(row.most) + "\"}";
-    }
-    return ranged_number_schema(row.least, row.most);
-}
-
-std::string one_of(const std::string &one, const std::string &other) {
-    return R"({"oneOf": [)" + one + ", " + other + "]}";
-}
-
-std::string list_schema(const key &row, const std::string &items) {
-    const std::string most =
-        row.items < UINT32_MAX ? R"(, "maxItems": )" + std::to_string(row.items) : "";
-    return R"({"type": "array", "items": )" + items + most + "}";
-}
-
-std::string flag_values(const key &row) {
-    const std::string most = std::to_string(row.most);
-    return row.most > 1 ? "`true`, `false`, or 2 to " + most : "`true`, `false`";
-}
-
-std::string flag_schema(const key &row) {
-    const char *plain = R"({"type": "boolean"})";
-    return row.most == 1 ? plain
-                         : one_of(plain, R"({"type": "integer", "minimum": 2, "maximum": )" +
-                                             std::to_string(row.most) + "}");
 }
 
 std::string read_flag(const key &row, const json_value &given, key_value &value) {
@@ -132,26 +81,6 @@ void append_flag(std::string &text, const key &, const key_value &value) {
     }
 }
 
-std::string words_of(const key &row) {
-    std::string words;
-    for (const key_word &word : row.words) {
-        words += std::string("`") + word.name + "`, ";
-    }
-    return words + "or " + range_of(row);
-}
-
-std::string word_schema(const key &row) {
-    std::string words;
-    for (const key_word &word : row.words) {
-        words += (words.empty() ? "\"" : ", \"") + std::string(word.name) + "\"";
-    }
-    return one_of(R"({"enum": [)" + words + "]}", number_schema(row));
-}
-
-std::string words_schema(const key &row) {
-    return one_of(list_schema(row, word_schema(row)), number_schema(row));
-}
-
 std::string words_expected(const key &row) {
     std::string words;
     for (const key_word &word : row.words) {
@@ -165,16 +94,13 @@ std::string read_word(const key &row, const json_value &given, key_value &value)
         return read_number(row, given, value);
     }
     for (const key_word &word : row.words) {
-        if (given.type == json_value::kind::text && given.text == word.name) {
+        if (given.text == word.name) {
             value.number = word.number;
             return "";
         }
     }
     // Where people use a number and a word for none, the number may be a text as well.
-    if (given.type == json_value::kind::text && read_number(row, given, value).empty()) {
-        return "";
-    }
-    return words_expected(row);
+    return read_number(row, given, value).empty() ? "" : words_expected(row);
 }
 
 std::string read_words(const key &row, const json_value &given, key_value &value) {
@@ -232,35 +158,15 @@ void append_words(std::string &text, const key &row, const key_value &value) {
 
 // --- Texts and bytes ---
 
-std::string bytes_at_most(const key &row) {
-    return "at most " + std::to_string(row.most) + " bytes";
-}
-
-std::string text_schema(const key &row) {
-    return R"({"type": "string", "maxLength": )" + std::to_string(row.most) + "}";
-}
-
-std::string texts_schema(const key &row) {
-    return list_schema(row, R"({"type": "string"})");
-}
-
-bool is_sayable_text(const key &row, const key_value &value) {
-    return value.bytes.size() <= row.most && value.bytes.find('\0') == std::string::npos;
-}
-
-bool is_always_sayable(const key &, const key_value &) {
-    return true;
-}
-
 std::string read_text(const key &row, const json_value &given, key_value &value) {
     if (given.type != json_value::kind::text) {
         return "expected a text";
     }
     value.bytes = bytes_from_utf8(given.text);
     if (value.bytes.size() > row.most) {
-        return "expected " + bytes_at_most(row);
+        return "expected at most " + std::to_string(row.most) + " bytes";
     }
-    return is_sayable_text(row, value) ? "" : "expected a text without a NUL";
+    return is_sayable(row, value) ? "" : "expected a text without a NUL";
 }
 
 std::string read_texts(const key &, const json_value &given, key_value &value) {
@@ -283,13 +189,6 @@ void append_texts(std::string &text, const key &, const key_value &value) {
                 [&](const std::string &item) { append_quoted(text, bytes_to_utf8(item)); });
 }
 
-// A text that has to fit a pattern.
-template <const auto &pattern> std::string pattern_schema(const key &) {
-    std::string schema = R"({"type": "string", "pattern": ")";
-    schema += pattern;
-    return schema += "\"}";
-}
-
 std::string read_hex(const key &, const json_value &given, key_value &value) {
     const auto parsed =
         given.type == json_value::kind::text ? bytes_from_hex(given.text) : std::nullopt;
@@ -298,10 +197,6 @@ std::string read_hex(const key &, const json_value &given, key_value &value) {
     }
     value.bytes.assign(parsed->begin(), parsed->end());
     return "";
-}
-
-bool is_sayable_hex(const key &, const key_value &value) {
-    return value.bytes.size() <= HEX_LIMIT;
 }
 
 void append_hex(std::string &text, const key &, const key_value &value) {
@@ -334,10 +229,7 @@ std::vector<uint32_t> match(std::string_view text, std::string_view pattern) {
 }
 
 std::string read_mac(const key &, const json_value &given, key_value &value) {
-    std::vector<uint32_t> parts;
-    if (given.type == json_value::kind::text) {
-        parts = match(given.text, "@:@:@:@:@:@");
-    }
+    const std::vector<uint32_t> parts = match(given.text, "@:@:@:@:@:@");
     if (parts.size() != MAC_BYTES || *std::max_element(parts.begin(), parts.end()) > UINT8_MAX) {
         return "expected a MAC address such as \"00:50:56:aa:bb:cc\"";
     }
@@ -346,22 +238,18 @@ std::string read_mac(const key &, const json_value &given, key_value &value) {
 }
 
 void append_mac(std::string &text, const key &, const key_value &value) {
-    constexpr char digits[] = "0123456789abcdef";
-    char quoted[] = "\"00:00:00:00:00:00\"";
-    char *at = quoted + 1;
+    char separator = '"';
     for (const char byte : value.bytes) {
-        *at++ = digits[static_cast<uint8_t>(byte) >> 4];
-        *at++ = digits[byte & 15];
-        at++;
+        text += separator;
+        append_hex_byte(text, static_cast<uint8_t>(byte));
+        separator = ':';
     }
-    text += quoted;
+    text += '"';
 }
 
 template <int family>
 std::string read_address(const json_value &given, void *address, const char *expected) {
-    const bool right =
-        given.type == json_value::kind::text && inet_pton(family, given.text.c_str(), address) == 1;
-    return right ? "" : expected;
+    return inet_pton(family, given.text.c_str(), address) == 1 ? "" : expected;
 }
 
 std::string read_ipv4(const key &, const json_value &given, key_value &value) {
@@ -393,14 +281,6 @@ void append_ipv6(std::string &text, const key &, const key_value &value) {
     append_address(text, AF_INET6, value.bytes.data());
 }
 
-std::string interface_values(const key &row) {
-    return "`Veth3`, `Eth4/1`, `Po1`, or " + range_of(row);
-}
-
-std::string interface_schema(const key &row) {
-    return one_of(pattern_schema<INTERFACE_TEXT>(row), number_schema(row));
-}
-
 std::string read_interface(const key &row, const json_value &given, key_value &value) {
     if (given.type == json_value::kind::text && !number_in(given.text)) {
         value.number = interface_index(given.text);
@@ -422,19 +302,6 @@ void append_interface(std::string &text, const key &, const key_value &value) {
 }
 
 // --- Lists ---
-
-std::string most_of_list(const key &row) {
-    return row.items < UINT32_MAX ? "at most " + std::to_string(row.items) : "";
-}
-
-std::string numbers_values(const key &row) {
-    const std::string most = most_of_list(row);
-    return range_of(row) + (most.empty() ? "" : ", " + most);
-}
-
-std::string numbers_schema(const key &row) {
-    return one_of(list_schema(row, number_schema(row)), pattern_schema<RANGES_TEXT>(row));
-}
 
 // "1,10-20"
 std::string read_ranges(const key &row, std::string_view text, std::vector<uint32_t> &numbers) {
@@ -484,58 +351,43 @@ std::string read_numbers(const key &row, const json_value &given, key_value &val
     return wrong;
 }
 
-bool are_sayable_numbers(const key &row, const key_value &value) {
-    return std::all_of(value.numbers.begin(), value.numbers.end(),
-                       [&](uint32_t number) { return in_range(row, number); });
-}
-
 void append_numbers(std::string &text, const key &, const key_value &value) {
     append_list(text, value.numbers, [&](uint32_t number) { append_number(text, number); });
 }
 
-std::string nothing(const key &) {
-    return "";
-}
-
-std::string table_schema(const key &row) {
-    return std::string(R"({"$ref": "#/$defs/)") + row.table->name + "\"}";
-}
-
-std::string table_list_schema(const key &row) {
-    return list_schema(row, table_schema(row));
-}
-
-// In the order of key_type.
-constexpr key_form FORMS[] = {
-    {"number", range_of, number_schema, read_number, says_in_range, append_told_number},
-    {"flag", flag_values, flag_schema, read_flag, says_in_range, append_flag},
-    {"word", words_of, word_schema, read_word, says_in_range, append_word},
-    {"words", words_of, words_schema, read_words, says_in_range, append_words},
-    {"text", bytes_at_most, text_schema, read_text, is_sayable_text, append_text},
-    {"texts", nothing, texts_schema, read_texts, is_always_sayable, append_texts},
-    {"bytes", nothing, pattern_schema<HEX_TEXT>, read_hex, is_sayable_hex, append_hex},
-    {"MAC address", nothing, pattern_schema<MAC_TEXT>, read_mac, is_always_sayable, append_mac},
-    {"IPv4 address", nothing, pattern_schema<IPV4_TEXT>, read_ipv4, says_in_range, append_ipv4},
-    {"IPv6 address", nothing, pattern_schema<IPV6_TEXT>, read_ipv6, is_always_sayable, append_ipv6},
-    {"interface", interface_values, interface_schema, read_interface, says_in_range,
-     append_interface},
-    {"numbers", numbers_values, numbers_schema, read_numbers, are_sayable_numbers, append_numbers},
-    {"number", range_of, number_schema, read_number, says_in_range, append_told_number}, // counters
-    {"object", nothing, table_schema, nullptr, nullptr, nullptr},
-    {"list", most_of_list, table_list_schema, nullptr, nullptr, nullptr},
-    {"included", nothing, nothing, nullptr, nullptr, nullptr},
+// What tells one type of key from the others: read() fills a fresh value and returns what was
+// expected, empty when the value is right; append() writes one that is told.
+struct value_form {
+    std::string (*read)(const key &row, const json_value &given, key_value &value);
+    void (*append)(std::string &text, const key &row, const key_value &value);
 };
-static_assert(std::size(FORMS) == KEY_TYPES);
+
+// In the order of key_type. Objects, lists and what is included have no values.
+constexpr value_form FORMS[] = {
+    {read_number, append_told_number},
+    {read_flag, append_flag},
+    {read_word, append_word},
+    {read_words, append_words},
+    {read_text, append_text},
+    {read_texts, append_texts},
+    {read_hex, append_hex},
+    {read_mac, append_mac},
+    {read_ipv4, append_ipv4},
+    {read_ipv6, append_ipv6},
+    {read_interface, append_interface},
+    {read_numbers, append_numbers},
+    {read_number, append_told_number}, // counters
+};
+static_assert(std::size(FORMS) == static_cast<size_t>(key_type::object));
+
+const value_form &form_of(const key &row) {
+    return FORMS[static_cast<size_t>(row.type)];
+}
 
 } // namespace
 
-const key_form &form_of(key_type type) {
-    return FORMS[static_cast<size_t>(type)];
-}
-
-std::string ranged_number_schema(uint64_t least, uint64_t most) {
-    return R"({"type": ["integer", "string"], "minimum": )" + std::to_string(least) +
-           R"(, "maximum": )" + std::to_string(most) + R"(, "pattern": ")" + NUMBER_TEXT + "\"}";
+std::string range_of(const key &row) {
+    return std::to_string(row.least) + " to " + std::to_string(row.most);
 }
 
 std::string read_value(const key &row, const json_value &given, key_value &value) {
@@ -544,13 +396,24 @@ std::string read_value(const key &row, const json_value &given, key_value &value
         value.is = key_value::state::refused;
         return "";
     }
-    return form_of(row.type).read(row, given, value);
+    return form_of(row).read(row, given, value);
 }
 
 bool is_sayable(const key &row, const key_value &value) {
-    return value.is == key_value::state::told
-               ? form_of(row.type).is_sayable(row, value)
-               : value.is == key_value::state::refused && row.refusable;
+    if (value.is != key_value::state::told) {
+        return value.is == key_value::state::refused && row.refusable;
+    }
+    switch (row.type) {
+    case key_type::text:
+        return value.bytes.size() <= row.most && value.bytes.find('\0') == std::string::npos;
+    case key_type::hex:
+        return value.bytes.size() <= HEX_LIMIT;
+    case key_type::numbers:
+        return std::all_of(value.numbers.begin(), value.numbers.end(),
+                           [&](uint32_t number) { return in_range(row, number); });
+    default:
+        return in_range(row, value.number); // 0 where the type has none
+    }
 }
 
 void append_number(std::string &text, uint64_t number) {
@@ -565,7 +428,7 @@ void append_number(std::string &text, uint64_t number) {
 
 void append_value(std::string &text, const key &row, const key_value &value) {
     if (value.is == key_value::state::told) {
-        form_of(row.type).append(text, row, value);
+        form_of(row).append(text, row, value);
     } else {
         text += "null";
     }

@@ -1,4 +1,4 @@
-#include "host/writer.h"
+#include "host/objects.h"
 
 #include "host/text.h"
 #include "host/value.h"
@@ -9,6 +9,21 @@
 
 namespace {
 
+constexpr size_t INDENT = 2;
+
+bool is_same(const key_access &access, const void *object, const void *other) {
+    return access.same != nullptr ? access.same(object, other)
+                                  : access.get(object) == access.get(other);
+}
+
+// Where the writer is.
+struct writing_place {
+    size_t start = 0;         // of the text behind the bracket of the object or list at hand
+    size_t indent = 0;        // of its items, each on a line of its own, in blanks
+    size_t path = 0;          // length of its path
+    bool differences = false; // only what differs is written, not what always is
+};
+
 // The writer goes along the rows as the reader will, and keeps beside the object what the reader
 // would have by then. What follows from the keys before is so never written twice. Everything is
 // appended to the one text, and what turns out to say nothing is cut off again.
@@ -18,173 +33,176 @@ struct writing {
     std::string &text;
     std::vector<std::string> &unsaid; // paths of what no key can say
     const write_options &options;
-    std::string path{};       // of the object at hand
-    bool differences = false; // only what differs, not what is always written
+    std::string path{};
+    writing_place at{};
 
-    // Lengthen the path. Returns its length before, to cut it back to.
-    size_t enter(std::string_view name) {
-        const size_t outside = path.size();
+    bool is_empty() const {
+        return text.size() == at.start;
+    }
+
+    void add_to_path(std::string_view name) {
         path += path.empty() ? "" : ".";
         path += name;
-        return outside;
     }
     void add_unsaid(std::string_view name) {
-        const size_t outside = enter(name);
+        add_to_path(name);
         unsaid.push_back(path);
-        path.resize(outside);
+        path.resize(at.path);
     }
-    void begin_member(const json_lines &members, std::string_view name) {
-        begin_line(text, members);
+
+    // Go into an object or a list whose path is at its end. Returns the place to come back to.
+    writing_place open(char bracket, bool differences) {
+        text += bracket;
+        return std::exchange(at, {text.size(), at.indent + INDENT, path.size(), differences});
+    }
+    void close(char bracket, const writing_place &outside) {
+        if (!is_empty()) {
+            text += '\n';
+            text.append(outside.indent, ' ');
+        }
+        text += bracket;
+        leave(outside);
+    }
+    void leave(const writing_place &outside) {
+        at = outside;
+        path.resize(at.path);
+    }
+    void begin_line() {
+        text += is_empty() ? "\n" : ",\n";
+        text.append(at.indent, ' ');
+    }
+    void begin_member(std::string_view name) {
+        begin_line();
         append_quoted(text, name);
         text += ": ";
     }
 
-    bool value(const json_lines &members, const key &row, const void *object, void *so_far);
-    void counters(const json_lines &members, const key &row, const void *object, void *so_far);
-    bool part(const json_lines &members, const key &row, const void *object, void *so_far);
-    void list(const json_lines &members, const key &row, const void *object);
-    bool row(const json_lines &members, const key &row, const void *object, void *so_far);
-    bool rows(const json_lines &members, const key_table &table, const void *object, void *so_far);
-    bool object(const key_table &table, const void *object, void *so_far, size_t indent);
-};
-
-bool is_same(const key_access &access, const void *object, const void *other) {
-    return access.same != nullptr ? access.same(object, other)
-                                  : access.get(object) == access.get(other);
-}
-
-bool writing::value(const json_lines &members, const key &row, const void *object, void *so_far) {
-    const bool wanted = options.full || (row.always && !differences);
-    if (!wanted && is_same(row.access, object, so_far)) {
+    bool write_value(const key &row, const void *object, void *so_far) {
+        const bool wanted = options.full || (row.always && !at.differences);
+        if (!wanted && is_same(row.access, object, so_far)) {
+            return true;
+        }
+        const key_value said = row.access.get(object);
+        if (said.is == key_value::state::out_of_place) {
+            return true;
+        }
+        if (!is_sayable(row, said)) {
+            if (said.is == key_value::state::refused && said == row.access.get(so_far)) {
+                return true; // a default that is no value
+            }
+            add_unsaid(row.name);
+            return !row.required;
+        }
+        row.access.set(so_far, said);
+        begin_member(row.name);
+        append_value(text, row, said);
         return true;
     }
-    const key_value said = row.access.get(object);
-    if (said.is == key_value::state::out_of_place) {
-        return true;
-    }
-    if (!is_sayable(row, said)) {
-        if (said.is == key_value::state::refused && said == row.access.get(so_far)) {
-            return true; // a default that is no value
-        }
-        add_unsaid(row.name);
-        return !row.required;
-    }
-    row.access.set(so_far, said);
-    begin_member(members, row.name);
-    append_value(text, row, said);
-    return true;
-}
 
-void writing::counters(const json_lines &members, const key &row, const void *object,
-                       void *so_far) {
-    for (uint32_t index = 0; index < row.items; index++) {
-        const key_value said = row.access.get_at(object, index);
-        const bool told = said.is == key_value::state::told;
-        if (said != row.access.get_at(so_far, index) || (options.full && told)) {
-            begin_member(members, std::to_string(index));
-            append_value(text, row, said);
+    void write_counters(const key &row, const void *object, const void *so_far) {
+        for (uint32_t index = 0; index < row.items; index++) {
+            const key_value said = row.access.get_at(object, index);
+            const bool told = said.is == key_value::state::told;
+            if (said != row.access.get_at(so_far, index) || (options.full && told)) {
+                begin_member(std::to_string(index));
+                append_value(text, row, said);
+            }
         }
     }
-}
 
-bool writing::part(const json_lines &members, const key &row, const void *object, void *so_far) {
-    const void *said = row.access.look(object);
-    const bool expected = row.access.look(so_far) != nullptr;
-    if (said == nullptr) {
-        if (expected) {
-            begin_member(members, row.name);
+    bool write_part(const key &row, const void *object, void *so_far) {
+        const void *said = row.access.look(object);
+        const bool expected = row.access.look(so_far) != nullptr;
+        if (said == nullptr) {
+            if (expected) {
+                begin_member(row.name);
+                text += "null";
+            }
+            return true;
+        }
+        const size_t before = text.size();
+        begin_member(row.name);
+        add_to_path(row.name);
+        const writing_place outside = open('{', expected);
+        const bool readable = write_rows(*row.table, said, row.access.open(so_far));
+        if (is_empty() && expected) {
+            text.resize(before);
+            leave(outside);
+        } else {
+            close('}', outside);
+        }
+        return readable;
+    }
+
+    void write_list(const key &row, const void *object) {
+        const size_t before = text.size();
+        begin_member(row.name);
+        add_to_path(row.name);
+        const size_t value_start = text.size();
+        const writing_place outside = open('[', false);
+        size_t place = 0;
+        const bool there = row.access.each(object, [&](const void *item) {
+            const std::shared_ptr<void> so_far = row.table->make(place);
+            const size_t before_item = text.size();
+            begin_line();
+            path += '[';
+            append_number(path, place++);
+            path += ']';
+            if (!write_object(*row.table, item, so_far.get()) || place > row.items) {
+                text.resize(before_item);
+            }
+        });
+        if (!there && row.refusable) {
+            text.resize(value_start);
             text += "null";
+            leave(outside);
+        } else if (!there || (is_empty() && !options.full)) {
+            text.resize(before);
+            leave(outside);
+        } else {
+            close(']', outside);
         }
-        return true;
-    }
-    const size_t before = text.size();
-    const size_t outside = enter(row.name);
-    const bool differences_outside = std::exchange(differences, expected);
-    begin_member(members, row.name);
-    const json_lines inner = open_lines(text, '{', members.indent);
-    const bool readable = rows(inner, *row.table, said, row.access.open(so_far));
-    if (inner.is_empty(text) && expected) {
-        text.resize(before);
-    } else {
-        close_lines(text, '}', inner);
-    }
-    path.resize(outside);
-    differences = differences_outside;
-    return readable;
-}
-
-void writing::list(const json_lines &members, const key &row, const void *object) {
-    const size_t before = text.size();
-    const size_t outside = enter(row.name);
-    const size_t list_path = path.size();
-    const bool differences_outside = std::exchange(differences, false);
-    begin_member(members, row.name);
-    const size_t value_start = text.size();
-    const json_lines items = open_lines(text, '[', members.indent);
-    size_t place = 0;
-    const bool there = row.access.each(object, [&](const void *item) {
-        path += '[';
-        append_number(path, place);
-        path += ']';
-        const std::shared_ptr<void> so_far = row.table->make(place++);
-        const size_t before_item = text.size();
-        begin_line(text, items);
-        if (!this->object(*row.table, item, so_far.get(), items.indent) || place > row.items) {
-            text.resize(before_item);
-        }
-        path.resize(list_path);
-    });
-    if (!there && row.refusable) {
-        text.resize(value_start);
-        text += "null";
-    } else if (!there || (items.is_empty(text) && !options.full)) {
-        text.resize(before);
-    } else {
-        close_lines(text, ']', items);
-    }
-    path.resize(outside);
-    differences = differences_outside;
-    if (place > row.items) {
-        add_unsaid(row.name);
-    }
-}
-
-bool writing::row(const json_lines &members, const key &row, const void *object, void *so_far) {
-    switch (row.type) {
-    case key_type::included: {
-        const void *inner = row.access.look(object);
-        return inner == nullptr || rows(members, *row.table, inner, row.access.open(so_far));
-    }
-    case key_type::counters:
-        counters(members, row, object, so_far);
-        return true;
-    case key_type::object:
-        return part(members, row, object, so_far);
-    case key_type::list:
-        list(members, row, object);
-        return true;
-    default:
-        return value(members, row, object, so_far);
-    }
-}
-
-bool writing::rows(const json_lines &members, const key_table &table, const void *object,
-                   void *so_far) {
-    bool readable = true;
-    for (const key &row : table.keys) {
-        if (!path.empty() || options.keys.empty() || options.keys.contains(row.name)) {
-            readable = this->row(members, row, object, so_far) && readable;
+        if (place > row.items) {
+            add_unsaid(row.name);
         }
     }
-    return readable;
-}
 
-bool writing::object(const key_table &table, const void *object, void *so_far, size_t indent) {
-    const json_lines members = open_lines(text, '{', indent);
-    const bool readable = rows(members, table, object, so_far);
-    close_lines(text, '}', members);
-    return readable;
-}
+    bool write_row(const key &row, const void *object, void *so_far) {
+        switch (row.type) {
+        case key_type::included: {
+            const void *inner = row.access.look(object);
+            return inner == nullptr || write_rows(*row.table, inner, row.access.open(so_far));
+        }
+        case key_type::counters:
+            write_counters(row, object, so_far);
+            return true;
+        case key_type::object:
+            return write_part(row, object, so_far);
+        case key_type::list:
+            write_list(row, object);
+            return true;
+        default:
+            return write_value(row, object, so_far);
+        }
+    }
+
+    bool write_rows(const key_table &table, const void *object, void *so_far) {
+        bool readable = true;
+        for (const key &row : table.keys) {
+            if (!path.empty() || options.keys.empty() || options.keys.contains(row.name)) {
+                readable = write_row(row, object, so_far) && readable;
+            }
+        }
+        return readable;
+    }
+
+    bool write_object(const key_table &table, const void *object, void *so_far) {
+        const writing_place outside = open('{', at.differences);
+        const bool readable = write_rows(table, object, so_far);
+        close('}', outside);
+        return readable;
+    }
+};
 
 } // namespace
 
@@ -192,6 +210,6 @@ std::string object_text(const key_table &table, const void *object, const write_
                         std::vector<std::string> &unsaid) {
     std::string text;
     const std::shared_ptr<void> so_far = table.make(0);
-    writing{text, unsaid, options}.object(table, object, so_far.get(), 0);
+    writing{text, unsaid, options}.write_object(table, object, so_far.get());
     return text;
 }

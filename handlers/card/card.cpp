@@ -61,30 +61,8 @@ bool ask_mac(kxdpa_opcode opcode, uint32_t arg, mac_text *mac) {
 }
 
 const char *load_balancing_text(uint32_t algorithm) {
-    static const char *const texts[] = {
-        "Unknown",
-        "destination-mac",
-        "source-mac",
-        "source-dest-mac",
-        "destination-ip-vlan",
-        "source-ip-vlan",
-        "source-dest-ip-vlan",
-        "destination-port",
-        "source-port",
-        "source-dest-port",
-        "dest-ip-port",
-        "source-ip-port",
-        "source-dest-ip-port",
-        "dest-ip-port-vlan",
-        "source-ip-port-vlan",
-        "source-dest-ip-port-vlan",
-        "destination-ip",
-        "source-ip",
-        "source-dest-ip",
-        "vlan-only",
-        "source-virtual-port-id",
-    };
-    return algorithm < std::size(texts) ? texts[algorithm] : "Unknown";
+    return algorithm < std::size(KX_LOAD_BALANCING) ? KX_LOAD_BALANCING[algorithm]
+                                                    : KX_LOAD_BALANCING[0];
 }
 
 void print_names() {

@@ -71,6 +71,31 @@ enum kx_version_of : uint32_t {
 // Argument of KXDPA_OP_L3_CONTROL_VLAN: the class of the L3 control index, above the index.
 constexpr uint32_t KX_L3_CONTROL_CLASS = 0x2000000;
 
+// What a port channel picks the member by, as KXDPA_OP_LOAD_BALANCING tells it.
+inline constexpr const char *KX_LOAD_BALANCING[] = {
+    "Unknown",
+    "destination-mac",
+    "source-mac",
+    "source-dest-mac",
+    "destination-ip-vlan",
+    "source-ip-vlan",
+    "source-dest-ip-vlan",
+    "destination-port",
+    "source-port",
+    "source-dest-port",
+    "dest-ip-port",
+    "source-ip-port",
+    "source-dest-ip-port",
+    "dest-ip-port-vlan",
+    "source-ip-port-vlan",
+    "source-dest-ip-port-vlan",
+    "destination-ip",
+    "source-ip",
+    "source-dest-ip",
+    "vlan-only",
+    "source-virtual-port-id",
+};
+
 // Reply of KXDPA_OP_KRT_UPTIME.
 struct kx_krt_uptime {
     uint32_t seconds;

@@ -1,10 +1,38 @@
 // Prints what the key tables of the host file say.
+#include "host/keys.h"
 #include "host/reference/reference.h"
 
 #include <cstdio>
 #include <string_view>
 
 namespace {
+
+void add_keys(std::string &paths, const key_table &table, const std::string &around) {
+    for (const key &row : table.keys) {
+        if (row.type == key_type::included) {
+            add_keys(paths, *row.table, around);
+            continue;
+        }
+        if (row.type == key_type::counters) {
+            for (uint32_t index = 0; index < row.items; index++) {
+                paths += around + std::to_string(index) + "\n";
+            }
+            continue;
+        }
+        paths += around + row.name + "\n";
+        if (row.table != nullptr) {
+            const bool list = row.type == key_type::list;
+            add_keys(paths, *row.table, around + row.name + (list ? "[]." : "."));
+        }
+    }
+}
+
+// One path a line, such as "ports[].link".
+std::string reference_keys() {
+    std::string paths;
+    add_keys(paths, HOST_KEYS, "");
+    return paths;
+}
 
 struct document {
     std::string_view option;

@@ -81,10 +81,10 @@ std::string reference_markdown() {
     std::string text = INTRODUCTION;
     const std::string limit = "LIMIT";
     text.replace(text.find(limit), limit.size(), std::to_string(HOST_FILE_LIMIT >> 20));
-    for (const value_form &form : value_forms()) {
+    for (const value_form &form : VALUE_FORMS) {
         text += std::string("| ") + form.type + " | " + form.text + " |\n";
     }
-    for (const char *rule : form_rules()) {
+    for (const char *rule : FORM_RULES) {
         text += std::string("\n") + rule + "\n";
     }
     for (const key_section &section : all_sections()) {

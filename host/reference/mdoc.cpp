@@ -82,11 +82,11 @@ std::string section_page(const key_section &section) {
 
 std::string reference_mdoc() {
     std::string text = ".Bl -tag -width Ds\n";
-    for (const value_form &form : value_forms()) {
+    for (const value_form &form : VALUE_FORMS) {
         text += std::string(".It ") + form.type + "\n" + wrapped(form.text);
     }
     text += ".El\n";
-    for (const char *rule : form_rules()) {
+    for (const char *rule : FORM_RULES) {
         text += ".Pp\n" + wrapped(rule);
     }
     text += ".Sh KEYS\n";

@@ -2,7 +2,7 @@
 #ifndef HOST_REFERENCE_REFERENCE_H
 #define HOST_REFERENCE_REFERENCE_H
 
-#include "host/key.h"
+#include "host/keys.h"
 
 #include <span>
 #include <string>
@@ -11,7 +11,6 @@
 std::string reference_markdown();
 std::string reference_schema(); // JSON Schema 2020-12
 std::string reference_mdoc();   // of a manual page: the forms of values, and the section KEYS
-std::string reference_keys();   // one path a line, such as "ports[].link"
 
 // How a type of value stands in a file, with literals in backquotes.
 struct value_form {
@@ -19,9 +18,9 @@ struct value_form {
     const char *text;
 };
 
-std::span<const value_form> value_forms();
+extern const std::span<const value_form> VALUE_FORMS;
 // What is true of all values and of a file as a whole: a paragraph each, likewise.
-std::span<const char *const> form_rules();
+extern const std::span<const char *const> FORM_RULES;
 
 // What the documents tell of a key.
 struct key_entry {
@@ -32,12 +31,11 @@ struct key_entry {
     std::string otherwise; // what holds without it, likewise
 };
 
-// A table that a document has a section of. Keys of tables without a name of their own stand in
-// the section of the table that includes them.
+// A table that a document has a section of.
 struct key_section {
     const key_table *table;
     std::vector<key_entry> entries;
-    std::vector<const key_table *> included; // with names of their own
+    std::vector<const key_table *> included; // whose keys stand there, too
 };
 
 // All sections, each table once, in the order in which a reader meets them.

@@ -1,7 +1,5 @@
 #include "sim/answer.h"
 
-#include "host/port.h"
-
 #include <algorithm>
 #include <cstring>
 

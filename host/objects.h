@@ -1,12 +1,18 @@
-// Writes objects by their key tables.
-#ifndef HOST_WRITER_H
-#define HOST_WRITER_H
+// Reads and writes objects by their key tables.
+#ifndef HOST_OBJECTS_H
+#define HOST_OBJECTS_H
 
-#include "host/key.h"
+#include "host/json_tree.h"
+#include "host/keys.h"
 
 #include <set>
 #include <string>
 #include <vector>
+
+// Take all keys of the value into the object, which the table made. A key that is not given leaves
+// what is there. What is wrong is added to `wrong`, and everything else is taken all the same.
+void read_object(const json_value &given, const key_table &table, void *object,
+                 std::vector<host_error> &wrong);
 
 struct write_options {
     bool full = false;            // defaults are written, too
