@@ -22,14 +22,16 @@ struct line {
     const char *words;
     const char *keys;
     typed argument = typed::nothing;
+    // Prints fewer rows of the same, and is run where a row of the others ends the table.
+    const char *part = nullptr;
 };
 
-// A display that prints fewer rows of the same is not run again ("show port" is a part of "show
-// port internal"). The HMX's own view of a port comes first: the others are described by what
+// A display that prints fewer rows of the same is not run again ("show dvport" is a part of "show
+// dvport internal"). The HMX's own view of a port comes first: the others are described by what
 // differs. A walk comes before the lookups of what it names: nothing is learnt of an unknown thing.
 constexpr line LINES[] = {
-    {"show port internal", "ports"},
-    {"show port vlans internal", "ports"},
+    {"show port internal", "ports", typed::nothing, "show port"},
+    {"show port vlans internal", "ports", typed::nothing, "show port vlans"},
     {"show trunk priv", "ports"},
     {"show port system", "ports"},
     {"show port vlans system", "ports"},
@@ -201,6 +203,12 @@ private:
     uint32_t debug_words_before_[std::size(DEBUG_WORDS)];
 };
 
+void run(const std::string &text, driver_memory &memory) {
+    kx_run_broken = false;
+    memory.begin(text);
+    hmx_cmd_run(text.data(), static_cast<int>(text.size()), 0);
+}
+
 } // namespace
 
 extern "C" FILE *__real_popen(const char *command, const char *mode);
@@ -242,9 +250,10 @@ void run_displays(const std::set<std::string> &keys, const host &learnt, driver_
             continue;
         }
         for (const std::string &value : values_of(asked.argument, learnt)) {
-            const std::string text = asked.words + (value.empty() ? "" : " " + value);
-            memory.begin(text);
-            hmx_cmd_run(text.data(), static_cast<int>(text.size()), 0);
+            run(asked.words + (value.empty() ? "" : " " + value), memory);
+            if (kx_run_broken && asked.part != nullptr) {
+                run(asked.part, memory);
+            }
         }
     }
 }
