@@ -18,6 +18,7 @@
 #include "handlers/port/bridge_domain_record.h"
 #include "handlers/port/counter_records.h"
 #include "handlers/port/l2_record.h"
+#include "handlers/port/port_record.h"
 #include "host/host_file.h"
 #include "sim/host_programs.h"
 #include "tests/capture/tool_run.h"
@@ -222,6 +223,41 @@ void capture_equal_tables() {
         give_up(ENTRIES, "equal tables", cut.empty() ? "nothing is cut" : cut.front());
 }
 
+// Each port says of each VLAN of each view whether it forwards, and all say the same.
+void capture_many_trunks() {
+    constexpr uint32_t LAST_PORT = 4000, DOMAINS = 4094;
+    set_test_driver([](kxdpa_request &record) {
+        auto *const reply = reinterpret_cast<uint8_t *>(record.buf1);
+        const bool steps = record.opcode == KXDPA_OP_NEXT_LTL || record.opcode == KXDPA_OP_NEXT_BD;
+        const uint32_t last = record.opcode == KXDPA_OP_NEXT_BD ? DOMAINS : LAST_PORT;
+        record.status = 5;
+        if (steps && record.arg + 1 <= last) {
+            const uint32_t next = record.arg + 1;
+            memcpy(reply, &next, sizeof next);
+            record.status = KXDPA_STATUS_SUCCESS;
+        } else if (record.opcode == KXDPA_OP_PORT_RECORD) {
+            kx_port_record port{};
+            port.vlan_mode = KX_VLAN_MODE;
+            memcpy(reply, &port, sizeof port);
+            record.status = KXDPA_STATUS_SUCCESS;
+        } else if (record.opcode == KXDPA_OP_BD_RECORD) {
+            kx_bd_record bd{};
+            bd.vlan = static_cast<uint16_t>(record.arg);
+            memcpy(reply, &bd, sizeof bd);
+            record.status = KXDPA_STATUS_SUCCESS;
+        } else if (record.opcode == KXDPA_OP_VLAN_FORWARDING ||
+                   record.opcode == KXDPA_OP_PORT_PVLAN) {
+            record.status = KXDPA_STATUS_SUCCESS;
+        }
+        return 0;
+    });
+    host captured;
+    capture_host({}, "", captured);
+    const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
+    if (std::count(cut.begin(), cut.end(), "no end after 33554432 requests") != 1)
+        give_up(LAST_PORT, "many trunks", cut.empty() ? "nothing is cut" : cut.front());
+}
+
 void capture_slow_driver() {
     hostile_driver_restart(1);
     const std::vector<std::string> cut =
@@ -257,6 +293,7 @@ void record_too_much() {
 void meet_limits() {
     capture_endless_driver(0);
     capture_equal_tables();
+    capture_many_trunks();
     record_too_much();
 }
 
