@@ -18,7 +18,6 @@
 #include "sim/exchange.h"
 
 #include <chrono>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -29,6 +28,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 // An answer as it is kept, before its reply: what stands in the buffers afterwards, as far as it is
@@ -52,7 +52,9 @@ struct remembered_step {
     std::span<const uint8_t> reply() const {
         return bytes_of(*answered).subspan(sizeof(kept_answer));
     }
-    auto operator<=>(const remembered_step &) const = default;
+    bool operator<(const remembered_step &other) const {
+        return std::tie(asked, answered) < std::tie(other.asked, other.answered);
+    }
 };
 
 // The questions of an opcode and argument, in the order in which they came up.
@@ -130,7 +132,10 @@ private:
         uint16_t opcode;
         uint32_t argument;
         uint16_t shape;
-        auto operator<=>(const row_key &) const = default;
+        bool operator<(const row_key &other) const {
+            return std::tie(opcode, argument, shape) <
+                   std::tie(other.opcode, other.argument, other.shape);
+        }
     };
 
     int call(kxdpa_request &record);

@@ -7,10 +7,10 @@
 #include "host/host_file.h"
 
 #include <algorithm>
-#include <compare>
 #include <map>
 #include <memory>
 #include <set>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -26,7 +26,10 @@ struct question {
     uint32_t argument;
     const byte_pool::item *input;
 
-    auto operator<=>(const question &) const = default;
+    bool operator<(const question &other) const {
+        return std::tie(opcode, argument, input) <
+               std::tie(other.opcode, other.argument, other.input);
+    }
 };
 
 struct told_answer {
@@ -35,7 +38,10 @@ struct told_answer {
     std::optional<uint32_t> returned;
     const byte_pool::item *reply;
 
-    auto operator<=>(const told_answer &) const = default;
+    bool operator<(const told_answer &other) const {
+        return std::tie(error, status, returned, reply) <
+               std::tie(other.error, other.status, other.returned, other.reply);
+    }
 };
 
 struct recorded_question {
@@ -125,7 +131,7 @@ private:
         const told_answer answer = {told.error, told.status, told.returned,
                                     told.reply ? bytes_.intern(*told.reply) : nullptr};
         recorded_[found->second].told.push_back(&*answers_.insert(answer).first);
-        kept_bytes_ += sizeof(const told_answer *);
+        kept_bytes_ += sizeof(void *);
     }
 
     byte_pool bytes_; // of inputs and replies
