@@ -9,7 +9,7 @@
 #include "sim/answer.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdio>
 #include <ctime>
 
 namespace {
@@ -171,8 +171,14 @@ std::vector<std::string> report_of(const capture_note &capture, bool by_opcode) 
 }
 
 std::optional<std::string> ask_management_address() {
-    // Without the program the shell would complain.
-    if (std::system("command -v esxcfg-advcfg > /dev/null 2>&1") != 0) {
+    // Without the program the shell would complain. What the shell prints is known even where
+    // nobody may wait for it, its exit value is not.
+    FILE *const path = popen("command -v esxcfg-advcfg 2>/dev/null", "r");
+    const bool has_program = path != nullptr && std::fgetc(path) != EOF;
+    if (path != nullptr) {
+        pclose(path);
+    }
+    if (!has_program) {
         return std::nullopt;
     }
     char address[KX_MANAGEMENT_IP_SIZE];
