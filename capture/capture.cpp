@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <map>
+#include <optional>
 
 namespace {
 
@@ -92,7 +94,6 @@ void settle(const opcode_tallies &tallies, host &described) {
     }
     settle_drops(described, stranger_to(described));
     settle_l2(described);
-    settle_lacp(described);
 }
 
 template <typename T> std::optional<std::vector<T>> unless_empty(std::vector<T> list) {
@@ -134,9 +135,10 @@ std::string capture_host(const capture_request &asked, const std::string &versio
     const opcode_tallies tallies = memory.tallies();
     if (std::all_of(tallies.begin(), tallies.end(),
                     [](const auto &tally) { return tally.second.told == 0; })) {
-        return "tarncap: nothing is written: the driver refuses everything; see with \"tarncmd show "
-               "card\" whether the HMX runs, and ask again";
+        return "tarncap: nothing is written: the driver refuses everything; see with "
+               "\"tarncmd show card\" whether the HMX runs, and ask again";
     }
+    memory.learn_refusals();
     settle(tallies, described);
     if (is_asked(OVERRIDES)) {
         described.overrides = differences(memory, described);

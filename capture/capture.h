@@ -6,6 +6,7 @@
 #include "host/host.h"
 
 #include <chrono>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>

@@ -1,6 +1,5 @@
 #include "capture/differences.h"
 
-#include "host/host_file.h"
 #include "sim/model.h"
 #include "sim/transfer.h"
 
@@ -10,10 +9,7 @@
 
 namespace {
 
-// More rules make a file that is too large for anybody, whatever they say.
-constexpr size_t RULES_LIMIT = HOST_FILE_LIMIT / 32;
-
-// The bytes that zeros stand behind.
+// The same bytes, or the same with zeros after them.
 bool is_same(std::span<const uint8_t> told, std::span<const uint8_t> answered) {
     return told.size() <= answered.size() &&
            std::equal(told.begin(), told.end(), answered.begin()) &&
@@ -80,7 +76,7 @@ override_rule rule_of(const remembered_row &row, const remembered_step &step) {
     return rule_for(asked, has_input(asked) ? std::optional(step.input()) : std::nullopt, answer);
 }
 
-// The status whose one rule, behind those for all other questions, takes fewer rules than one for
+// The status whose one rule, after those for all other questions, takes fewer rules than one for
 // each of `different` does; none when no status does. `refusals` are counts of questions by status.
 std::optional<uint32_t> best_refused_alike(const std::map<uint32_t, uint32_t> &refusals,
                                            size_t questions, size_t different) {
@@ -97,7 +93,7 @@ std::optional<uint32_t> best_refused_alike(const std::map<uint32_t, uint32_t> &r
 }
 
 // The rules for the questions of a row that are still to be answered: one for each, or one for the
-// argument behind those for all its other questions.
+// argument after those for all its other questions.
 void add_rules(const remembered_row &row, const std::vector<remembered_step> &open,
                std::vector<override_rule> &rules) {
     std::map<uint32_t, uint32_t> refusals;

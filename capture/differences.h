@@ -12,7 +12,7 @@ bool is_answered_alike(const driver_memory &memory, host &described, uint16_t op
 
 // Put every remembered question to the described host. Returns the rules that give the driver's
 // answers where the host's differ in a byte that callers look at; where an opcode, or an argument
-// of it, is mostly refused alike, that is one rule behind its exceptions.
+// of it, is mostly refused alike, that is one rule after its exceptions.
 std::vector<override_rule> differences(const driver_memory &memory, host &described);
 
 #endif

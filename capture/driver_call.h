@@ -7,7 +7,7 @@
 #define CAPTURE_DRIVER_CALL_H
 
 #include "dpa/userspace/kxdpa_request.h"
-#include "host/host.h"
+#include "host/host_file.h"
 #include "sim/transfer.h"
 
 #include <cstdint>
@@ -50,6 +50,9 @@ struct driver_answer {
 driver_answer ask_driver(kxdpa_request &record);
 
 // --- An answer as an override of a host file ---
+
+// More rules make a file that is too large for anybody, whatever they say.
+constexpr size_t RULES_LIMIT = HOST_FILE_LIMIT / 32;
 
 // The capacity word of an answer where it is neither the reply's size nor, without a reply, as it
 // was asked with.

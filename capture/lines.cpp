@@ -8,21 +8,21 @@
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <iterator>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace {
 
-// What an operator types behind the words of a line.
+// What an operator types after the words of a line.
 enum class typed { nothing, vlan, swbd, segment, name, ltl, uplink };
 
 struct line {
     const char *words;
     const char *keys;
     typed argument = typed::nothing;
-    // Prints fewer rows of the same, and is run where a row of the others ends the table.
+    // Prints a part of the rows, and is run where a row that it leaves out ends the table.
     const char *part = nullptr;
 };
 

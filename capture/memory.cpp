@@ -28,7 +28,7 @@ constexpr uint32_t NO_PLACE = 0xFFFFFFFF;
 constexpr uint32_t UNTOLD[] = {0xB6A5C396, 0x495A3C69};
 
 // What a driver leaves alone has to be known: one caller may have preset what another has not, and
-// the type behind the UUID may not be told. So a word is asked for over one of ours; `*unwritten`
+// the type after the UUID may not be told. So a word is asked for over one of ours; `*unwritten`
 // becomes how many of its bytes the driver did not write.
 driver_answer ask_over_word(kxdpa_request &record, uint8_t *word, uint32_t *unwritten) {
     const kxdpa_request asked = record;
@@ -90,11 +90,6 @@ inline void tell(const remembered_step &kept, kxdpa_request &record) {
     if (to.returned != nullptr) {
         *to.returned = told.returned;
     }
-}
-
-// The step that comes next if all goes as with the row before, nullptr for none.
-const remembered_step *likely_step(const std::vector<remembered_step> *before, size_t place) {
-    return before != nullptr && place < before->size() ? &(*before)[place] : nullptr;
 }
 
 driver_memory *listening = nullptr;
@@ -179,10 +174,9 @@ driver_memory::row &driver_memory::add_row(shape &of, uint32_t argument) {
     return added;
 }
 
-const byte_pool::item *driver_memory::intern_input(const shape &of,
-                                                   std::span<const uint8_t> input) {
-    const remembered_step *likely = likely_step(of.before, of.own.size());
-    return inputs_.intern(input, likely == nullptr ? nullptr : likely->asked);
+remembered_step driver_memory::likely_step(const shape &of) {
+    const bool is_known = of.before != nullptr && of.own.size() < of.before->size();
+    return is_known ? (*of.before)[of.own.size()] : remembered_step();
 }
 
 inline uint32_t driver_memory::find_place(const shape &of, const row &in,
@@ -198,7 +192,7 @@ inline uint32_t driver_memory::find_place(const shape &of, const row &in,
     if (is_it(in.place)) {
         return in.place;
     }
-    const byte_pool::item *asked = intern_input(of, input);
+    const byte_pool::item *asked = inputs_.intern(input, likely_step(of).asked);
     if (in.rises && list.back().asked->second < asked->second) {
         return NO_PLACE;
     }
@@ -267,6 +261,17 @@ void driver_memory::learn(const shape &of, const row &in, const kxdpa_request &a
     in.form->learn(learnt_, told_);
 }
 
+void driver_memory::learn_refusals() {
+    each_row([&](const remembered_row &asked) {
+        for (const remembered_step &step : asked.steps) {
+            told_ = {.request = asked.request, .input = step.input(), .status = step.told().status};
+            if (!told_.is_told()) {
+                asked.form.learn(learnt_, told_);
+            }
+        }
+    });
+}
+
 void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
     if (of.growing != &in) {
         if (of.growing != nullptr) {
@@ -281,7 +286,8 @@ void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
         in.list = &of.own;
     }
     const kxdpa_request asked = record;
-    const byte_pool::item *input = intern_input(of, input_of(record));
+    const remembered_step likely = likely_step(of);
+    const byte_pool::item *input = inputs_.intern(input_of(record), likely.asked);
     const driver_answer told = ask_once(*in.form, record);
     learn(of, in, asked, bytes_of(*input), told);
     walked_bytes_ += of.longest != 0 && told.reply ? told.reply->size() : 0;
@@ -296,9 +302,7 @@ void driver_memory::ask(shape &of, row &in, kxdpa_request &record) {
     answer_bytes_.insert(answer_bytes_.end(), reply.begin(), reply.end());
     in.rises = of.own.empty() || (in.rises && of.own.back().asked->second < input->second);
     in.place = static_cast<uint32_t>(of.own.size());
-    const remembered_step *likely = likely_step(of.before, of.own.size());
-    of.own.push_back(
-        {input, answers_.intern(answer_bytes_, likely == nullptr ? nullptr : likely->answered)});
+    of.own.push_back({input, answers_.intern(answer_bytes_, likely.answered)});
 }
 
 int driver_memory::call(kxdpa_request &record) {

@@ -40,8 +40,8 @@ struct kept_answer {
 };
 
 struct remembered_step {
-    const byte_pool::item *asked;
-    const byte_pool::item *answered;
+    const byte_pool::item *asked = nullptr;
+    const byte_pool::item *answered = nullptr;
 
     std::span<const uint8_t> input() const {
         return bytes_of(*asked);
@@ -77,8 +77,7 @@ struct opcode_tally {
 
 class driver_memory {
 public:
-    // What is learnt goes into `learnt`. With `shows_progress`, what is being asked shows on
-    // standard error once a second has passed.
+    // What is learnt goes into `learnt`. It and `asked` stay where they are while this lives.
     driver_memory(host &learnt, const capture_request &asked);
     ~driver_memory();
     driver_memory(const driver_memory &) = delete;
@@ -86,6 +85,10 @@ public:
 
     // What asks from now on, which walks from the start.
     void begin(const std::string &who);
+
+    // Learn from what was refused once more: it may have been refused before anything was told of
+    // the same thing, and nothing is learnt of an unknown one.
+    void learn_refusals();
 
     // What has been asked so far, opcode by opcode, or of one opcode. Where an opcode and argument
     // was asked in several forms, that is what the first one asked: a rule cannot tell them apart.
@@ -142,7 +145,8 @@ private:
     shape *find_shape(const kxdpa_request &record);
     row *find_row(shape &of, uint32_t argument);
     row &add_row(shape &of, uint32_t argument);
-    const byte_pool::item *intern_input(const shape &of, std::span<const uint8_t> input);
+    // The next step of the row that grows if all goes as with the row before, else nothing.
+    static remembered_step likely_step(const shape &of);
     uint32_t find_place(const shape &of, const row &in, std::span<const uint8_t> input);
     bool comes_back(shape &of, const row &in, uint32_t place);
     bool may_ask(const shape &of, const row *in);

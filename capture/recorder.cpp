@@ -17,8 +17,7 @@ namespace {
 
 // Each byte of an answer takes at least two of the file, but for runs of equal ones.
 constexpr size_t BYTES_LIMIT = HOST_FILE_LIMIT * 2;
-constexpr size_t QUESTION_BYTES = 96;                // roughly
-constexpr size_t RULES_LIMIT = HOST_FILE_LIMIT / 32; // they take more bytes than that each
+constexpr size_t QUESTION_BYTES = 96, ANSWER_BYTES = 48; // roughly
 
 // The input and the reply are nullptr where there is none.
 struct question {
@@ -130,8 +129,9 @@ private:
         }
         const told_answer answer = {told.error, told.status, told.returned,
                                     told.reply ? bytes_.intern(*told.reply) : nullptr};
-        recorded_[found->second].told.push_back(&*answers_.insert(answer).first);
-        kept_bytes_ += sizeof(void *);
+        const auto [kept, is_other] = answers_.insert(answer);
+        recorded_[found->second].told.push_back(&*kept);
+        kept_bytes_ += sizeof(void *) + (is_other ? ANSWER_BYTES : 0);
     }
 
     byte_pool bytes_; // of inputs and replies

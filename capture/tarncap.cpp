@@ -14,7 +14,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include <getopt.h>
 #include <malloc.h>
@@ -157,7 +156,7 @@ bool read_options(int argc, char **argv, options &into, int &exit_value) {
                             "; see tarncap --help");
         }
     }
-    for (; into.command == nullptr && optind < argc; optind++) { // behind "--"
+    for (; into.command == nullptr && optind < argc; optind++) { // after "--"
         if (!read_word(argv + optind, into)) {
             return false;
         }

@@ -15,7 +15,7 @@ extern uint32_t kx_walked_requests;
 // True once a VLAN of this run had multicast groups, whose tables are not built.
 extern bool kx_has_unbuilt_groups;
 
-// True once a broken invariant has ended the run; the tool then exits with -1. It is never cleared.
+// True once a broken invariant has ended the run; the tool then exits with -1 and never clears it.
 extern bool kx_run_broken;
 
 // What a handler returns after it has reported a broken invariant. A run from a shell ends there:

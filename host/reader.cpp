@@ -2,10 +2,10 @@
 
 #include "host/value.h"
 
+#include <memory>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 namespace {
 

@@ -7,7 +7,6 @@
 #ifndef HOST_TEXT_H
 #define HOST_TEXT_H
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 

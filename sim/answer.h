@@ -173,6 +173,5 @@ const answer *find_answer(const kxdpa_request &request);
 // twice the same. The drops of one LTL that is neither a port nor internal tell of the others.
 void settle_drops(host &state, uint32_t stranger);
 void settle_l2(host &state);
-void settle_lacp(host &state);
 
 #endif

@@ -13,7 +13,7 @@ struct preload_channel {
     int library = -1; // the library itself, preloaded through this descriptor
     int host = -1;    // the text of the host file; the built-in host without it
     int trace = -1;   // request lines are written here
-    int met = -1;     // a byte for each override, set when a request is answered by it
+    int met = -1;     // marks of what the run uses, see use.h
 };
 
 // The descriptors in their order, as the variable has them.

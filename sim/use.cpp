@@ -59,20 +59,23 @@ std::vector<std::string> use_report(const host &described, std::span<const uint8
     const size_t overrides = described.overrides.size();
     if (described.capture && described.capture->keys) {
         const std::vector<std::string> &captured = *described.capture->keys;
-        std::string wanted; // names of the table alone: the file's may be anything
-        bool is_missing = false;
-        for (size_t place = 0; place < HOST_KEYS.keys.size(); place++) {
-            const char *key = HOST_KEYS.keys[place].name;
-            const bool is_asked = marks[overrides + place] != 0;
-            const bool is_captured = std::ranges::count(captured, key) != 0;
-            wanted += is_asked || is_captured ? std::string(" ") + key : "";
-            is_missing |= is_asked && !is_captured;
+        std::string wanted, missing; // names of the table alone: the file's may be anything
+        for (const std::string &name_in_file : captured) {
+            if (std::ranges::count(HOST_KEYS.keys, name_in_file, &key::name) != 0) {
+                wanted += " " + name_in_file;
+            }
         }
-        if (is_missing) {
+        for (size_t place = 0; place < HOST_KEYS.keys.size(); place++) {
+            const char *name_of_key = HOST_KEYS.keys[place].name;
+            if (marks[overrides + place] != 0 && std::ranges::count(captured, name_of_key) == 0) {
+                missing += std::string(" ") + name_of_key;
+            }
+        }
+        if (!missing.empty()) {
             lines.push_back(name +
                             " was captured without what was asked for, so the output may "
                             "differ from the host's; capture it with: tarncap" +
-                            wanted);
+                            wanted + missing);
         }
     }
     // A capture answers all displays; no run meets all of it.

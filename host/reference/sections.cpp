@@ -3,6 +3,8 @@
 #include "host/value.h"
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 
 namespace {
 
@@ -42,6 +44,7 @@ constexpr const char *TYPE_NAMES[] = {"number",       "flag",         "word",   
                                       "text",         "texts",        "bytes",     "MAC address",
                                       "IPv4 address", "IPv6 address", "interface", "numbers",
                                       "number",       "object",       "list"};
+static_assert(std::size(TYPE_NAMES) == KEY_TYPES - 1); // what is included is no key
 
 // What the key takes.
 std::string takes(const key &row) {

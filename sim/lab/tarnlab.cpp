@@ -49,7 +49,7 @@ struct lab_run {
     host described;
     preload_channel channel;         // its trace is used with a device file, too
     std::vector<uint8_t> marks = {}; // of use, see use.h
-    int signals = -1;                // where they are read, see ENDING_SIGNALS
+    int signals = -1;                // where they are read, see HANDLED_SIGNALS
     sigset_t mask_before = {};
 };
 

@@ -1,6 +1,5 @@
 #include "sim/answer.h"
 
-#include <map>
 #include <type_traits>
 
 namespace {
@@ -13,17 +12,12 @@ template <auto member> void answer_uplink(host &state, exchange &talk) {
     talk.tell(state, member_in<member>(value_in(state.lacp.uplinks, talk.request.arg)));
 }
 
-constexpr lacp_uplink NOTHING_TOLD = {std::nullopt, std::nullopt, std::nullopt, std::nullopt,
-                                      std::nullopt};
-
-// What is refused first may be all that is refused of an uplink, or all there is to learn of an LTL
-// without one, which settle_lacp() finds out.
+// What a driver refuses of a port of which it has told nothing is refused of any port.
 template <auto member> void learn_uplink(host &state, const exchange &told) {
     const uint32_t ltl = told.request.arg;
-    if (!told.is_told()) {
-        state.lacp.uplinks.try_emplace(ltl, NOTHING_TOLD);
+    if (told.is_told() || state.lacp.uplinks.contains(ltl)) {
+        told.learn(state.lacp.uplinks[ltl].*member);
     }
-    told.learn(state.lacp.uplinks[ltl].*member);
 }
 
 template <auto member> constexpr answer of_uplink(kxdpa_opcode opcode) {
@@ -43,11 +37,3 @@ constexpr answer LACP_ANSWERS[] = {
 } // namespace
 
 constinit const family lacp_family = LACP_ANSWERS;
-
-void settle_lacp(host &state) {
-    std::erase_if(state.lacp.uplinks, [](const auto &known) {
-        const lacp_uplink &uplink = known.second;
-        return !uplink.bit && !uplink.port_state && !uplink.upgrade_notify && !uplink.pdus &&
-               !uplink.host_data;
-    });
-}

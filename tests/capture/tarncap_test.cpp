@@ -201,8 +201,8 @@ TEST_F(Tarncap, IsKnownToTheLab) {
     EXPECT_EQ(run(TARNLAB_PATH " --host whole" + show).text, "");
     EXPECT_EQ(run(TARNLAB_PATH " --host part" + show).text,
               "tarnlab: part was captured without what was asked for, so the output may differ "
-              "from the host's; capture it with: tarncap card vlans "
-              "bridge_domains ports\n");
+              "from the host's; capture it with: tarncap ports card vlans "
+              "bridge_domains\n");
     const outcome by_hand = run(TARNLAB_PATH " --host " + host + show);
     EXPECT_NE(by_hand.text.find("overrides[0]: no request met it (opcode 68)"), std::string::npos);
 }
