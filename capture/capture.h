@@ -3,7 +3,7 @@
 #ifndef CAPTURE_CAPTURE_H
 #define CAPTURE_CAPTURE_H
 
-#include "host/host.h"
+#include "host/host_file.h"
 
 #include <chrono>
 #include <optional>
@@ -17,6 +17,9 @@ struct capture_request {
     bool shows_progress = false;   // on standard error
     std::chrono::seconds time_limit{600};
 };
+
+constexpr const char *TOO_LARGE = "the host file would be larger than tarnlab takes (64 MiB)";
+static_assert(HOST_FILE_LIMIT == size_t{64} << 20);
 
 // The top-level keys of the host file that a capture can fill.
 std::set<std::string> captured_keys();

@@ -126,11 +126,12 @@ std::vector<uint32_t> seen_ltls(const host &learnt) {
 }
 
 std::set<std::string> values_of(typed argument, const host &learnt) {
+    if (argument == typed::nothing) {
+        return {""};
+    }
     std::set<std::string> values;
     const auto add = [&](uint32_t number) { values.insert(std::to_string(number)); };
-    if (argument == typed::nothing) {
-        values.insert("");
-    } else if (argument == typed::ltl) {
+    if (argument == typed::ltl) {
         for (const uint32_t ltl : seen_ltls(learnt)) {
             add(ltl);
         }
@@ -158,9 +159,7 @@ std::set<std::string> values_of(typed argument, const host &learnt) {
             values.insert(name_of(bd.record));
         }
     }
-    if (argument != typed::nothing) {
-        values.erase("");
-    }
+    values.erase("");
     return values;
 }
 
@@ -175,33 +174,12 @@ uint32_t *const DEBUG_WORDS[] = {
 
 bool is_silent = false;
 
-// While it lives, displays print from the start to the end as from a shell, and nothing of it is
-// formatted: the sink is a buffer that is full.
-class silence {
-public:
-    silence() {
-        std::transform(std::begin(DEBUG_WORDS), std::end(DEBUG_WORDS), debug_words_before_,
-                       [](uint32_t *word) { return std::exchange(*word, 0U); });
-        hmx_rcli_buffer_ptr = hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
-        hmx_rcli_entry_start_ptr = nullptr;
-        hmx_rcli_print_len = 0;
-        hmx_rcli_fromdpa = 0;
-        is_silent = true;
+// What the tool traces, for one's own words and back.
+void swap_debug_words(uint32_t (&words)[std::size(DEBUG_WORDS)]) {
+    for (size_t i = 0; i < std::size(DEBUG_WORDS); i++) {
+        std::swap(*DEBUG_WORDS[i], words[i]);
     }
-    ~silence() {
-        for (size_t i = 0; i < std::size(DEBUG_WORDS); i++) {
-            *DEBUG_WORDS[i] = debug_words_before_[i];
-        }
-        hmx_rcli_buffer_ptr = nullptr;
-        kx_run_broken = false;
-        is_silent = false;
-    }
-    silence(const silence &) = delete;
-    silence &operator=(const silence &) = delete;
-
-private:
-    uint32_t debug_words_before_[std::size(DEBUG_WORDS)];
-};
+}
 
 void run(const std::string &text, driver_memory &memory) {
     kx_run_broken = false;
@@ -240,7 +218,15 @@ uint32_t stranger_to(const host &learnt) {
 }
 
 void run_displays(const std::set<std::string> &keys, const host &learnt, driver_memory &memory) {
-    const silence while_running;
+    // Displays print from the start to the end as from a shell, and nothing of it is formatted: the
+    // sink is a buffer that is full.
+    uint32_t debug_words[std::size(DEBUG_WORDS)] = {};
+    swap_debug_words(debug_words);
+    hmx_rcli_buffer_ptr = hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
+    hmx_rcli_entry_start_ptr = nullptr;
+    hmx_rcli_print_len = 0;
+    hmx_rcli_fromdpa = 0;
+    is_silent = true;
     for (const line &asked : LINES) {
         const std::set<std::string> about = keys_of(asked);
         const bool is_asked =
@@ -256,4 +242,8 @@ void run_displays(const std::set<std::string> &keys, const host &learnt, driver_
             }
         }
     }
+    swap_debug_words(debug_words);
+    hmx_rcli_buffer_ptr = nullptr;
+    kx_run_broken = false;
+    is_silent = false;
 }

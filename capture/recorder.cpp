@@ -82,93 +82,78 @@ void add_rules(const recorded_question &recorded, std::vector<override_rule> &ru
     rules.push_back(rule_of(recorded.asked, *usual));
 }
 
-class recorder {
-public:
-    recorder(const volatile int *interrupted, void (*leave)())
-        : interrupted_(interrupted), leave_(leave) {
-    }
-
-    int call(kxdpa_request &record) {
-        const kxdpa_request asked = record;
-        const byte_pool::item *input = nullptr;
-        too_large_ |= bytes_.bytes() + kept_bytes_ >= BYTES_LIMIT;
-        if (!too_large_ && has_input(asked)) {
-            input = bytes_.intern(input_of(asked)); // which the driver may overwrite
-        }
-        driver_answer told = ask_driver(record);
-        told.returned = odd_length(asked, told);
-        if (!too_large_) {
-            keep({asked.opcode, asked.arg, input}, told);
-        }
-        if (interrupted_ != nullptr && *interrupted_ != 0) {
-            leave_();
-        }
-        return told.error;
-    }
-
-    bool is_too_large() const {
-        return too_large_;
-    }
-
-    // None for more than a file holds.
-    std::vector<override_rule> rules() {
-        std::vector<override_rule> rules;
-        for (const recorded_question &recorded : recorded_) {
-            add_rules(recorded, rules);
-            too_large_ |= rules.size() > RULES_LIMIT;
-        }
-        return too_large_ ? std::vector<override_rule>() : rules;
-    }
-
-private:
-    void keep(const question &asked, const driver_answer &told) {
-        const auto [found, is_new] = places_.try_emplace(asked, recorded_.size());
-        if (is_new) {
-            recorded_.push_back({asked});
-            kept_bytes_ += QUESTION_BYTES;
-        }
-        const told_answer answer = {told.error, told.status, told.returned,
-                                    told.reply ? bytes_.intern(*told.reply) : nullptr};
-        const auto [kept, is_other] = answers_.insert(answer);
-        recorded_[found->second].told.push_back(&*kept);
-        kept_bytes_ += sizeof(void *) + (is_other ? ANSWER_BYTES : 0);
-    }
-
-    byte_pool bytes_; // of inputs and replies
-    std::set<told_answer> answers_;
-    std::vector<recorded_question> recorded_; // in the order of coming
-    std::map<question, size_t> places_;
-    size_t kept_bytes_ = 0; // beside them, roughly
-    bool too_large_ = false;
-    const volatile int *interrupted_;
-    void (*leave_)();
+struct recording {
+    const volatile int *interrupted = nullptr;
+    void (*leave)() = nullptr;
+    byte_pool bytes{}; // of inputs and replies
+    std::set<told_answer> answers{};
+    std::vector<recorded_question> recorded{}; // in the order of coming
+    std::map<question, size_t> places{};
+    size_t kept_bytes = 0; // beside them, roughly
+    bool too_large = false;
 };
 
-std::unique_ptr<recorder> under_way;
+std::unique_ptr<recording> under_way;
+
+void keep(recording &into, const question &asked, const driver_answer &told) {
+    const auto [found, is_new] = into.places.try_emplace(asked, into.recorded.size());
+    if (is_new) {
+        into.recorded.push_back({asked});
+        into.kept_bytes += QUESTION_BYTES;
+    }
+    const told_answer answer = {told.error, told.status, told.returned,
+                                told.reply ? into.bytes.intern(*told.reply) : nullptr};
+    const auto [kept, is_other] = into.answers.insert(answer);
+    into.recorded[found->second].told.push_back(&*kept);
+    into.kept_bytes += sizeof(void *) + (is_other ? ANSWER_BYTES : 0);
+    into.too_large = into.bytes.bytes() + into.kept_bytes >= BYTES_LIMIT;
+}
+
+int record_call(kxdpa_request &record) {
+    recording &into = *under_way;
+    const kxdpa_request asked = record;
+    const byte_pool::item *input = nullptr;
+    if (!into.too_large && has_input(asked)) {
+        input = into.bytes.intern(input_of(asked)); // which the driver may overwrite
+    }
+    driver_answer told = ask_driver(record);
+    told.returned = odd_length(asked, told);
+    if (!into.too_large) {
+        keep(into, {asked.opcode, asked.arg, input}, told);
+    }
+    if (into.interrupted != nullptr && *into.interrupted != 0) {
+        into.leave();
+    }
+    return told.error;
+}
 
 } // namespace
 
 void recorder_start(const volatile int *interrupted, void (*leave)()) {
-    under_way = std::make_unique<recorder>(interrupted, leave);
-    listen_to_calls([](kxdpa_request &record) { return under_way->call(record); });
+    under_way = std::make_unique<recording>();
+    under_way->interrupted = interrupted;
+    under_way->leave = leave;
+    listen_to_calls(record_call);
 }
 
-std::optional<host> recorder_stop(bool *too_large) {
+std::string recorder_stop(host &recorded) {
     listen_to_calls(nullptr);
-    const std::unique_ptr<recorder> done = std::move(under_way);
-    host recorded;
-    if (done != nullptr) {
-        recorded.overrides = done->rules();
+    const std::unique_ptr<recording> done = std::move(under_way);
+    if (done == nullptr || done->recorded.empty()) {
+        return "the driver was asked nothing";
     }
-    *too_large = done != nullptr && done->is_too_large();
-    if (recorded.overrides.empty()) {
-        return std::nullopt;
+    std::vector<override_rule> &rules = recorded.overrides;
+    for (const recorded_question &question : done->recorded) {
+        if (done->too_large || rules.size() > RULES_LIMIT) {
+            return TOO_LARGE;
+        }
+        add_rules(question, rules);
     }
-    const bool told_address = std::any_of(
-        recorded.overrides.begin(), recorded.overrides.end(),
-        [](const override_rule &rule) { return rule.opcode == KXDPA_OP_SET_MANAGEMENT_IPV4; });
-    if (told_address) {
+    const auto tells_address = [](const override_rule &rule) {
+        return rule.opcode == KXDPA_OP_SET_MANAGEMENT_IPV4;
+    };
+    if (std::any_of(rules.begin(), rules.end(), tells_address)) {
         recorded.management_address = ask_management_address();
     }
-    return recorded;
+    return "";
 }

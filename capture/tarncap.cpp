@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <optional>
 #include <set>
 #include <string>
 
@@ -27,9 +26,6 @@ namespace {
 constexpr int EXIT_CANNOT = 1;
 constexpr int EXIT_USAGE = 2;
 constexpr int EXIT_NOT_WHOLE = 3;
-
-constexpr const char *TOO_LARGE = "the host file would be larger than tarnlab takes (64 MiB)";
-static_assert(HOST_FILE_LIMIT == size_t{64} << 20);
 
 constexpr const char *HELP =
     "Usage: tarncap [-o FILE] [--full] [--verbose] [KEY...]\n"
@@ -188,14 +184,14 @@ void note_interrupt(int number) {
 
 // Returns false after a complaint.
 bool save_recording() {
-    bool too_large = false;
-    const std::optional<host> recorded = recorder_stop(&too_large);
-    const std::string text = recorded ? write_host(*recorded) : "";
-    if (too_large || text.size() > HOST_FILE_LIMIT) {
-        return complain(recording_file + ": not written: " + TOO_LARGE);
+    host recorded;
+    std::string why = recorder_stop(recorded);
+    const std::string text = why.empty() ? write_host(recorded) : "";
+    if (text.size() > HOST_FILE_LIMIT) {
+        why = TOO_LARGE;
     }
-    if (!recorded) {
-        return complain(recording_file + ": not written: the driver was asked nothing");
+    if (!why.empty()) {
+        return complain(recording_file + ": not written: " + why);
     }
     std::string error;
     return write_output_file(recording_file, text, error) || complain(error);

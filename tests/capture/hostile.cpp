@@ -80,10 +80,11 @@ void replay(uint64_t seed, const std::string &command,
             give_up(seed, command, error);
         recorder_start();
         recorded = run_tool({command}, answer_hostile);
-        bool too_large = false;
-        text = write_host(recorder_stop(&too_large).value_or(host()));
-        if (too_large)
-            give_up(seed, command, "the recording is too large");
+        host told;
+        const std::string why = recorder_stop(told);
+        if (why == TOO_LARGE)
+            give_up(seed, command, why);
+        text = write_host(told);
     }
     host read;
     host_programs programs;
@@ -283,10 +284,10 @@ void record_too_much() {
         for (uint32_t i = 0; i < requests; i++)
             kx_dpa_get(KXDPA_OP_DROP_COUNTERS, i, &counters);
         kx_dpa_api_exit();
-        bool too_large = false;
-        const bool recorded = recorder_stop(&too_large).has_value();
-        if (too_large != (requests == REQUESTS) || recorded == too_large)
-            give_up(requests, "recording", too_large ? "is too large" : "is not limited");
+        host recorded;
+        const std::string why = recorder_stop(recorded);
+        if (why != (requests == REQUESTS ? TOO_LARGE : ""))
+            give_up(requests, "recording", why.empty() ? "is not limited" : why);
     }
 }
 
