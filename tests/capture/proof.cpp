@@ -285,17 +285,15 @@ const struct {
         {"opcode": 25, "argument": 18, "status": 61}]})",
      {},
      3},
-    // VLAN 4095 behind the last one.
-    {R"({"overrides": [{"opcode": 618, "argument": 4094, "reply": "ff0f0000"},
-        {"opcode": 618, "argument": 200, "reply": "ff0f0000"}, {"opcode": 618, "argument": 4095, "status": 61}]})",
+    // VLAN 4095 in the list, which lookups find.
+    {R"({"vlans": "1,10,4095", "overrides": [{"opcode": 621, "reply": "02000000"}]})",
      {"show vlan 4095", "show l2 4095"},
-     3},
+     64},
     // An internal LTL with a record that no walk comes to, and one with drops.
-    {R"({"overrides": [{"opcode": 44, "argument": 5, "reply": "05,00*3,01*40,00*1104"},
-        {"opcode": 44, "argument": "0x1000007", "reply": "07,00*3,41*40,00*1104"},
+    {R"({"overrides": [{"opcode": 44, "argument": "0x2000005", "reply": "05000000,2000001c,00*1140"},
         {"opcode": 511, "argument": 9, "reply": "01,00*7,22,00*7,01,00*500"}]})",
-     {"show port-drops ltl 9"},
-     3},
+     {"show port-drops ltl 5", "show port-drops ltl 9"},
+     2},
     // Lookups find a bridge domain that no walk names, with addresses of its own.
     {R"({"overrides": [{"opcode": 621, "reply": "4d000000"}, {"opcode": 689, "reply": "4d000000"},
         {"opcode": 630, "reply": "4d000000"}, {"opcode": 629, "reply": "4d000000"},
@@ -304,9 +302,11 @@ const struct {
         {"opcode": 48, "argument": 77, "reply": "4d,00*3,4d,00*40,6f6464,00*200"}]})",
      {"show l2 10", "show l2 bd-name web", "show get-mac bd-name web", "show segment 5001"},
      60},
-    // The slots name an LTL that no table does.
-    {R"({"overrides": [{"opcode": 573, "argument": 3, "in": "00*52",
-         "reply": "04000000,02,00*3,00*16,020000000099,00*2,84030000,00*16"}]})",
+    // The slots name an LTL that no table does, whose addresses age.
+    {R"({"overrides": [{"opcode": 573, "argument": 3, "in": "00*52", "reply":
+        "04000000,02000000,84030000,00000000,01000000,09000000,020000000099,0800,00*20"},
+        {"opcode": 222, "argument": 900, "reply": "00*80,04000000"},
+        {"opcode": 287, "argument": 900, "reply": "01000000"}]})",
      {},
      12},
     // Refuses with a status of its own throughout.
