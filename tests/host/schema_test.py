@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""The documents made from the key tables: that the committed ones are fresh, and that the schema
-takes what the reader takes.
+"""The documents made from the key tables: that the committed ones are fresh, that the manual says the
+same, and that the schema takes what the reader takes.
 
     schema_test.py REPOSITORY HOST_REFERENCE RANDOM_HOST_FILE
 """
 import json
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -24,6 +25,23 @@ def check_fresh(repository, reference):
         committed = (repository / "docs" / name).read_text()
         assert committed == output_of(reference, option), (
             f"docs/{name} is stale: build the target docs")
+
+
+def check_manual(reference):
+    """The manual says of each key what the committed page says."""
+    manual = output_of(reference, "--mdoc").replace("\\&", "").replace("\\-", "-").replace("\\e", "\\")
+    manual = " ".join(manual.split()).lower()
+    rows = re.findall(r"^\| [`0](?:[^|]*\|){6}$", output_of(reference, "--markdown"), re.MULTILINE)
+    assert len(rows) > 200, len(rows)
+    for row in rows:
+        name, kind, takes, unit, default, meaning = (cell.strip().replace("`", "") for cell in row.split("|")[1:-1])
+        kind, _, link = kind.replace("list of objects", "list").partition(": ")
+        said = f".it cm {name} {meaning}. .br {kind}"
+        said += f" ({unit})" if unit else ""
+        said += f": {takes}" if takes else ""
+        said += f"; {default}" if default.startswith("required") else f"; default: {default}" if default else ""
+        said += f" .br see .sx {link[1:].partition(']')[0]} ." if link else ""
+        assert said.lower() + " ." in manual, f"the manual does not say: {said}"
 
 
 def host_files(repository):
@@ -48,6 +66,7 @@ def written(value, indent=0):
 def main():
     repository, reference, random_host_file = pathlib.Path(sys.argv[1]), *sys.argv[2:4]
     check_fresh(repository, reference)
+    check_manual(reference)
     schema = json.loads((repository / "docs" / "host.schema.json").read_text())
     jsonschema.Draft202012Validator.check_schema(schema)
     validator = jsonschema.Draft202012Validator(schema)
