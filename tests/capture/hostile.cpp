@@ -185,6 +185,62 @@ void capture_endless_driver(uint32_t circle) {
         give_up(circle, "endless", "nothing is cut");
 }
 
+// A driver with one bridge domain, one of whose walks goes upwards for ever.
+void capture_endless_walks() {
+    const struct {
+        kxdpa_opcode opcode;
+        const char *key;
+        const char *entries;
+    } rows[] = {
+        {KXDPA_OP_NEXT_LTL, "ports", "4096"},
+        {KXDPA_OP_BD_NEXT_PORT, "bridge_domains", "4096"},
+        {KXDPA_OP_NEXT_L2_ENTRY, "l2", "65536"},
+        {KXDPA_OP_L2_SLOTS, "l2", "65536"},
+        {KXDPA_OP_NEXT_VLAN, "vlans", "16384"},
+        {KXDPA_OP_NEXT_BD, "bridge_domains", "16384"},
+        {KXDPA_OP_NEXT_VLAN_GROUP, "bridge_domains", "16384"},
+        {KXDPA_OP_NEXT_HEAP, "heaps", "16384"},
+        {KXDPA_OP_NEXT_MEMORY_POOL, "memory_pools", "16384"},
+    };
+    for (const auto &row : rows) {
+        uint32_t last = 0;
+        set_test_driver([&](kxdpa_request &record) {
+            const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
+            auto *const reply = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
+            const auto tell = [&](auto value) {
+                record.status = KXDPA_STATUS_SUCCESS;
+                memcpy(reply, &value, sizeof value);
+            };
+            record.status = 5;
+            if (record.opcode == row.opcode) {
+                last++;
+                const uint32_t size = two ? record.len2 : record.len1;
+                for (uint32_t at = 0; at + sizeof last <= size; at += sizeof last)
+                    memcpy(reply + at, &last, sizeof last);
+                record.status = KXDPA_STATUS_SUCCESS;
+            } else if (record.opcode == KXDPA_OP_NEXT_BD && record.arg == 0) {
+                tell(uint32_t{1});
+            } else if (record.opcode == KXDPA_OP_BD_RECORD) {
+                kx_bd_record bd{};
+                bd.vlan = 1;
+                tell(bd);
+            } else if (record.opcode == KXDPA_OP_L2_TABLE_LIMIT ||
+                       record.opcode == KXDPA_OP_L2_ENTRY_COUNT ||
+                       record.opcode == KXDPA_OP_L2_AGING_TIME) {
+                tell(uint32_t{1});
+            }
+            return 0;
+        });
+        host captured;
+        capture_host({.keys = {row.key}}, "", captured);
+        const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
+        const std::string expected = "the walk of opcode " + std::to_string(row.opcode) +
+                                     " does not end and is cut after " + row.entries + " entries";
+        if (std::count(cut.begin(), cut.end(), expected) != 1)
+            give_up(row.opcode, "endless walk", cut.empty() ? "nothing is cut" : cut.front());
+    }
+}
+
 // What is equal is remembered once, but the description keeps it for each bridge domain.
 void capture_equal_tables() {
     constexpr uint32_t DOMAINS = 4000, ENTRIES = 60000;
@@ -323,6 +379,7 @@ int main(int argc, char *argv[]) {
     if (every == 1)
         meet_limits();
     capture_endless_driver(7);
+    capture_endless_walks();
     capture_slow_driver();
     std::printf("captures of hostile drivers: %llu\n",
                 static_cast<unsigned long long>(done.captures));
