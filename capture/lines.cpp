@@ -223,9 +223,6 @@ void run_displays(const std::set<std::string> &keys, const host &learnt, driver_
     uint32_t debug_words[std::size(DEBUG_WORDS)] = {};
     swap_debug_words(debug_words);
     hmx_rcli_buffer_ptr = hmx_rcli_buffer + HMX_RCLI_BUFFER_SIZE;
-    hmx_rcli_entry_start_ptr = nullptr;
-    hmx_rcli_print_len = 0;
-    hmx_rcli_fromdpa = 0;
     is_silent = true;
     for (const line &asked : LINES) {
         const std::set<std::string> about = keys_of(asked);

@@ -29,7 +29,10 @@ def check_fresh(repository, reference):
 
 def check_manual(reference):
     """The manual says of each key what the committed page says."""
-    manual = output_of(reference, "--mdoc").replace("\\&", "").replace("\\-", "-").replace("\\e", "\\")
+    manual = output_of(reference, "--mdoc")
+    macros = set(re.findall(r"^\.(\w*)", manual, re.MULTILINE))
+    assert macros == {"Bl", "El", "It", "Pp", "Sh", "Ss", "Sx", "br"}, macros
+    manual = manual.replace("\\&", "").replace("\\-", "-").replace("\\e", "\\")
     manual = " ".join(manual.split()).lower()
     rows = re.findall(r"^\| [`0](?:[^|]*\|){6}$", output_of(reference, "--markdown"), re.MULTILINE)
     assert len(rows) > 200, len(rows)
