@@ -72,7 +72,7 @@ enum kx_version_of : uint32_t {
 constexpr uint32_t KX_L3_CONTROL_CLASS = 0x2000000;
 
 // What a port channel picks the member by, as KXDPA_OP_LOAD_BALANCING tells it.
-inline constexpr const char *KX_LOAD_BALANCING[] = {
+constexpr const char *KX_LOAD_BALANCING[] = {
     "Unknown",
     "destination-mac",
     "source-mac",
