@@ -185,6 +185,26 @@ void capture_endless_driver(uint32_t circle) {
         give_up(circle, "endless", "nothing is cut");
 }
 
+uint8_t *reply_of(const kxdpa_request &record) {
+    const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
+    return reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
+}
+
+template <typename Value> void tell(kxdpa_request &record, Value value) {
+    record.status = KXDPA_STATUS_SUCCESS;
+    memcpy(reply_of(record), &value, sizeof value);
+}
+
+// That a capture of the test's driver is cut for this reason.
+void expect_cut(const char *what, const std::string &expected,
+                const std::set<std::string> &keys = {}) {
+    host captured;
+    capture_host({.keys = keys}, "", captured);
+    const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
+    if (std::count(cut.begin(), cut.end(), expected) != 1)
+        give_up(0, what, cut.empty() ? "nothing is cut" : cut.front());
+}
+
 // A driver with one bridge domain, one of whose walks goes upwards for ever.
 void capture_endless_walks() {
     const struct {
@@ -205,39 +225,30 @@ void capture_endless_walks() {
     for (const auto &row : rows) {
         uint32_t last = 0;
         set_test_driver([&](kxdpa_request &record) {
-            const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
-            auto *const reply = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
-            const auto tell = [&](auto value) {
-                record.status = KXDPA_STATUS_SUCCESS;
-                memcpy(reply, &value, sizeof value);
-            };
             record.status = 5;
             if (record.opcode == row.opcode) {
                 last++;
-                const uint32_t size = two ? record.len2 : record.len1;
+                const uint32_t size = record.len2 != 0 ? record.len2 : record.len1;
                 for (uint32_t at = 0; at + sizeof last <= size; at += sizeof last)
-                    memcpy(reply + at, &last, sizeof last);
+                    memcpy(reply_of(record) + at, &last, sizeof last);
                 record.status = KXDPA_STATUS_SUCCESS;
             } else if (record.opcode == KXDPA_OP_NEXT_BD && record.arg == 0) {
-                tell(uint32_t{1});
+                tell(record, uint32_t{1});
             } else if (record.opcode == KXDPA_OP_BD_RECORD) {
                 kx_bd_record bd{};
                 bd.vlan = 1;
-                tell(bd);
+                tell(record, bd);
             } else if (record.opcode == KXDPA_OP_L2_TABLE_LIMIT ||
                        record.opcode == KXDPA_OP_L2_ENTRY_COUNT ||
                        record.opcode == KXDPA_OP_L2_AGING_TIME) {
-                tell(uint32_t{1});
+                tell(record, uint32_t{1});
             }
             return 0;
         });
-        host captured;
-        capture_host({.keys = {row.key}}, "", captured);
-        const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
-        const std::string expected = "the walk of opcode " + std::to_string(row.opcode) +
-                                     " does not end and is cut after " + row.entries + " entries";
-        if (std::count(cut.begin(), cut.end(), expected) != 1)
-            give_up(row.opcode, "endless walk", cut.empty() ? "nothing is cut" : cut.front());
+        expect_cut("endless walk",
+                   "the walk of opcode " + std::to_string(row.opcode) +
+                       " does not end and is cut after " + row.entries + " entries",
+                   {row.key});
     }
 }
 
@@ -245,23 +256,17 @@ void capture_endless_walks() {
 void capture_equal_tables() {
     constexpr uint32_t DOMAINS = 4000, ENTRIES = 60000;
     set_test_driver([](kxdpa_request &record) {
-        const bool two = (record.flags & KXDPA_FLAG_TWO) != 0;
-        auto *const reply = reinterpret_cast<uint8_t *>(two ? record.buf2 : record.buf1);
-        const auto tell = [&](auto value) {
-            record.status = KXDPA_STATUS_SUCCESS;
-            memcpy(reply, &value, sizeof value);
-        };
         record.status = 5;
         if (record.opcode == KXDPA_OP_NEXT_BD && record.arg < DOMAINS) {
-            tell(record.arg + 1);
+            tell(record, record.arg + 1);
         } else if (record.opcode == KXDPA_OP_BD_RECORD) {
-            tell(kx_bd_record{});
+            tell(record, kx_bd_record{});
         } else if (record.opcode == KXDPA_OP_BD_COUNT) {
-            tell(DOMAINS);
+            tell(record, DOMAINS);
         } else if (record.opcode == KXDPA_OP_L2_ENTRY_COUNT ||
                    record.opcode == KXDPA_OP_L2_TABLE_LIMIT ||
                    record.opcode == KXDPA_OP_L2_AGING_TIME) {
-            tell(ENTRIES);
+            tell(record, ENTRIES);
         } else if (record.opcode == KXDPA_OP_NEXT_L2_ENTRY) {
             kx_l2_entry entry{};
             memcpy(entry.mac, reinterpret_cast<const void *>(record.buf1), sizeof entry.mac);
@@ -269,50 +274,37 @@ void capture_equal_tables() {
             memcpy(&number, entry.mac, sizeof number);
             memcpy(entry.mac, &++number, sizeof number);
             if (number <= ENTRIES)
-                tell(entry);
+                tell(record, entry);
         }
         return 0;
     });
-    host captured;
-    capture_host({}, "", captured);
-    const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
-    if (std::count(cut.begin(), cut.end(), "more answers than 128 MiB hold") != 1)
-        give_up(ENTRIES, "equal tables", cut.empty() ? "nothing is cut" : cut.front());
+    expect_cut("equal tables", "more answers than 128 MiB hold");
 }
 
 // Each port says of each VLAN of each view whether it forwards, and all say the same.
 void capture_many_trunks() {
     constexpr uint32_t LAST_PORT = 4000, DOMAINS = 4094;
     set_test_driver([](kxdpa_request &record) {
-        auto *const reply = reinterpret_cast<uint8_t *>(record.buf1);
         const bool steps = record.opcode == KXDPA_OP_NEXT_LTL || record.opcode == KXDPA_OP_NEXT_BD;
         const uint32_t last = record.opcode == KXDPA_OP_NEXT_BD ? DOMAINS : LAST_PORT;
         record.status = 5;
         if (steps && record.arg + 1 <= last) {
-            const uint32_t next = record.arg + 1;
-            memcpy(reply, &next, sizeof next);
-            record.status = KXDPA_STATUS_SUCCESS;
+            tell(record, record.arg + 1);
         } else if (record.opcode == KXDPA_OP_PORT_RECORD) {
             kx_port_record port{};
             port.vlan_mode = KX_VLAN_MODE;
-            memcpy(reply, &port, sizeof port);
-            record.status = KXDPA_STATUS_SUCCESS;
+            tell(record, port);
         } else if (record.opcode == KXDPA_OP_BD_RECORD) {
             kx_bd_record bd{};
             bd.vlan = static_cast<uint16_t>(record.arg);
-            memcpy(reply, &bd, sizeof bd);
-            record.status = KXDPA_STATUS_SUCCESS;
+            tell(record, bd);
         } else if (record.opcode == KXDPA_OP_VLAN_FORWARDING ||
                    record.opcode == KXDPA_OP_PORT_PVLAN) {
             record.status = KXDPA_STATUS_SUCCESS;
         }
         return 0;
     });
-    host captured;
-    capture_host({}, "", captured);
-    const auto cut = captured.capture->cut.value_or(std::vector<std::string>());
-    if (std::count(cut.begin(), cut.end(), "no end after 33554432 requests") != 1)
-        give_up(LAST_PORT, "many trunks", cut.empty() ? "nothing is cut" : cut.front());
+    expect_cut("many trunks", "no end after 33554432 requests");
 }
 
 void capture_slow_driver() {
